@@ -1,0 +1,85 @@
+// The root object: the built-in DTD, the settings, and the factory of documents.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "dom/export.h"
+#include "dom/tree/SharedName.h"
+
+namespace zeldom40 {
+
+class CodeConv;
+class Document;
+class DocumentStyle;
+class DocumentType;
+class DTDParser;
+class JavaTypeLookupIF;
+
+// A host makes one DOM at start, a Document per page, deletes the documents, then destroys the DOM. Much of the library
+// reaches its DOM through getDOM(), so the newest one is the one in use. Not safe for two threads.
+class ZELDOM40_API DOM {
+ public:
+  // Which generation of server tags exists: the jsp: and qdx: names under version 0, the older bean tags under 1.
+  enum JSPVersion { JSP_VERSION_0 = 0, JSP_VERSION_1 = 1 };
+
+  // Makes a DOM with the built-in DTD loaded. Only `version` is used; the other arguments are accepted and ignored.
+  // Freed with destroyDOM. Null if memory ran out.
+  static DOM* createDOM(const char* dtdPath, JSPVersion version, const char** dtdFiles, const char** dtdPublicIds);
+  // All documents must be deleted before. Null is ignored.
+  static void destroyDOM(DOM* dom);
+  // The newest live DOM, or null.
+  static DOM* getDOM();
+
+  // KEPT: these three do nothing. The DTD is always the built-in one.
+  void setDTDPath(const char* path);
+  void addDTDFile(const char* publicId, const char* file);
+  void setDTDFile(const char* publicId, const char* file);
+  // Parses the built-in DTD; createDOM has done it.
+  void loadDTD();
+
+  // Owned by the DOM.
+  DocumentType* getDocumentType() { return documentType_; }
+  DocumentStyle* getDocumentStyle() { return documentStyle_; }
+  JSPVersion getJSPVersion() const { return jspVersion_; }
+  // Takes effect on the next look-up of a name; nothing that exists changes.
+  void setJSPVersion(JSPVersion version) { jspVersion_ = version; }
+  // Borrowed; null until set.
+  void setJavaTypeLookupIF(const JavaTypeLookupIF* lookup) { javaTypeLookup_ = lookup; }
+  // Adds bits to a word that is kept for hosts and decides nothing.
+  void enableExtension(unsigned long mask) { extensions_ |= static_cast<unsigned>(mask); }
+
+  // A document type from DTD text of `length` bytes (negative: up to the NUL). Null without text. Freed with
+  // destroyDocumentType, which ignores null and the DOM's own type.
+  DocumentType* createDocumentType(const char* name, const char* dtdText, int length);
+  void destroyDocumentType(DocumentType* type);
+  // An empty document; "HTML", exactly so, makes an HTML document, any other name a generic one. Freed with
+  // deleteDocument, which ignores null.
+  Document* createDocument(const char* documentTypeName);
+  void deleteDocument(Document* document);
+
+ private:
+  friend struct DOMAccess;
+  explicit DOM(JSPVersion version);
+  ~DOM();
+  DOM(const DOM&) = delete;
+  DOM& operator=(const DOM&) = delete;
+
+  DocumentType* documentType_ = nullptr;
+  DTDParser* dtdParser_ = nullptr;
+  DocumentStyle* documentStyle_ = nullptr;
+  CodeConv* codeConv_ = nullptr;
+  unsigned extensions_ = 14;
+  const JavaTypeLookupIF* javaTypeLookup_ = nullptr;
+  // Held once, so that every text and comment shares its name.
+  SharedName whitespaceName_;
+  SharedName textName_;
+  SharedName commentName_;
+  SharedName pcdataName_;
+  SharedName metaDataName_;
+  JSPVersion jspVersion_;
+  DOM* next_ = nullptr;
+  DOM* prev_ = nullptr;
+};
+
+}  // namespace zeldom40

@@ -1,0 +1,165 @@
+// One page: the tree and the services around it.
+#pragma once
+
+#include <list>
+#include <string>
+
+#include "dom/export.h"
+#include "dom/tree/Node.h"
+#include "dom/tree/NodeIterator.h"
+#include "dom/tree/Text.h"
+
+namespace zeldom40 {
+
+class Attribute;
+class AttributeList;
+class Comment;
+class DOM;
+class DocumentType;
+class Element;
+class PI;
+
+// A node that is never part of a tree itself: it holds the root of one and works on it. Made by DOM::createDocument and
+// freed by DOM::deleteDocument. Not safe for two threads.
+class ZELDOM40_API Document : public Node {
+ public:
+  // Which part of an element getSourceBuf writes; other nodes are always written whole.
+  enum SourceMode { SOURCE_TAGS = 0, SOURCE_CONTENT = 1, SOURCE_ALL = 2 };
+
+  // A stretch of the page in document order. An offset is a child index in an element and a byte of the plain form in a
+  // text. Holds no references.
+  struct _selection {
+    Node* startNode;
+    unsigned startOffset;
+    Node* endNode;
+    unsigned endOffset;
+  };
+
+  // Without a DOM: of no use but as a placeholder.
+  Document();
+  Document(const char* documentTypeName, DOM* dom);
+  ~Document() override;
+
+  // --- the tree -----------------------------------------------------------------------------------------------------
+  // The DOM's document type; borrowed.
+  Node* getDocumentType();
+  DocumentType* getDocumentTypeObject() const { return documentType_; }
+  DOM* getDOM() const { return dom_; }
+  // True if the document was made with the name "HTML".
+  bool isHTML() const { return html_; }
+  // The root, an element named ZELROOT; null while there is no tree. Owned by the document.
+  Element* getDocumentElement() { return documentElement_; }
+  // Takes `node` out of its tree and drops one reference of its whole subtree; nodes that nobody else holds are
+  // deleted. Null or the root: the whole tree goes, with cursor and selections. Always returns null.
+  Node* deleteNodes(Node* node);
+  // Clears the tree's flags, then the document's own.
+  void clearUpdateFlag() override;
+  // The pre-order step: the next node behind `node` inside the subtree of `top` (null: to the end of the tree), not
+  // below `node` if `skipChildren`, and only at nodes with update flags if `updatedOnly`. Null at the end.
+  Node* findNextNode(Node* node, Node* top, bool updatedOnly, bool skipChildren);
+  // The node below `cloneTop` at the place that `node` has below `sourceTop`; null if there is none, and for
+  // `sourceTop` itself.
+  Node* findClonedNode(Node* node, Node* sourceTop, Node* cloneTop);
+
+  // --- factories and searches ---------------------------------------------------------------------------------------
+  // The HTML element of the page. KEPT: if there is none it is created and appended to the root. Null for a document
+  // that is not HTML or has no tree. Borrowed.
+  Element* getHTMLElement();
+  // Nodes with a count of 1 and no parent; null for an empty or null name. Tags are written on first demand.
+  Element* createElement(const char* name);
+  // ZELROOT and ZELTEMP: elements whose tags are empty, so that writing them writes their content.
+  Element* createRootElement();
+  Element* createTemporaryElement();
+  Text* createTextNode(const char* data);
+  Text* createTextNode(const std::string& data);
+  Comment* createComment(const char* data);
+  Comment* createComment(const std::string& data);
+  // KEPT: carries no document.
+  PI* createPI(const char* target, const char* data);
+  // Not counted: owned by the caller until they join a list or an element.
+  Attribute* createAttribute(const char* name, const char* value);
+  AttributeList* createAttributeList();
+  // A copy without children that shares no metadata object. Count 1. Null gives null.
+  Element* copyElement(const Element* source);
+  NodeIterator getElementsByTagName(const char* name);
+  // Deletes the element and keeps its children in its place; `mergeTexts` joins texts that meet. An element without
+  // parent is returned untouched, else null.
+  Element* removeElement(Element* element, bool mergeTexts);
+  // True for a text without data, and for a text-level element that holds nothing but such; the place of the cursor
+  // and of a single selection counts as content unless `ignoreCursor` (for the node itself).
+  bool isEmptyNode(Node* node, bool ignoreCursor);
+  // May `child` stand directly below `parent`, with no element between that only the DTD implies?
+  bool canContain(Node* parent, Node* child);
+  // May an element of that name, a text of that type, stand below, also through implied elements? A null pointer: no.
+  bool canContain(Node* parent, const char* name);
+  bool canContain(Node* parent, Text::TextType type);
+  bool canContain(const char* name, Node* child);
+
+  // --- parsing and writing ------------------------------------------------------------------------------------------
+  // Parses `length` bytes of any content, NUL bytes included, below `parent`, and returns it. A null parent replaces
+  // the whole tree. A fragment's parent is an element without children, usually from createTemporaryElement; errors of
+  // a fragment stay on its nodes and never reach the document's word. With `adjust` a page without severe errors is
+  // brought to normal form. Text of 2 GiB or more gives null and changes nothing.
+  // Parsed nodes carry update flags (CREATED, ADDED): a host clears them with clearUpdateFlag before its first edit,
+  // or adjustNodes takes every tag for new and writes it anew.
+  Node* createNodes(const char* text, unsigned int length, Node* parent, bool adjust);
+  // The source text of a node, empty for null. An untouched tree gives the exact bytes that it was parsed from. Lives
+  // until the next call; it may hold NUL bytes, see getSourceBufLen. `compact` leaves out generated run-time text.
+  const char* getSourceBuf(Node* node, SourceMode mode, bool compact) const;
+  // The length in bytes of getSourceBuf with the same arguments, which it runs; with a null node, of the last result.
+  unsigned long getSourceBufLen(Node* node, SourceMode mode, bool compact) const;
+  // Reads the references of all texts below `node` anew from their source. True if there was such a text.
+  bool restorePlainTexts(Node* node);
+
+  // --- cursor and selections ----------------------------------------------------------------------------------------
+  // Puts the cursor at a child index of an element or a byte of a text's plain form; a text without layout presence
+  // passes it to its parent. A node outside the tree leaves the cursor's node.
+  void setLayoutCursor(Node* node, int offset);
+  // Out-pointers may be null.
+  void getLayoutCursor(Node** node, int* offset);
+  void eraseSelections();
+  const std::list<_selection*>& getSelections() const { return selections_; }
+  // Keep cursor and selections on live nodes: told before a child is removed, before a subtree is deleted.
+  void adjustCursorOnRemove(Node* node);
+  void adjustCursorOnDelete(Node* node);
+
+  // --- undo ---------------------------------------------------------------------------------------------------------
+  // Called before every change of the tree.
+  void record();
+  void enableRecord(bool enable);
+
+ private:
+  friend class Node;
+  friend struct NodeAccess;
+  friend struct DocumentAccess;
+
+  enum : unsigned { kRecordTaken = 1, kRecordSuspended = 2, kRecordInGroup = 4, kRecordDisabled = 8 };
+
+  // record(), if the change of `node` is one of this document's tree.
+  void recordChange(const Node* node) {
+    if (!(recordFlags_ & (kRecordTaken | kRecordDisabled)) && isInTree(node)) record();
+  }
+  bool isInTree(const Node* node) const;
+  bool hasSevereError() const { return (getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
+  Element* prepareScratchElement(const char* name);
+  void forgetCursorInside(const Node* top);
+
+  DOM* dom_ = nullptr;
+  bool html_ = false;
+  DocumentType* documentType_ = nullptr;
+  Element* documentElement_ = nullptr;
+  std::list<_selection*> selections_;
+  bool doctypeSeen_ = false;
+  Node* cursorNode_ = nullptr;
+  int layoutOffset_ = 0;
+  int sourceOffset_ = 0;
+  Element* scratchElement_ = nullptr;
+  Text* scratchText_ = nullptr;
+  bool adjustCursors_ = true;
+  bool inClassify_ = false;
+  Node* retainedCursorNode_ = nullptr;
+  mutable std::string sourceBuf_;
+  unsigned recordFlags_ = 0;
+};
+
+}  // namespace zeldom40

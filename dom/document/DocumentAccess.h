@@ -1,0 +1,29 @@
+// Internal. The document's state and operations for the services that work on it.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "dom/document/Document.h"
+
+namespace zeldom40 {
+
+class ElementDefinition;
+struct NameEntry;
+
+struct DocumentAccess {
+  static bool isInTree(const Document* document, const Node* node) { return document->isInTree(node); }
+  static void recordChange(Document* document, const Node* node) { document->recordChange(node); }
+  static bool inClassify(const Document* document) { return document->inClassify_; }
+  static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
+  static std::string& sourceBuf(const Document* document) { return document->sourceBuf_; }
+  static void setDocumentElement(Document* document, Element* root) { document->documentElement_ = root; }
+  static void setInClassify(Document* document, bool on) { document->inClassify_ = on; }
+  static bool hasSevereError(const Document* document) { return document->hasSevereError(); }
+  static void setErrorWord(Document* document, unsigned long word) {
+    document->clearError();
+    if (word) document->setError(word);
+  }
+};
+
+}  // namespace zeldom40

@@ -1,0 +1,653 @@
+// Child list, reference counts, update flags and tree questions of the node base.
+#include "dom/tree/Node.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "dom/document/Document.h"
+#include "dom/tree/NodeAccess.h"
+#include "dom/tree/NodeIterator.h"
+#include "dom/tree/NodePool.h"
+
+namespace zeldom40 {
+
+void* Node::operator new(std::size_t size) { return NodePool::allocate(size); }
+void Node::operator delete(void* memory, std::size_t size) { NodePool::release(memory, size); }
+
+Node::Node() { liveNodes::add(); }
+
+Node::Node(NodeType type, Document* document) : document_(document), nodeType_(static_cast<std::uint8_t>(type)) {
+  liveNodes::add();
+}
+
+Node::Node(const Node& other)
+    : document_(other.document_),
+      name_(other.name_),
+      error_(other.error_),
+      nodeType_(other.nodeType_),
+      viewFlags_(other.viewFlags_) {
+  liveNodes::add();
+}
+
+Node::~Node() {
+  NodeAccess::drain(this);
+  if (children_) {
+    children_->list.clear();
+    if (--children_->count == 0) delete children_;
+  }
+  if (parent_) {
+    // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
+    NodeAccess::unlinkChild(parent_, this);
+  }
+  NodeAccess::setPrev(this, nullptr);
+  NodeAccess::setNext(this, nullptr);
+  liveNodes::remove();
+}
+
+void Node::releaseOwned() {}
+
+// --- reference counts ------------------------------------------------------------------------------------------------
+
+int Node::addRef(bool deep) {
+  ++refCount_;
+  if (deep) {
+    for (Node* n = NodeAccess::nextInSubtree(this, this); n; n = NodeAccess::nextInSubtree(n, this)) ++n->refCount_;
+  }
+  return refCount_;
+}
+
+int Node::dropRef(bool deep) {
+  if (deep) {
+    for (Node* n = NodeAccess::nextInSubtree(this, this); n; n = NodeAccess::nextInSubtree(n, this)) --n->refCount_;
+  }
+  return --refCount_;
+}
+
+int Node::releaseRef(bool deep) {
+  const int left = dropRef(deep);
+  if (left > 0) return left;
+  if (parent_) parent_->removeChild(this);
+  delete this;
+  return 0;
+}
+
+// Destroys the children of a dying node without recursion, in the order that destructors calling one another would
+// give: a node's own part first, then its children from the last to the first. The work list is a chain through the
+// sibling links with the next victim at its end; a victim's children are hung on that end before it goes.
+void NodeAccess::drain(Node* top) {
+  auto takeChildren = [](Node* node) {
+    if (node->listIsTruth_) {
+      Node* before = nullptr;
+      for (Node* child : node->children_->list) {
+        setPrev(child, nullptr);
+        setNext(child, nullptr);
+      }
+      for (Node* child : node->children_->list) {
+        child->prev_ = before;
+        if (before) before->next_ = child;
+        before = child;
+      }
+      node->listIsTruth_ = false;
+    }
+    if (node->children_) node->children_->list.clear();
+    Node* last = node->lastChild_;
+    Node* first = node->firstChild_;
+    node->firstChild_ = node->lastChild_ = nullptr;
+    return std::pair(first, last);
+  };
+  Node* tail = takeChildren(top).second;
+  while (tail) {
+    Node* victim = tail;
+    tail = victim->prev_;
+    const bool hadFollower = victim->parent_ != nullptr && victim->next_ != nullptr;
+    victim->prev_ = nullptr;
+    victim->next_ = nullptr;
+    if (victim->refCount_ < 1) {
+      releaseOwned(victim);
+      auto [first, last] = takeChildren(victim);
+      if (first) {
+        first->prev_ = tail;
+        tail = last;
+      }
+      victim->parent_ = nullptr;
+      delete victim;
+    } else {
+      victim->parent_ = nullptr;
+      addFlags(victim, Node::UPDATE_REMOVED | (hadFollower ? Node::UPDATE_SIBLING_CHANGED : 0));
+    }
+  }
+}
+
+// --- names, answers of the base --------------------------------------------------------------------------------------
+
+const std::string& Node::getName() const { return name_.str(); }
+void Node::setName(const char* name) { name_ = SharedName(name ? std::string_view(name) : std::string_view()); }
+void Node::setName(const std::string& name) { name_ = SharedName(name); }
+
+bool Node::canContain(Node*, Node** blocking, std::vector<Node*>*) {
+  if (blocking) *blocking = nullptr;
+  return false;
+}
+
+bool Node::isEndOmittable() const { return true; }
+bool Node::isEmptyTag() const { return true; }
+
+Node* Node::findFirstByName(Node* name, Hash<ElementDefinition>*, std::vector<Node*>*) {
+  if (!name) return nullptr;
+  for (Node* n = NodeAccess::nextInSubtree(this, this); n; n = NodeAccess::nextInSubtree(n, this)) {
+    if (n->getName() == name->getName()) return n;
+  }
+  return nullptr;
+}
+
+// --- errors and update flags -----------------------------------------------------------------------------------------
+
+void Node::setError(unsigned long bits) {
+  NodeAccess::addError(this, bits);
+  if (document_ && (bits & ERR_DOC_SEVERE_PARSE_ERROR)) document_->setError(ERR_DOC_SEVERE_PARSE_ERROR);
+}
+
+void Node::setUpdateFlag(unsigned long flag) {
+  NodeAccess::addFlags(this, flag);
+  if (flag == UPDATE_SIBLING_CHANGED) return;
+  Node* p = parent_;
+  if (flag == UPDATE_ADDED) {
+    // A parent that is new itself has told its ancestors already.
+    if (p && (p->updateFlags_ & UPDATE_ADDED)) p = nullptr;
+    // A subtree that is added whole is flagged whole; below a node that has the flag all is flagged.
+    Node* n = firstChild_;
+    while (n) {
+      if (n->updateFlags_ & UPDATE_ADDED) {
+        n = NodeAccess::nextSkippingChildren(n, this);
+      } else {
+        n->noteUpdate(UPDATE_ADDED);
+        NodeAccess::addFlags(n, UPDATE_ADDED);
+        n = NodeAccess::nextInSubtree(n, this);
+      }
+    }
+  }
+  for (; p && !(p->updateFlags_ & UPDATE_CHILD_MODIFIED); p = p->parent_) {
+    p->noteUpdate(UPDATE_CHILD_MODIFIED);
+    NodeAccess::addFlags(p, UPDATE_CHILD_MODIFIED);
+  }
+}
+
+void Node::noteUpdate(unsigned long) {}
+
+unsigned long Node::getUpdateFlag() const { return updateFlags_; }
+
+void Node::clearUpdateFlag() {
+  if (updateFlags_ == 0) return;
+  updateFlags_ = 0;
+  Node* n = firstChild_;
+  while (n) {
+    if (n->updateFlags_ == 0) {
+      n = NodeAccess::nextSkippingChildren(n, this);
+    } else {
+      n->updateFlags_ = 0;
+      n = NodeAccess::nextInSubtree(n, this);
+    }
+  }
+}
+
+// --- cloning ---------------------------------------------------------------------------------------------------------
+
+Node* Node::makeClone(bool deep) const {
+  Node* clone = cloneSelf();
+  if (!deep) return clone;
+  const Node* source = this;
+  Node* copy = clone;
+  while (true) {
+    if (source->firstChild_ && (source->nodeType_ == NODE_ELEMENT || source->nodeType_ == NODE_NONE)) {
+      source = source->firstChild_;
+    } else {
+      while (source != this && !NodeAccess::childAfter(source)) {
+        source = source->parent_;
+        copy = copy->parent_;
+      }
+      if (source == this) return clone;
+      source = NodeAccess::childAfter(source);
+      copy = copy->parent_;
+    }
+    Node* child = source->cloneSelf();
+    NodeAccess::adoptClone(copy, child);
+    copy = child;
+  }
+}
+
+Node* Node::cloneSelf() const { return new Node(*this); }
+
+void NodeAccess::adoptClone(Node* parent, Node* child) {
+  assert(!parent->listIsTruth_);
+  if (Node* left = parent->lastChild_) {
+    left->next_ = child;
+    child->prev_ = left;
+    addFlags(left, Node::UPDATE_SIBLING_CHANGED);
+    addFlags(child, Node::UPDATE_SIBLING_CHANGED);
+  } else {
+    parent->firstChild_ = child;
+  }
+  parent->lastChild_ = child;
+  child->parent_ = parent;
+  addFlags(child, Node::UPDATE_ADDED);
+  addFlags(parent, Node::UPDATE_CHILD_MODIFIED);
+}
+
+// --- links and lists -------------------------------------------------------------------------------------------------
+
+ChildListHolder* NodeAccess::holder(const Node* node) {
+  if (!node->children_) {
+    node->children_ = new ChildListHolder;
+    for (Node* child = node->firstChild_; child; child = child->next_) node->children_->list.push_back(child);
+  }
+  return node->children_;
+}
+
+// From now on the links of the children may tell anything; the list, made while they were still right, decides.
+void NodeAccess::trustList(Node* parent) {
+  holder(parent);
+  parent->listIsTruth_ = true;
+}
+
+std::size_t NodeAccess::indexInList(const Node* child) {
+  const std::vector<Node*>& list = child->parent_->children_->list;
+  return static_cast<std::size_t>(std::find(list.begin(), list.end(), child) - list.begin());
+}
+
+Node* NodeAccess::childAfterByList(const Node* child) {
+  const std::vector<Node*>& list = child->parent_->children_->list;
+  const std::size_t index = indexInList(child) + 1;
+  return index < list.size() ? list[index] : nullptr;
+}
+
+Node* NodeAccess::childBeforeByList(const Node* child) {
+  const std::size_t index = indexInList(child);
+  return index > 0 ? child->parent_->children_->list[index - 1] : nullptr;
+}
+
+// A link that is overwritten takes its counterpart with it, so that no node points at one that does not know of it
+// and could die unnoticed.
+void NodeAccess::setNext(Node* node, Node* next) {
+  Node* old = node->next_;
+  if (old && old != next && old->prev_ == node) old->prev_ = nullptr;
+  node->next_ = next;
+}
+
+void NodeAccess::setPrev(Node* node, Node* prev) {
+  Node* old = node->prev_;
+  if (old && old != prev && old->next_ == node) old->next_ = nullptr;
+  node->prev_ = prev;
+}
+
+void NodeAccess::link(Node* left, Node* right) {
+  if (left) {
+    setNext(left, right);
+    if (right) addFlags(left, Node::UPDATE_SIBLING_CHANGED);
+  }
+  if (right) {
+    setPrev(right, left);
+    if (left) addFlags(right, Node::UPDATE_SIBLING_CHANGED);
+  }
+}
+
+unsigned int Node::getNumOfChildNodes() const {
+  if (!firstChild_) return 0;
+  return static_cast<unsigned int>(NodeAccess::childList(this).size());
+}
+
+NodeIterator Node::getChildNodes() const { return NodeIterator(NodeAccess::holder(this), const_cast<Node*>(this)); }
+
+int Node::getChildIndex(Node* child) {
+  if (!child || child->parent_ != this) return -1;
+  if (child == firstChild_) return 0;
+  const std::vector<Node*>& list = NodeAccess::childList(this);
+  if (child == lastChild_) return static_cast<int>(list.size()) - 1;
+  return static_cast<int>(NodeAccess::indexInList(child));
+}
+
+Node* Node::getChildNode(int index) {
+  if (!firstChild_) return nullptr;
+  const std::vector<Node*>& list = NodeAccess::childList(this);
+  // KEPT: callers step one past either end and count on getting the last child.
+  if (index < 0 || static_cast<std::size_t>(index) >= list.size()) return list.back();
+  return list[static_cast<std::size_t>(index)];
+}
+
+// --- insertion -------------------------------------------------------------------------------------------------------
+
+// `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
+// the end that has no neighbour).
+Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef) {
+  // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
+  // a node that would come to stand below itself.
+  if (head->parent_ || head == parent) return head;
+  const Node* top = nullptr;
+  auto holdsParent = [&](const Node* node) {
+    if (!node->firstChild_) return node == parent;
+    if (!top) {
+      for (top = parent; top->parent_;) top = top->parent_;
+    }
+    return node == top;
+  };
+  if (holdsParent(head)) return head;
+
+  if (parent->document_) parent->document_->recordChange(parent);
+
+  Node* end = head;
+  while (end->next_ && !end->next_->parent_ && end->next_ != head && !holdsParent(end->next_)) end = end->next_;
+
+  // Neighbours that a stray run still has elsewhere are joined to one another again.
+  Node* oldLeft = head->prev_;
+  Node* oldRight = end->next_;
+  if (oldLeft || oldRight) {
+    setPrev(head, nullptr);
+    setNext(end, nullptr);
+    if (oldLeft && oldRight && oldLeft->parent_ && oldLeft->parent_ == oldRight->parent_) {
+      setNext(oldLeft, oldRight);
+      setPrev(oldRight, oldLeft);
+    }
+    if (ref && !behindRef) left = ref->prev_;
+    if (ref && behindRef) right = ref->next_;
+  }
+
+  link(left, head);
+  link(end, right);
+
+  std::size_t index = 0;
+  if (parent->children_) {
+    const std::size_t size = parent->children_->list.size();
+    index = ref ? indexInList(ref) + (behindRef ? 1 : 0) : (behindRef ? size : 0);
+  }
+  const bool atFront = ref ? !behindRef && ref == parent->firstChild_ : !behindRef;
+  const bool atBack = ref ? behindRef && ref == parent->lastChild_ : behindRef;
+  if (atFront || !parent->firstChild_) parent->firstChild_ = head;
+  if (atBack || !parent->lastChild_) parent->lastChild_ = end;
+
+  if (parent->children_) {
+    std::vector<Node*> run;
+    for (Node* n = head;; n = n->next_) {
+      run.push_back(n);
+      if (n == end) break;
+    }
+    std::vector<Node*>& list = parent->children_->list;
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), run.begin(), run.end());
+  }
+  for (Node* n = head;;) {
+    Node* following = n == end ? nullptr : n->next_;
+    n->parent_ = parent;
+    n->setUpdateFlag(Node::UPDATE_ADDED);
+    if (!following) break;
+    n = following;
+  }
+  return head;
+}
+
+Node* Node::insertLast(Node* newNode) {
+  if (!newNode) return nullptr;
+  return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true);
+}
+
+Node* Node::insertFirst(Node* newNode) {
+  if (!newNode) return nullptr;
+  return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false);
+}
+
+Node* Node::insertBefore(Node* newNode, Node* ref) {
+  if (!newNode) return nullptr;
+  if (!ref) return insertLast(newNode);
+  if (ref->parent_ != this) return newNode;
+  return NodeAccess::insertRun(this, newNode, ref->prev_, ref, ref, /*behindRef=*/false);
+}
+
+Node* Node::insertAfter(Node* newNode, Node* ref) {
+  if (!newNode) return nullptr;
+  if (!ref) return insertFirst(newNode);
+  if (ref->parent_ != this) return newNode;
+  return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true);
+}
+
+void NodeAccess::append(Node* parent, Node* child) {
+  if (parent->listIsTruth_ || child->firstChild_) {
+    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true);
+    return;
+  }
+  if (parent->document_) parent->document_->recordChange(parent);
+  if (Node* left = parent->lastChild_) {
+    left->next_ = child;
+    child->prev_ = left;
+    addFlags(left, Node::UPDATE_SIBLING_CHANGED);
+    addFlags(child, Node::UPDATE_SIBLING_CHANGED);
+  } else {
+    parent->firstChild_ = child;
+  }
+  parent->lastChild_ = child;
+  child->parent_ = parent;
+  if (parent->children_) parent->children_->list.push_back(child);
+  if (parent->updateFlags_ & Node::UPDATE_ADDED) {
+    child->noteUpdate(Node::UPDATE_ADDED);
+    addFlags(child, Node::UPDATE_ADDED);
+  } else {
+    child->setUpdateFlag(Node::UPDATE_ADDED);
+  }
+}
+
+// --- removal ---------------------------------------------------------------------------------------------------------
+
+// Takes `child` out of the list and of the ends; its links are settled.
+void NodeAccess::unlinkChild(Node* parent, Node* child) {
+  Node* before = childBefore(child);
+  Node* after = childAfter(child);
+  if (parent->firstChild_ == child) parent->firstChild_ = after;
+  if (parent->lastChild_ == child) parent->lastChild_ = before;
+  if (parent->children_) {
+    std::vector<Node*>& list = parent->children_->list;
+    if (!list.empty() && list.back() == child) {
+      list.pop_back();
+    } else if (!list.empty() && list.front() == child) {
+      list.erase(list.begin());
+    } else {
+      list.erase(list.begin() + static_cast<std::ptrdiff_t>(indexInList(child)));
+    }
+  }
+  if (parent->listIsTruth_) {
+    // A neighbour that was isolated by hand may still point here.
+    if (before && before->next_ == child) before->next_ = nullptr;
+    if (after && after->prev_ == child) after->prev_ = nullptr;
+    if (!parent->firstChild_) parent->listIsTruth_ = false;
+  }
+  child->parent_ = nullptr;
+}
+
+void NodeAccess::detach(Node* child) {
+  Node* parent = child->parent_;
+  Node* left = child->prev_;
+  Node* right = child->next_;
+  if (parent) unlinkChild(parent, child);
+  child->prev_ = child->next_ = nullptr;
+  if (left && left->next_ == child) left->next_ = nullptr;
+  if (right && right->prev_ == child) right->prev_ = nullptr;
+  if (left) {
+    setNext(left, right);
+    addFlags(left, Node::UPDATE_SIBLING_CHANGED);
+  }
+  if (right) {
+    setPrev(right, left);
+    addFlags(right, Node::UPDATE_SIBLING_CHANGED);
+  }
+  if (!parent) return;
+  child->setUpdateFlag(Node::UPDATE_REMOVED);
+  parent->setUpdateFlag(Node::UPDATE_CHILD_REMOVED);
+}
+
+Node* Node::removeChild(Node* child) {
+  if (!child) return nullptr;
+  if (child->parent_ && child->parent_ != this) return child;
+  if (document_) {
+    document_->recordChange(this);
+    document_->adjustCursorOnRemove(child);
+  }
+  NodeAccess::detach(child);
+  return child;
+}
+
+Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
+  Node* before = childBefore(first);
+  Node* after = childAfter(last);
+  if (parent->children_) {
+    std::vector<Node*>& list = parent->children_->list;
+    const auto from = static_cast<std::ptrdiff_t>(first == list.front() ? 0 : indexInList(first));
+    const auto to = last == list.back() ? static_cast<std::ptrdiff_t>(list.size())
+                                        : static_cast<std::ptrdiff_t>(indexInList(last)) + 1;
+    if (parent->listIsTruth_) {
+      // The links inside the range may be anything; what leaves is a proper run.
+      for (auto i = from; i < to; ++i) {
+        setPrev(list[static_cast<std::size_t>(i)], nullptr);
+        setNext(list[static_cast<std::size_t>(i)], nullptr);
+      }
+      for (auto i = from + 1; i < to; ++i) {
+        Node* left = list[static_cast<std::size_t>(i) - 1];
+        Node* right = list[static_cast<std::size_t>(i)];
+        left->next_ = right;
+        right->prev_ = left;
+      }
+    }
+    list.erase(list.begin() + from, list.begin() + to);
+  }
+  setPrev(first, nullptr);
+  setNext(last, nullptr);
+  if (before) setNext(before, after);
+  if (after) setPrev(after, before);
+  if (parent->firstChild_ == first) parent->firstChild_ = after;
+  if (parent->lastChild_ == last) parent->lastChild_ = before;
+  if (!parent->firstChild_) parent->listIsTruth_ = false;
+  for (Node* n = first; n; n = n->next_) n->parent_ = nullptr;
+  return first;
+}
+
+Node* Node::removeChildren(Node* first, Node* last) {
+  if (!firstChild_) return nullptr;
+  if (!first) first = firstChild_;
+  if (!last) last = lastChild_;
+  if (first->parent_ != this || last->parent_ != this) return nullptr;
+  if (first != last) {
+    Node* n = NodeAccess::childAfter(first);
+    while (n && n != last) n = NodeAccess::childAfter(n);
+    if (!n) std::swap(first, last);
+  }
+  if (document_) {
+    document_->recordChange(this);
+    // Last to first: each step sees the indices that the cursor counts in.
+    for (Node* n = last;; n = NodeAccess::childBefore(n)) {
+      document_->adjustCursorOnRemove(n);
+      if (n == first) break;
+    }
+  }
+  Node* before = NodeAccess::childBefore(first);
+  Node* after = NodeAccess::childAfter(last);
+  NodeAccess::detachRange(this, first, last);
+  if (before) NodeAccess::addFlags(before, UPDATE_SIBLING_CHANGED);
+  if (after) NodeAccess::addFlags(after, UPDATE_SIBLING_CHANGED);
+  for (Node* n = first; n; n = n->next_) n->setUpdateFlag(UPDATE_REMOVED);
+  setUpdateFlag(UPDATE_CHILD_REMOVED);
+  return first;
+}
+
+Node* Node::replaceChild(Node* oldChild, Node* newChild) {
+  if (!oldChild || oldChild == newChild) return oldChild;
+  Node* prev = oldChild->prev_;
+  Node* next = oldChild->next_;
+  // CHOICE: a node that hangs in a tree, or an ancestor of this one, is not linked in: its own list would break.
+  const bool linkable = newChild && !newChild->parent_ && !isOffspringOf(newChild) && oldChild->parent_ == this;
+  removeChild(oldChild);
+  if (!linkable) return oldChild;
+  if (prev == newChild) prev = newChild->prev_;
+  if (next == newChild) next = newChild->next_;
+  if (prev || next) NodeAccess::trustList(this);
+  NodeAccess::link(prev, newChild);
+  NodeAccess::link(newChild, next);
+  // KEPT: the arguments stand in this order, so the call finds no such reference and does nothing: the new node is
+  // linked to its siblings but is neither in the list nor under this node.
+  if (next) insertBefore(next, newChild);
+  return oldChild;
+}
+
+void Node::isolate(unsigned long which) {
+  if (parent_) NodeAccess::trustList(parent_);
+  // Outside a list nobody else would remember the neighbour's link to this node, so it goes too.
+  if (which & ISOLATE_PREV) {
+    if (!parent_) NodeAccess::setPrev(this, nullptr);
+    prev_ = nullptr;
+  }
+  if (which & ISOLATE_NEXT) {
+    if (!parent_) NodeAccess::setNext(this, nullptr);
+    next_ = nullptr;
+  }
+}
+
+// --- questions -------------------------------------------------------------------------------------------------------
+
+Node* Node::findCommonParent(Node* a, Node* b, Node** aBranch, Node** bBranch) {
+  auto answer = [&](Node* common, Node* aSide, Node* bSide) {
+    if (aBranch) *aBranch = aSide;
+    if (bBranch) *bBranch = bSide;
+    return common;
+  };
+  if (!a || !b) return answer(nullptr, nullptr, nullptr);
+  if (a == b) return answer(a, a, b);
+  auto depthOf = [](const Node* node) {
+    std::size_t depth = 0;
+    for (; node->parent_; node = node->parent_) ++depth;
+    return depth;
+  };
+  std::size_t aDepth = depthOf(a);
+  std::size_t bDepth = depthOf(b);
+  // Climb both to one level, remembering the step below; then climb together until the ways meet.
+  Node* aUp = a;
+  Node* bUp = b;
+  Node* aBelow = a;
+  Node* bBelow = b;
+  for (; aDepth > bDepth; --aDepth) {
+    aBelow = aUp;
+    aUp = aUp->parent_;
+  }
+  for (; bDepth > aDepth; --bDepth) {
+    bBelow = bUp;
+    bUp = bUp->parent_;
+  }
+  while (aUp != bUp) {
+    aBelow = aUp;
+    bBelow = bUp;
+    aUp = aUp->parent_;
+    bUp = bUp->parent_;
+    if (!aUp || !bUp) return answer(nullptr, aBelow, bBelow);
+  }
+  return answer(aUp, aUp == a ? a : aBelow, bUp == b ? b : bBelow);
+}
+
+bool Node::isOffspringOf(Node* ancestor) {
+  for (const Node* n = this; n; n = n->parent_) {
+    if (n == ancestor) return true;
+  }
+  return false;
+}
+
+int Node::compare(Node* a, Node* b) {
+  if (a == b) return 0;
+  Node* aBranch = nullptr;
+  Node* bBranch = nullptr;
+  Node* common = findCommonParent(a, b, &aBranch, &bBranch);
+  if (!common) return -2;
+  if (common == a || common == b || aBranch == bBranch) return 0;
+  // Search from one branch to both sides at once: near neighbours answer fast on a wide page.
+  Node* forward = aBranch;
+  Node* backward = aBranch;
+  while (forward || backward) {
+    if (forward) forward = NodeAccess::childAfter(forward);
+    if (backward) backward = NodeAccess::childBefore(backward);
+    if (forward == bBranch) return -1;
+    if (backward == bBranch) return 1;
+  }
+  return 0;
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,86 @@
+// Internal. What the library's own classes may do to a node beyond its public interface, and the walks that they use.
+#pragma once
+
+#include <vector>
+
+#include "dom/tree/Node.h"
+#include "dom/tree/NodeIterator.h"
+
+namespace zeldom40 {
+
+// A child list by index, shared by its node and the iterators over it.
+struct ChildListHolder {
+  std::vector<Node*> list;
+  int count = 1;
+};
+
+// Sibling and child links are the truth about a tree, so that a leaf costs nothing and moving a run costs nothing. The
+// list by index is made by the first question about indices and kept in step from then on. Two calls (isolate on an
+// attached node, replaceChild) leave links that no longer tell the list; its parent then asks the list (`listIsTruth_`).
+struct NodeAccess {
+  // --- plain fields -------------------------------------------------------------------------------------------------
+  static void setName(Node* node, const SharedName& name) { node->name_ = name; }
+  static const SharedName& sharedName(const Node* node) { return node->name_; }
+  static int refCount(const Node* node) { return node->refCount_; }
+  static unsigned long flags(const Node* node) { return node->updateFlags_; }
+  static void addFlags(Node* node, unsigned long flags) { node->updateFlags_ |= static_cast<std::uint16_t>(flags); }
+  static void setParent(Node* node, Node* parent) { node->parent_ = parent; }
+  static void addError(Node* node, unsigned long bits) { node->error_ |= static_cast<std::uint32_t>(bits); }
+  static void releaseOwned(Node* node) {
+    if (!node->released_) {
+      node->released_ = true;
+      node->releaseOwned();
+    }
+  }
+
+  // --- walks --------------------------------------------------------------------------------------------------------
+  // The children in order; strays that only their sibling links connect are not met.
+  static Node* childAfter(const Node* child) {
+    const Node* parent = child->parent_;
+    return parent && parent->listIsTruth_ ? childAfterByList(child) : child->next_;
+  }
+  static Node* childBefore(const Node* child) {
+    const Node* parent = child->parent_;
+    return parent && parent->listIsTruth_ ? childBeforeByList(child) : child->prev_;
+  }
+  // Pre-order successor inside the subtree of `top`, null at its end.
+  static Node* nextInSubtree(const Node* node, const Node* top) {
+    return node->firstChild_ ? node->firstChild_ : nextSkippingChildren(node, top);
+  }
+  // The same without entering `node`.
+  static Node* nextSkippingChildren(const Node* node, const Node* top) {
+    for (; node && node != top; node = node->parent_) {
+      if (Node* sibling = childAfter(node)) return sibling;
+    }
+    return nullptr;
+  }
+
+  // --- building -----------------------------------------------------------------------------------------------------
+  // Appends a fresh, unattached node exactly as insertLast would, without undo record or run.
+  static void append(Node* parent, Node* child);
+  // Detaches the children from `first` to `last` and returns them as a run: no record, no cursor, no flags.
+  static Node* detachRange(Node* parent, Node* first, Node* last);
+  // Detaches one child with the flags of removeChild, without record or cursor work.
+  static void detach(Node* child);
+  // Links a clone below its parent clone; the flags are what the insertion calls would have left.
+  static void adoptClone(Node* parent, Node* child);
+
+  static const std::vector<Node*>& childList(const Node* node) { return holder(node)->list; }
+  static NodeIterator makeResults(std::vector<Node*>* results) { return NodeIterator(results); }
+
+ private:
+  friend class Node;
+  static ChildListHolder* holder(const Node* node);
+  static Node* childAfterByList(const Node* child);
+  static Node* childBeforeByList(const Node* child);
+  static std::size_t indexInList(const Node* child);
+  static void setNext(Node* node, Node* next);
+  static void setPrev(Node* node, Node* prev);
+  static void link(Node* left, Node* right);
+  static void trustList(Node* parent);
+  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef);
+  static void unlinkChild(Node* parent, Node* child);
+  static void drain(Node* top);
+};
+
+}  // namespace zeldom40

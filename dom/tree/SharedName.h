@@ -1,0 +1,50 @@
+// A counted, immutable name that many nodes share: a page with a million <P> holds the letter once.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zeldom40 {
+
+// Handle on a shared name. Copying counts, the last handle frees. A default handle is the empty name.
+// Not safe for two threads, like the tree that it serves.
+class SharedName {
+ public:
+  SharedName() = default;
+  explicit SharedName(std::string_view text) : record_(text.empty() ? nullptr : new Record{std::string(text), 1}) {}
+  SharedName(const SharedName& other) : record_(other.record_) {
+    if (record_) ++record_->count;
+  }
+  SharedName(SharedName&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
+  SharedName& operator=(SharedName other) noexcept {
+    std::swap(record_, other.record_);
+    return *this;
+  }
+  ~SharedName() {
+    if (record_ && --record_->count == 0) delete record_;
+  }
+
+  const std::string& str() const { return record_ ? record_->text : emptyString(); }
+  std::string_view view() const { return record_ ? std::string_view(record_->text) : std::string_view(); }
+  bool empty() const { return !record_; }
+  // True if both handles share one record; names of one source usually do, equal names need not.
+  bool sameRecord(const SharedName& other) const { return record_ == other.record_; }
+  friend bool operator==(const SharedName& a, const SharedName& b) {
+    return a.record_ == b.record_ || a.view() == b.view();
+  }
+  friend bool operator==(const SharedName& a, std::string_view b) { return a.view() == b; }
+
+ private:
+  struct Record {
+    std::string text;
+    unsigned count;
+  };
+  static const std::string& emptyString() {
+    static const std::string empty;
+    return empty;
+  }
+  Record* record_ = nullptr;
+};
+
+}  // namespace zeldom40
