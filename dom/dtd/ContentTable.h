@@ -1,0 +1,105 @@
+// Internal. Content models compiled for the page parser: answers that cost a look-up where the walk over a model costs
+// its length.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "dom/dtd/ParserType.h"
+#include "dom/tree/SharedName.h"
+
+namespace zeldom40 {
+
+class ElementDefinition;
+struct ContentQuestion;
+
+// One per frame, reached through contentTable(), filled as it is asked. All that it hands out lives until
+// contentTable() is called after another element was declared.
+class ContentTable {
+ public:
+  // The number of an upper-case name that a declaration or a model mentions; -1: no such name.
+  using NameId = int;
+
+  // What the content model says, and the elements that come to stand between the two because their start tags were
+  // omitted: upper-case names, outermost first, empty where the child stands directly.
+  struct Answer {
+    bool allowed = false;
+    std::vector<const SharedName*> implied;
+  };
+
+  // The exclusions and the inclusions of an element and of all elements around it. Immutable, and equal sets are one
+  // object, so a million nested elements cost a million pointer steps.
+  class OpenSets {
+   private:
+    friend class ContentTable;
+    bool has(int kind, NameId name) const {
+      if (name < 0) return false;
+      const auto bit = static_cast<std::size_t>(name);
+      return (bits_[static_cast<std::size_t>(kind) * words_ + bit / 64] >> (bit % 64)) & 1;
+    }
+    const std::uint64_t* bits_ = nullptr;
+    std::size_t words_ = 0;
+    std::unordered_map<const ElementDefinition*, const OpenSets*> below_;
+  };
+
+  explicit ContentTable(const ParserType::_dtd_frame& frame);
+  ~ContentTable();
+  ContentTable(const ContentTable&) = delete;
+  ContentTable& operator=(const ContentTable&) = delete;
+
+  NameId nameId(std::string_view upperName) const;
+  // What stands for a text of that kind (Text::TextType) in the sets.
+  static NameId textNameId(int textType = 0);
+
+  // What `parent.canContain` says of an element that has the definition `child` (ELEMENT_DEFINED). A null `child` asks
+  // for an element of that name that has none and yet is not undefined. For undefined elements there is no question:
+  // they may stand anywhere.
+  const Answer& elementAnswer(const ElementDefinition& parent, const ElementDefinition* child, NameId name);
+  // The same for a text of that kind (Text::TextType).
+  const Answer& textAnswer(const ElementDefinition& parent, int textType);
+
+  // The sets of an element at the top.
+  const OpenSets* noSets() const { return noSets_; }
+  // The sets below an element with that definition (null: none) that itself stands under `outer`.
+  const OpenSets* extend(const OpenSets* outer, const ElementDefinition* definition);
+  // Whether an exclusion that is in force names it. `defined` is false for an element that is undefined: those are not
+  // looked for behind omitted start tags.
+  static bool excluded(const OpenSets* sets, NameId name, bool defined = true);
+  // Whether an inclusion that is in force names it.
+  static bool included(const OpenSets* sets, NameId name);
+
+  // Differs from what it was before once elements were declared.
+  unsigned generation() const { return generation_; }
+
+ private:
+  enum SetKind { EXCLUDED, EXCLUDED_DIRECTLY, INCLUDED };
+  using Bits = std::vector<std::uint64_t>;  // three sets of `words_` words, in the order of SetKind
+
+  const Answer& cached(std::uint32_t& slot, const ElementDefinition& parent, const ContentQuestion& question);
+  const Bits& ownSets(const ElementDefinition& definition);
+  const OpenSets* intern(Bits bits);
+
+  const ParserType::_dtd_frame& frame_;
+  unsigned generation_;
+  std::size_t words_;
+  // For each definition, by the ordinal of the child, the 1-based place of the answer; 0 is not asked yet.
+  std::vector<std::vector<std::uint32_t>> elementRows_;
+  std::vector<std::array<std::uint32_t, 3>> textRows_;
+  std::unordered_map<std::uint64_t, std::uint32_t> otherRows_;
+  std::deque<Answer> answers_;
+  std::unordered_map<const ElementDefinition*, Bits> ownSets_;
+  std::map<Bits, OpenSets> openSets_;
+  const OpenSets* noSets_ = nullptr;
+};
+
+inline bool ContentTable::excluded(const OpenSets* sets, NameId name, bool defined) {
+  return sets->has(defined ? EXCLUDED : EXCLUDED_DIRECTLY, name);
+}
+inline bool ContentTable::included(const OpenSets* sets, NameId name) { return sets->has(INCLUDED, name); }
+
+}  // namespace zeldom40

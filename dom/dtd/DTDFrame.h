@@ -1,0 +1,97 @@
+// Internal. The tables of a parsed DTD.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "dom/dtd/AttributeDefinition.h"
+#include "dom/dtd/ContentTable.h"
+#include "dom/dtd/ElementDefinition.h"
+#include "dom/dtd/FrameTables.h"
+#include "dom/dtd/Hash.h"
+#include "dom/dtd/NameTable.h"
+#include "dom/dtd/ParserType.h"
+
+namespace zeldom40 {
+
+// A parameter entity.
+struct EntityRecord {
+  std::string name;
+  std::string text;  // the literal, or the keyword SYSTEM or PUBLIC of an external entity
+  std::string systemId;
+  std::string publicId;
+};
+
+// A general entity.
+struct GeneralEntityRecord {
+  std::uint32_t flags = 0;  // nothing sets it
+  std::string text;         // a character reference is kept in the marked form
+  std::string systemId;
+  std::string publicId;
+  std::string notation;
+};
+
+// The name of a character.
+struct CharEntityRecord {
+  std::uint32_t code = 0;
+  std::string name;
+  std::string text;  // the marked form
+};
+
+// Where the declarations behind a public identifier are.
+struct CatalogRecord {
+  std::string path;
+};
+
+// Characters that have a name, by code. The first name of a code stays.
+using CharEntityTable = std::map<std::uint32_t, CharEntityRecord>;
+
+// The attribute definitions of one list, in order and by upper-case name, shared by the elements that it names.
+struct AttributeListHolder {
+  AttributeDefinition holder;
+  Hash<AttributeDefinition> byName{Hash<AttributeDefinition>::kAttributeBuckets};
+};
+
+// Owned by the parser that made it. Everything in it lives until then: attributes of pages point at definitions whose
+// list was replaced since, and elements at definitions.
+struct ParserType::_dtd_frame {
+  _dtd_frame();
+  ~_dtd_frame();
+  _dtd_frame(const _dtd_frame&) = delete;
+  _dtd_frame& operator=(const _dtd_frame&) = delete;
+
+  Hash<EntityRecord>* parameterEntities;
+  Hash<GeneralEntityRecord>* generalEntities;
+  Hash<ElementDefinition>* elements;             // by upper-case name
+  std::vector<ElementDefinition*>* elementList;  // every definition parsed, also those that an earlier one keeps out
+  Hash<CatalogRecord>* catalog;                  // nothing in the library fills it
+  CharEntityTable* charEntities;
+
+  std::vector<ElementDefinition*> winners;  // the definitions of `elements`, in order: their ordinals
+  NameTable names;
+  unsigned generation = 0;                 // grows with every declaration of an element
+  std::unique_ptr<ContentTable> contents;  // made by contentTable()
+  FrameEntities entityTable{this};
+  FrameCharacterNames characterNames{this};
+  int openFiles = 0;  // external entities being read, one inside the other
+
+  // Owners of what the tables refer to.
+  std::deque<EntityRecord> parameterRecords;
+  std::deque<GeneralEntityRecord> generalRecords;
+  std::vector<std::unique_ptr<AttributeListHolder>> attributeLists;
+};
+
+struct ParserType::_dtd_parser_frame {
+  _dtd_frame* frame;
+};
+
+// The frame's compiled content models. A declaration that came since the last call drops all that was compiled:
+// answers and sets from before the call are gone then.
+ContentTable& contentTable(ParserType::_dtd_frame& frame);
+
+}  // namespace zeldom40
