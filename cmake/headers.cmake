@@ -3,6 +3,17 @@
 set(ZELDOM40_HEADERS
     dom/export.h
     dom/zeldom40.h
+    dom/document/DOM.h
+    dom/document/Document.h
+    dom/dtd/AttributeDefinition.h
+    dom/dtd/DTDParser.h
+    dom/dtd/DocumentType.h
+    dom/dtd/ElementCatalogue.h
+    dom/dtd/ElementDefinition.h
+    dom/dtd/LexerType.h
+    dom/dtd/Parser.h
+    dom/dtd/ParserType.h
+    dom/html/HTMLParser.h
     dom/source/CodeConv.h
     dom/source/DocumentStyle.h
     dom/source/MappedFile.h
@@ -14,14 +25,6 @@ set(ZELDOM40_HEADERS
     dom/tree/Node.h
     dom/tree/NodeIterator.h
     dom/tree/PI.h
-    dom/tree/Text.h
-    dom/dtd/AttributeDefinition.h
-    dom/dtd/DTDParser.h
-    dom/dtd/DocumentType.h
-    dom/dtd/ElementDefinition.h
-    dom/dtd/HTML40.h
-    dom/dtd/Parser.h
-    dom/html/HTMLParser.h
-    dom/document/DOM.h
-    dom/document/Document.h
-    dom/dynamic/MetaData.h)
+    dom/tree/PageBuffer.h
+    dom/tree/SharedName.h
+    dom/tree/Text.h)

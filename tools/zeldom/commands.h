@@ -1,0 +1,54 @@
+// The commands of the tool: what each is asked, and how it ends.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "dom/zeldom40.h"
+
+namespace zeldom40::tool {
+
+// What the process returns. With several files the worst one counts.
+enum ExitCode {
+  kFine = 0,
+  kFindings = 1,  // the job was done, and there is something to look at: errors in a page, a difference
+  kFailed = 2     // the job could not be done; one line on stderr says why
+};
+
+inline ExitCode worse(ExitCode a, ExitCode b) { return a > b ? a : b; }
+
+struct TreeOptions {
+  std::vector<std::string> files;
+  bool attributes = false;
+  bool json = false;
+};
+
+struct CatOptions {
+  std::vector<std::string> files;
+  bool verify = false;
+};
+
+struct ConvertOptions {
+  std::vector<std::string> files;
+  CodeConv::Charset from = CodeConv::CHARSET_AUTO;
+  CodeConv::Charset to = CodeConv::CHARSET_AUTO;
+  CodeConv::Newline newline = CodeConv::NEWLINE_AUTO;
+  int codepage = 932;
+};
+
+struct DtdOptions {
+  std::string element;  // empty: an overview of all
+  bool matrix = false;
+  bool json = false;
+};
+
+// Prints each page as a tree. Findings: a node with an error bit.
+ExitCode runTree(const TreeOptions& options, DOM::JSPVersion version);
+// Parses and writes each page. Findings (with `verify`): what is written differs from what was read.
+ExitCode runCat(const CatOptions& options, DOM::JSPVersion version);
+// Passes each file through the code conversion, import and export.
+ExitCode runConvert(const ConvertOptions& options);
+// Prints what the built-in DTD says.
+ExitCode runDtd(const DtdOptions& options);
+
+}  // namespace zeldom40::tool

@@ -1,0 +1,128 @@
+// zeldom: shows on the command line what the library does with pages. Reads the options and calls a command.
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/zeldom/commands.h"
+#include "tools/zeldom/page.h"
+
+namespace {
+
+using namespace zeldom40;
+using namespace zeldom40::tool;
+
+const std::map<std::string, CodeConv::Charset> kCharsets = {{"auto", CodeConv::CHARSET_AUTO},
+                                                            {"sjis", CodeConv::CHARSET_SJIS},
+                                                            {"jis", CodeConv::CHARSET_JIS},
+                                                            {"euc", CodeConv::CHARSET_EUC},
+                                                            {"none", CodeConv::CHARSET_NONE}};
+const std::map<std::string, CodeConv::Newline> kNewlines = {{"auto", CodeConv::NEWLINE_AUTO},
+                                                            {"crlf", CodeConv::NEWLINE_CRLF},
+                                                            {"lf", CodeConv::NEWLINE_LF},
+                                                            {"cr", CodeConv::NEWLINE_CR}};
+const std::map<std::string, DOM::JSPVersion> kVersions = {{"0", DOM::JSP_VERSION_0}, {"1", DOM::JSP_VERSION_1}};
+
+// An option whose words are the keys of `words`.
+template <typename Value>
+void addChoice(CLI::App* app, const std::string& name, Value* value, const std::map<std::string, Value>& words,
+               const std::string& help) {
+  std::string list;
+  for (const auto& word : words) list += (list.empty() ? "" : "|") + word.first;
+  app->add_option_function<std::string>(
+         name, [value, &words](const std::string& word) { *value = words.at(word); }, help)
+      ->check(CLI::Validator(
+          [&words, list](const std::string& word) {
+            return words.count(word) ? std::string() : "\"" + word + "\" is none of " + list;
+          },
+          ""))
+      ->type_name(list);
+}
+
+void addFiles(CLI::App* command, std::vector<std::string>* files) {
+  command->add_option("FILE", *files, "Files to read; - is standard input")->required()->type_name("");
+}
+
+// What a command says with --help beyond its options.
+constexpr char kExitHelp[] =
+    "Exits with 0 when all is fine, 1 with findings or differences, 2 when it could not do the job.";
+
+int run(int argc, char** argv) {
+  CLI::App app("Reads HTML, JSP and SSI pages into a tree and writes them back byte for byte.", "zeldom");
+  app.set_version_flag("--version", "zeldom " ZELDOM40_VERSION, "Print the version and exit");
+  app.footer(kExitHelp);
+  app.require_subcommand(1);
+  app.fallthrough();
+  DOM::JSPVersion version = DOM::JSP_VERSION_0;
+  addChoice(&app, "--jsp-version", &version, kVersions,
+            "Which server tags exist: the jsp: and qdx: names (0, the default) or the older bean tags (1)");
+
+  std::function<ExitCode()> command;
+
+  TreeOptions tree;
+  CLI::App* treeCommand = app.add_subcommand("tree", "Print each page as a tree, with byte ranges and errors");
+  addFiles(treeCommand, &tree.files);
+  treeCommand->add_flag("-a,--attributes", tree.attributes, "Show attributes too");
+  treeCommand->add_flag("--json", tree.json, "Print JSON: a list of files, each with a flat list of its nodes");
+  treeCommand->callback([&] { command = [&] { return runTree(tree, version); }; });
+
+  CatOptions cat;
+  CLI::App* catCommand = app.add_subcommand("cat", "Parse each page and write it");
+  addFiles(catCommand, &cat.files);
+  catCommand->add_flag("--verify", cat.verify, "Write nothing, but compare with the input and report differences");
+  catCommand->callback([&] { command = [&] { return runCat(cat, version); }; });
+
+  ConvertOptions convert;
+  CLI::App* convertCommand = app.add_subcommand("convert", "Write files in another charset or with other line ends");
+  addFiles(convertCommand, &convert.files);
+  addChoice(convertCommand, "--from", &convert.from, kCharsets, "Charset of the input (auto: detected)");
+  addChoice(convertCommand, "--to", &convert.to, kCharsets, "Charset of the output (auto: that of the input)");
+  addChoice(convertCommand, "--newline", &convert.newline, kNewlines,
+            "Line ends of the output (auto: those of the input)");
+  convertCommand->add_option("--codepage", convert.codepage, "Code page; charsets are converted under 932 only")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  convertCommand->callback([&] { command = [&] { return runConvert(convert); }; });
+
+  DtdOptions dtd;
+  CLI::App* dtdCommand = app.add_subcommand("dtd", "Print what the built-in DTD says, of all elements or of one");
+  CLI::Option* element = dtdCommand->add_option("ELEMENT", dtd.element, "An element's name")->type_name("");
+  dtdCommand->add_flag("--matrix", dtd.matrix, "Print for each pair of elements whether the one may hold the other")
+      ->excludes(element);
+  dtdCommand->add_flag("--json", dtd.json, "Print JSON");
+  dtdCommand->callback([&] { command = [&] { return runDtd(dtd); }; });
+
+  for (CLI::App* sub : app.get_subcommands({})) sub->footer(kExitHelp);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // Help and version are no errors and print themselves.
+    if (error.get_exit_code() == 0) return app.exit(error);
+    std::fprintf(stderr, "zeldom: %s (see zeldom --help)\n", error.what());
+    return kFailed;
+  }
+  const ExitCode result = command();
+  if (std::fflush(stdout) != 0) {
+    complain("standard output", "cannot be written");
+    return kFailed;
+  }
+  return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    zeldom40::tool::complain("zeldom", "out of memory");
+  } catch (const std::exception& error) {
+    zeldom40::tool::complain("zeldom", error.what());
+  }
+  return zeldom40::tool::kFailed;
+}

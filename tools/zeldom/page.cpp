@@ -1,0 +1,67 @@
+// Input files, and the library's objects with their life times, for all commands.
+#include "tools/zeldom/page.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+namespace zeldom40::tool {
+
+namespace {
+
+// Sizes in the library are 32 bits wide; reading stops here rather than at the end of memory.
+constexpr std::size_t kLargestPage = std::numeric_limits<std::int32_t>::max();
+
+struct Closer {
+  void operator()(std::FILE* file) const {
+    if (file != stdin) std::fclose(file);
+  }
+};
+
+}  // namespace
+
+void complain(const std::string& subject, const std::string& message) {
+  std::fprintf(stderr, "zeldom: %s: %s\n", subject.c_str(), message.c_str());
+}
+
+bool readInput(const std::string& path, std::string* bytes) {
+  const std::unique_ptr<std::FILE, Closer> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
+  if (!file) {
+    complain(path, std::strerror(errno));
+    return false;
+  }
+  bytes->clear();
+  char block[1 << 16];
+  while (const std::size_t got = std::fread(block, 1, sizeof block, file.get())) {
+    if (bytes->size() + got > kLargestPage) {
+      complain(path, "larger than 2 GiB");
+      return false;
+    }
+    bytes->append(block, got);
+  }
+  if (std::ferror(file.get())) {
+    complain(path, std::strerror(errno));
+    return false;
+  }
+  return true;
+}
+
+bool Library::usable() const {
+  if (!dom_) complain("library", "out of memory");
+  return dom_ != nullptr;
+}
+
+Page::Page(const Library& library, std::string_view bytes)
+    : dom_(library.dom()),
+      document_(dom_->createDocument("HTML")),
+      root_(document_->createNodes(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, /*adjust=*/false)) {}
+
+std::string_view Page::source(Node* node) const {
+  const char* text = document_->getSourceBuf(node, Document::SOURCE_ALL, /*compact=*/false);
+  // A null node asks for the length of what was just written, without a second walk.
+  return {text, document_->getSourceBufLen(nullptr, Document::SOURCE_ALL, /*compact=*/false)};
+}
+
+}  // namespace zeldom40::tool
