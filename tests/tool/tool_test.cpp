@@ -1,0 +1,164 @@
+// Runs the built command-line host on small pages: results, messages and exit codes as a script sees them.
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <stdlib.h>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Result {
+  int code = -1;
+  std::string out;
+  std::string err;
+};
+
+std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+class Tool : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = testing::TempDir() + "zeldomXXXXXX";
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+  }
+  void TearDown() override { EXPECT_EQ(std::system(("rm -rf " + folder_).c_str()), 0); }
+
+  // Runs "zeldom <arguments>" in tests/pages through the shell; `before` is a shell command such as a limit.
+  Result run(const std::string& arguments, const std::string& input = "", const std::string& before = "true") {
+    std::ofstream(folder_ + "/in", std::ios::binary) << input;
+    const std::string command = "cd " ZELDOM40_SOURCE_DIR "/tests/pages && " + before + " && " ZELDOM40_TOOL " " +
+                                arguments + " <" + folder_ + "/in >" + folder_ + "/out 2>" + folder_ + "/err";
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder_ + "/out"), readFile(folder_ + "/err")};
+  }
+
+  std::string folder_;
+};
+
+struct Case {
+  const char* arguments;
+  const char* input;
+  int code;
+  const char* out;
+};
+
+TEST_F(Tool, ResultsGoToStandardOutput) {
+  const Case cases[] = {
+      {"tree clean.html", "", 0,
+       "clean.html: 137 bytes, 11 nodes, 0 with errors\n"
+       "  0..137 ZELROOT\n"
+       "  0..62    pi \"<!DOCTYPE HTML PUBLIC \\\"-//W3C//DTD HTML 4.0 Transitional//EN...\"\n"
+       " 62..63    \"\\n\" formatting\n"
+       " 63..137   HTML\n"
+       " 69..98      HEAD\n"
+       " 75..91        TITLE\n"
+       " 82..83          \"t\" normal\n"
+       " 98..130     BODY\n"
+       "104..123       P\n"
+       "120..121         \"x\" normal\n"},
+      {"tree -a - <clean.html | grep ' P '", "", 0, "104..123       P align=\"left\"\n"},
+      {"tree unknown_tag.html | grep ERR_", "", 0, "56..70           BLIP ERR_ELEMENT_UNKNOWN\n"},
+      {"tree -", "<P>a", 0,
+       "-: 4 bytes, 5 nodes, 0 with errors\n"
+       "0..4 ZELROOT\n"
+       "0..4   HTML (implied)\n"
+       "0..4     BODY (implied)\n"
+       "0..4       P\n"
+       "3..4         \"a\" normal\n"},
+      {"cat lf.html clean.html - | cmp - " ZELDOM40_SOURCE_DIR "/tests/pages/lf.html", "", 1, nullptr},
+      {"cat --verify *.html", "", 0, nullptr},
+      {"cat --verify - -", "<P>", 0, "2 pages, 3 bytes: 0 differences\n"},
+      {"convert --newline crlf -", "a\nb\n", 0, "a\r\nb\r\n"},
+      {"convert -", "a\r\nb\n", 0, "a\r\nb\r\n"},
+      {"convert --newline cr lf.html", "", 0, "<P>one\r<P>two\r"},
+      {"convert --from jis --to sjis kana_jis.html | cmp - kana_sjis.html", "", 0, ""},
+      {"convert --to euc kana_jis.html | cmp - kana_euc.html", "", 0, ""},
+      {"convert kana_euc.html | cmp - kana_euc.html", "", 0, ""},
+      {"convert --to euc --codepage 1252 kana_sjis.html | cmp - kana_sjis.html", "", 0, ""},
+      {"convert -", "", 0, ""},
+      {"dtd br", "", 0, nullptr},
+      {"dtd --matrix | wc -l", "", 0, "148\n"},
+      {"--version", "", 0, nullptr},
+  };
+  for (const Case& each : cases) {
+    const Result result = run(each.arguments, each.input);
+    EXPECT_EQ(result.code, each.code) << each.arguments << "\n" << result.err;
+    EXPECT_EQ(result.err, "") << each.arguments;
+    if (each.out) EXPECT_EQ(result.out, each.out) << each.arguments;
+  }
+}
+
+TEST_F(Tool, EndsWithTwoAndOneLineWhereItCannotDoTheJob) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"cat no-such-file", "zeldom: no-such-file: No such file or directory\n"},
+      {"tree .", "zeldom: .: Is a directory\n"},
+      {"dtd NOSUCH", "zeldom: NOSUCH: the DTD has no such element\n"},
+      {"convert --to utf7 -", nullptr},
+      {"tree", nullptr},
+      {"", nullptr},
+      {"dtd --matrix P", nullptr},
+      {"--jsp-version 2 cat -", nullptr},
+      {"cat - >/dev/full", nullptr},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const Result result = run(arguments, "x");
+    EXPECT_EQ(result.code, 2) << arguments;
+    EXPECT_EQ(result.out, "") << arguments;
+    EXPECT_EQ(result.err.find('\n'), result.err.size() - 1) << arguments << "\n" << result.err;
+    if (message) EXPECT_EQ(result.err, message);
+  }
+}
+
+TEST_F(Tool, GoesOnAfterAFileThatCannotBeRead) {
+  const Result result = run("cat no-such-file lf.html");
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.out, "<P>one\n<P>two\n");
+}
+
+TEST_F(Tool, FindingsEndWithOne) { EXPECT_EQ(run("tree unknown_tag.html").code, 1); }
+
+// A page must not be able to send commands to the terminal of whoever looks at it.
+TEST_F(Tool, ShowsControlBytesAsEscapes) {
+  const Result result = run("tree -a control_bytes.html");
+  for (const char c : result.out) EXPECT_TRUE(c == '\n' || (c >= ' ' && c < 127)) << static_cast<int>(c);
+  EXPECT_NE(result.out.find("a\\x00b\\x1b[2J&amp;\\x1c\\x1d\\xff"), std::string::npos) << result.out;
+}
+
+TEST_F(Tool, ColoursOnlyForATerminalThatWantsThem) {
+  const auto onTerminal = [&](const std::string& environment) {
+    return run("--version >/dev/null; " + environment + " script -qec '" ZELDOM40_TOOL " tree lf.html' /dev/null").out;
+  };
+  if (std::system("command -v script >/dev/null") != 0) GTEST_SKIP() << "needs script(1) for a terminal";
+  EXPECT_NE(onTerminal("env -u NO_COLOR").find('\033'), std::string::npos);
+  EXPECT_EQ(onTerminal("NO_COLOR=1").find('\033'), std::string::npos);
+  EXPECT_EQ(run("tree lf.html").out.find('\033'), std::string::npos);
+}
+
+TEST_F(Tool, JsonKeepsEveryByteOfAPageThatIsNotUtf8) {
+  const Result result = run("tree --json control_bytes.html lf.html");
+  EXPECT_NE(result.out.find(R"({"file":"control_bytes.html","bytes":)"), std::string::npos);
+  EXPECT_NE(result.out.find(R"("strings":"bytes")"), std::string::npos);
+  EXPECT_NE(result.out.find(R"("strings":"utf-8")"), std::string::npos);
+  EXPECT_NE(result.out.find("\"source\":\"a\\u0000b\\u001b[2J&amp;\\u001c\\u001d\xC3\xBF\""), std::string::npos);
+}
+
+TEST_F(Tool, DeepPagesNeedNoStack) {
+  std::string page;
+  for (int i = 0; i < 100000; ++i) page += "<B>";
+  const char* limit = "ulimit -s 256";
+  EXPECT_EQ(run("cat --verify -", page, limit).out, "1 page, 300000 bytes: 0 differences\n");
+  EXPECT_EQ(run("tree - | wc -l", page, limit).out, "100004\n");
+  EXPECT_EQ(run("tree --json - | tail -c 3", page, limit).out, "}]\n");
+}
+
+}  // namespace
