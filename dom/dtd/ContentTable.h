@@ -8,6 +8,7 @@
 #include <map>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "dom/dtd/ParserType.h"
@@ -16,6 +17,7 @@
 namespace zeldom40 {
 
 class ElementDefinition;
+class ModelGroup;
 struct ContentQuestion;
 
 // One per frame, reached through contentTable(), filled as it is asked. All that it hands out lives until
@@ -44,7 +46,7 @@ class ContentTable {
     }
     const std::uint64_t* bits_ = nullptr;
     std::size_t words_ = 0;
-    std::unordered_map<const ElementDefinition*, const OpenSets*> below_;
+    mutable std::unordered_map<const ElementDefinition*, const OpenSets*> below_;
   };
 
   explicit ContentTable(const ParserType::_dtd_frame& frame);
@@ -78,19 +80,23 @@ class ContentTable {
 
  private:
   enum SetKind { EXCLUDED, EXCLUDED_DIRECTLY, INCLUDED };
-  using Bits = std::vector<std::uint64_t>;  // three sets of `words_` words, in the order of SetKind
+  using Bits = std::vector<std::uint64_t>;  // three sets of `words_` words each, in the order of SetKind
+  using Slot = std::uint32_t;               // 1-based place of an answer, 0 while it was not asked for
 
-  const Answer& cached(std::uint32_t& slot, const ElementDefinition& parent, const ContentQuestion& question);
+  Slot& slot(const ElementDefinition& parent, const ElementDefinition* child, NameId name);
+  const Answer& answer(Slot& slot, const ElementDefinition& parent, const ContentQuestion& question);
+  ContentQuestion questionAbout(NameId name) const;
+  void setBit(Bits& bits, SetKind kind, NameId name) const;
+  bool addDirect(Bits& bits, SetKind kind, const ModelGroup& root) const;
   const Bits& ownSets(const ElementDefinition& definition);
-  const OpenSets* intern(Bits bits);
+  const OpenSets* intern(const Bits& bits);
 
   const ParserType::_dtd_frame& frame_;
   unsigned generation_;
   std::size_t words_;
-  // For each definition, by the ordinal of the child, the 1-based place of the answer; 0 is not asked yet.
-  std::vector<std::vector<std::uint32_t>> elementRows_;
-  std::vector<std::array<std::uint32_t, 3>> textRows_;
-  std::unordered_map<std::uint64_t, std::uint32_t> otherRows_;
+  std::vector<std::vector<Slot>> elementRows_;  // by the ordinals of parent and child
+  std::vector<std::array<Slot, 3>> textRows_;   // by the ordinal of the parent and the text type
+  std::map<std::pair<const ElementDefinition*, std::intptr_t>, Slot> otherSlots_;  // without an ordinal
   std::deque<Answer> answers_;
   std::unordered_map<const ElementDefinition*, Bits> ownSets_;
   std::map<Bits, OpenSets> openSets_;

@@ -78,6 +78,9 @@ struct ParserType::_dtd_frame {
   std::unique_ptr<ContentTable> contents;  // made by contentTable()
   FrameEntities entityTable{this};
   FrameCharacterNames characterNames{this};
+  // What pages declared of their own, bounded: their text must not make every later question expensive.
+  int pageNames = 0;
+  int pageTokens = 0;
   int openFiles = 0;  // external entities being read, one inside the other
 
   // Owners of what the tables refer to.

@@ -11,6 +11,7 @@
 
 namespace zeldom40 {
 
+class AttributeDefinition;
 class ModelGroup;
 struct AttributeListHolder;
 
@@ -40,24 +41,28 @@ class ZELDOM40_API DTDParser : public Parser {
  private:
   struct Content;
 
+  LexerType::LexToken advancePastComments();
   LexerType::LexToken peekPastComments();
-  bool stopsHere();
+  void parsePublicIdentifier();
   void parseEntity();
   void parseParameterEntity();
   void parseGeneralEntity();
-  void parseElement();
   std::vector<std::string> parseNameGroup();
+  int enterName(std::string_view upperName);
+  void parseElement();
+  void declareElement(const std::string& name, int omission, const Content& content);
+  bool countToken();
+  int parseOccurrence();
+  bool addElementToken(ModelGroup& group);
+  bool addTextToken(ModelGroup& group);
   bool parseContent(Content& content);
-  bool addElementToken(ModelGroup& group, Content& content);
-  unsigned parseOccurrence();
   void parseAttributeList();
-  bool parseAttributeType(unsigned& declaredType, std::unique_ptr<std::vector<std::string>>& tokens);
-  bool parseAttributeDefault(unsigned& defaultType);
-  void installAttributeList(const std::vector<std::string>& names, std::unique_ptr<AttributeListHolder> list);
+  bool parseAttributeType(AttributeDefinition& definition, int& declaredType);
+  bool parseAttributeDefault(AttributeDefinition& definition);
+  void installAttributeList(const std::vector<std::string>& elementNames, std::unique_ptr<AttributeListHolder> list);
   void parseGroup();
   void parseMarkedSection();
   void skipIgnoredSection();
-  void parsePublicIdentifier();
 
   ParserType::_dtd_frame* frame_ = nullptr;
   bool ownsFrame_ = false;

@@ -37,6 +37,7 @@ class ZELDOM40_API DocumentType : public Node {
  private:
   ParserType::_dtd_frame* frame_ = nullptr;
   std::unique_ptr<DTDParser> parser_;  // null where someone else owns the tables
+  std::vector<ElementDefinition*> noDefinitions_;
 };
 
 }  // namespace zeldom40

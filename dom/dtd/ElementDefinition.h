@@ -88,7 +88,9 @@ class ZELDOM40_API ElementDefinition : public Node {
   HTML40ElementID elementID_ = ID_UNKNOWN;
   int ordinal_ = -1;
   int nameId_ = -1;
-  mutable bool walked_ = false;  // a walk has been here; see ModelWalk
+  // Marks of a walk that is going on; see ModelWalk.
+  mutable bool walked_ = false;
+  mutable const ElementDefinition* nextMarked_ = nullptr;
   unsigned long group_ = 0;
   unsigned long flags_ = 0;
   Hash<ElementDefinition>* elements_ = nullptr;  // the table that a walk goes on through

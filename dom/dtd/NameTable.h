@@ -16,8 +16,8 @@ class NameTable {
   static constexpr int kText = 0;       // text that shows
   static constexpr int kWhiteText = 1;  // white space that only formats the source
   static constexpr int kFirstName = 2;
-  // A page can declare elements; more names than this come from no real document type, and sets of names over all
-  // open elements would grow with the square of the page.
+  // CHOICE: a page can declare elements; more names than this come from no real document type, and sets of names over
+  // all open elements would grow with the square of the page.
   static constexpr int kMostNames = 2048;
 
   NameTable();

@@ -1,0 +1,64 @@
+// Making and clearing the tables of a DTD.
+#include "dom/dtd/DTDFrame.h"
+
+#include "dom/document/DOM.h"
+#include "dom/dtd/DocumentType.h"
+
+namespace zeldom40 {
+
+ParserType::_dtd_frame::_dtd_frame()
+    : parameterEntities(new Hash<EntityRecord>(Hash<EntityRecord>::kFrameBuckets)),
+      generalEntities(new Hash<GeneralEntityRecord>(Hash<GeneralEntityRecord>::kFrameBuckets)),
+      elements(new Hash<ElementDefinition>(Hash<ElementDefinition>::kFrameBuckets)),
+      elementList(new std::vector<ElementDefinition*>),
+      catalog(nullptr),
+      charEntities(new CharEntityTable) {}
+
+// A definition dies through the list alone, which has each once, and whatever its count says: the references that
+// elements took on it are never given back.
+ParserType::_dtd_frame::~_dtd_frame() {
+  contents.reset();
+  for (ElementDefinition* definition : *elementList) delete definition;
+  delete charEntities;
+  delete elementList;
+  delete elements;
+  delete generalEntities;
+  delete parameterEntities;
+}
+
+ContentTable& contentTable(ParserType::_dtd_frame& frame) {
+  if (!frame.contents || frame.contents->generation() != frame.generation) {
+    frame.contents = std::make_unique<ContentTable>(frame);
+  }
+  return *frame.contents;
+}
+
+bool FrameEntities::find(std::string_view name, EntityText& out) const {
+  const GeneralEntityRecord* entity = frame_->generalEntities->find(name);
+  if (!entity) return false;
+  out = EntityText{entity->text, entity->publicId, entity->systemId};
+  return true;
+}
+
+std::string_view FrameCharacterNames::nameOf(unsigned code) const {
+  const auto found = frame_->charEntities->find(code);
+  return found == frame_->charEntities->end() ? std::string_view() : std::string_view(found->second.name);
+}
+
+namespace {
+const ParserType::_dtd_frame* frameOf(const DocumentType* type) { return type ? type->getDTDFrame() : nullptr; }
+const DocumentType* currentType() { return DOM::getDOM() ? DOM::getDOM()->getDocumentType() : nullptr; }
+}  // namespace
+
+const EntityTable* FrameTables::entities(const DocumentType* type) { return entities(frameOf(type)); }
+const CharacterNames* FrameTables::characterNames(const DocumentType* type) { return characterNames(frameOf(type)); }
+const EntityTable* FrameTables::entities(const ParserType::_dtd_frame* frame) {
+  return frame ? &frame->entityTable : nullptr;
+}
+const CharacterNames* FrameTables::characterNames(const ParserType::_dtd_frame* frame) {
+  return frame ? &frame->characterNames : nullptr;
+}
+const EntityTable* FrameTables::entitiesOfCurrentDOM() { return entities(currentType()); }
+const CharacterNames* FrameTables::characterNamesOfCurrentDOM() { return characterNames(currentType()); }
+
+}  // namespace zeldom40

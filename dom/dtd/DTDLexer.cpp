@@ -1,0 +1,364 @@
+// Tokens, declaration keywords and parameter entities of a document type definition.
+#include "dom/dtd/DTDLexer.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "dom/dtd/DTDFrame.h"
+
+namespace zeldom40 {
+
+namespace {
+
+constexpr ByteSet kWordDelimiters = makeByteSet(" \t\v\r\f\n()[]|*?+<>,");
+constexpr ByteSet kQuote = makeByteSet("\"");
+constexpr ByteSet kApostrophe = makeByteSet("'");
+
+struct Keyword {
+  std::string_view word;
+  LexerType::LexToken kind;
+  std::size_t length;  // what is stepped over
+};
+
+// In the order in which they are tried: each matches as a prefix. KEPT: "!NOTATION" is stepped over by the length of
+// "!ATTLIST", so that an "N" stays behind and is read as a name, which the parser ignores.
+constexpr Keyword kKeywords[] = {
+    {"!ELEMENT", LexerType::LEX_ELEMENT_DECL, 8}, {"!ENTITY", LexerType::LEX_ENTITY_DECL, 7},
+    {"!ATTLIST", LexerType::LEX_ATTLIST_DECL, 8}, {"!NOTATION", LexerType::LEX_NOTATION_DECL, 8},
+    {"!--", LexerType::LEX_COMMENT, 1},           {"![", LexerType::LEX_MARKED_SECTION, 1},
+    {"!GROUP", LexerType::LEX_GROUP_DECL, 6},
+};
+
+// CHOICE: entities that hold entities that hold entities grow a text without bound. What a text may grow by is bounded
+// by its own length and at most 4 MB; a reference beyond counts as undeclared. The built-in text grows by its length.
+constexpr std::size_t kMostGrowth = 4 << 20;
+constexpr std::size_t kLeastGrowth = 16 << 10;
+constexpr std::size_t kGrowthPerByte = 32;
+
+std::size_t growthFor(std::size_t length) {
+  if (length >= kMostGrowth / kGrowthPerByte) return kMostGrowth;
+  return std::min(kMostGrowth, kLeastGrowth + kGrowthPerByte * length);
+}
+
+void appendQuoted(std::string& out, std::string_view text) {
+  if (text.empty()) return;
+  out += " \"";
+  out += text;
+  out += '"';
+}
+
+bool isDigit(char c, bool hexadecimal) {
+  return (c >= '0' && c <= '9') || (hexadecimal && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')));
+}
+
+unsigned digitValue(char c) {
+  return static_cast<unsigned>(c >= 'a' ? c - 'a' + 10 : c >= 'A' ? c - 'A' + 10 : c - '0');
+}
+
+}  // namespace
+
+DTDLexer::DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame)
+    : frame_(frame), ahead_(text), growthLeft_(growthFor(text.size())) {
+  read_.reserve(2 * text.size());
+}
+
+std::string_view DTDLexer::slice(std::uint32_t start, std::uint32_t end) const {
+  if (start >= read_.size() || end <= start) return {};
+  return std::string_view(read_).substr(start, end - start);
+}
+
+// --- the two parts of the text ---------------------------------------------------------------------------------------
+
+void DTDLexer::take(std::size_t count) {
+  count = std::min(count, ahead_.size() - head_);
+  read_.append(ahead_, head_, count);
+  head_ += count;
+}
+
+void DTDLexer::putAhead(std::string_view text) {
+  if (text.size() > head_) {
+    // Room in front that grows with what is there, so that moving costs no more than what is put in.
+    const std::size_t room = text.size() + (ahead_.size() - head_) + kLeastGrowth;
+    std::string wider(room, '\0');
+    wider.append(ahead_, head_);
+    ahead_ = std::move(wider);
+    head_ = room;
+  }
+  head_ -= text.size();
+  text.copy(&ahead_[head_], text.size());
+}
+
+// --- references to parameter entities --------------------------------------------------------------------------------
+
+// KEPT: a "%" that ends the text is a reference with an empty name.
+bool DTDLexer::isReference(std::size_t at) const {
+  return ahead_[at] == '%' && (at + 1 == ahead_.size() || !isSpaceByte(ahead_[at + 1]));
+}
+
+// Moves `at` behind the reference that stands there and appends its text to `out`. False, with LEX_UNDEFINED_ENTITY
+// queued, if it has none: the reference is left out then.
+bool DTDLexer::replacement(std::size_t& at, std::string& out) {
+  const std::size_t nameStart = at + 1;
+  const std::size_t nameEnd = std::min(ahead_.find_first_of("; >", nameStart), ahead_.size());
+  at = nameEnd < ahead_.size() && ahead_[nameEnd] == ';' ? nameEnd + 1 : nameEnd;
+  const EntityRecord* entity =
+      frame_->parameterEntities->find(std::string_view(ahead_).substr(nameStart, nameEnd - nameStart));
+  // Each replacement counts for one byte more than it has, so that entities which hold their own names end as well.
+  const std::size_t cost =
+      entity ? entity->text.size() + entity->publicId.size() + entity->systemId.size() + 1 : std::size_t{0};
+  if (!entity || cost > growthLeft_) {
+    addToken(LexerType::LEX_UNDEFINED_ENTITY, LexRecord::NO_POSITION, LexRecord::NO_POSITION);
+    return false;
+  }
+  growthLeft_ -= cost;
+  out += entity->text;
+  appendQuoted(out, entity->publicId);
+  appendQuoted(out, entity->systemId);
+  return true;
+}
+
+// Expands the references that stand at the position, until none does, for an empty text brings the next one there, or
+// one is undeclared. Returns false in that case.
+bool DTDLexer::expandHere() {
+  std::string text;
+  bool known = true;
+  while (known && !atEnd() && isReference(head_)) {
+    text.clear();
+    std::size_t at = head_;
+    known = replacement(at, text);
+    head_ = at;
+    putAhead(text);
+    expandedTo_ = read_.size() + text.size();
+  }
+  return known;
+}
+
+// Expands the references that begin in the next `length` bytes, but for those in comments; quotes do not hide them.
+// They are put together and put back in one piece. Returns whether anything changed.
+bool DTDLexer::expandAhead(std::size_t length) {
+  const std::size_t limit = head_ + std::min(length, ahead_.size() - head_);
+  if (limit == head_ || !std::memchr(&ahead_[head_], '%', limit - head_)) return false;
+  std::string expanded;
+  std::size_t copied = head_;
+  std::size_t lastText = 0;
+  bool changed = false;
+  for (std::size_t at = head_; at < limit;) {
+    if (isReference(at)) {
+      expanded.append(ahead_, copied, at - copied);
+      const bool known = replacement(at, expanded);
+      copied = at;
+      lastText = expanded.size();
+      changed = true;
+      if (!known) break;
+    } else if (ahead_[at] == '-' && at + 1 < ahead_.size() && ahead_[at + 1] == '-') {
+      at = ahead_.find("--", at + 2);
+      if (at != std::string::npos) at = ahead_.find_first_not_of('-', at);
+      if (at == std::string::npos) break;
+    } else {
+      ++at;
+    }
+  }
+  if (!changed) return false;
+  head_ = copied;
+  putAhead(expanded);
+  expandedTo_ = read_.size() + lastText;
+  return true;
+}
+
+// --- characters ------------------------------------------------------------------------------------------------------
+
+char DTDLexer::nextChar(bool consume) {
+  expandHere();
+  if (atEnd()) return '\0';
+  const char c = ahead_[head_];
+  if (consume) take(1);
+  return c;
+}
+
+bool DTDLexer::matchAt(std::string_view word) {
+  if (read_.size() + word.size() > expandedTo_) expandAhead(word.size());
+  return ahead_.compare(head_, word.size(), word) == 0;
+}
+
+// Only lines of white space count. Returns false at an undeclared reference.
+bool DTDLexer::skipSpace() {
+  while (expandHere()) {
+    if (atEnd() || !isSpaceByte(ahead_[head_])) return true;
+    const std::size_t from = head_;
+    std::size_t to = from;
+    for (; to < ahead_.size() && isSpaceByte(ahead_[to]); ++to) {
+      if (ahead_[to] == '\n') ++line_;
+    }
+    take(to - from);
+  }
+  return false;
+}
+
+// Takes the text up to the first of `delimiters`; one behind a backslash does not count.
+void DTDLexer::scanUntil(const ByteSet& delimiters) {
+  const auto find = [this, &delimiters] {
+    char before = read_.empty() ? '\0' : read_.back();
+    std::size_t at = head_;
+    for (; at < ahead_.size(); before = ahead_[at++]) {
+      if (delimiters[static_cast<unsigned char>(ahead_[at])] && before != '\\') break;
+    }
+    return at - head_;
+  };
+  std::size_t length = find();
+  if (read_.size() + length > expandedTo_ && expandAhead(length)) length = find();
+  take(length);
+}
+
+// --- tokens ----------------------------------------------------------------------------------------------------------
+
+int DTDLexer::lex() {
+  if (!skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
+  if (atEnd()) {
+    addToken(LexerType::LEX_EOF, LexRecord::NO_POSITION, LexRecord::NO_POSITION);
+    return 0;
+  }
+  const char c = ahead_[head_];
+  switch (c) {
+    case '<':
+      addCharacter(LexerType::LEX_TAG_OPEN);
+      break;
+    case '>':
+      addCharacter(LexerType::LEX_TAG_CLOSE);
+      break;
+    case '(':
+      addCharacter(LexerType::LEX_LPAREN);
+      break;
+    case ')':
+      addCharacter(LexerType::LEX_RPAREN);
+      break;
+    case '[':
+      addCharacter(LexerType::LEX_LBRACKET);
+      break;
+    case ']':
+      addCharacter(LexerType::LEX_RBRACKET);
+      break;
+    case '*':
+      addCharacter(LexerType::LEX_STAR);
+      break;
+    case '+':
+      addCharacter(LexerType::LEX_PLUS);
+      break;
+    case ',':
+      addCharacter(LexerType::LEX_COMMA);
+      break;
+    case '?':
+      addCharacter(LexerType::LEX_QUESTION);
+      break;
+    case '|':
+      addCharacter(LexerType::LEX_BAR);
+      break;
+    case '&':
+      addCharacter(LexerType::LEX_AMPERSAND);
+      break;
+    case '%':
+      addCharacter(LexerType::LEX_PERCENT);
+      break;
+    case '-':
+      if (matchAt("--")) {
+        lexComment();
+      } else {
+        addCharacter(LexerType::LEX_MINUS);
+      }
+      break;
+    case '"':
+    case '\'':
+      lexLiteral(c);
+      break;
+    case '!':
+      lexKeyword();
+      break;
+    default:
+      lexWord();
+      break;
+  }
+  return 0;
+}
+
+void DTDLexer::addCharacter(LexerType::LexToken kind) {
+  take(1);
+  addToken(kind, position() - 1, position());
+}
+
+void DTDLexer::lexKeyword() {
+  for (const Keyword& keyword : kKeywords) {
+    if (!matchAt(keyword.word)) continue;
+    const std::uint32_t start = position();
+    take(keyword.length);
+    if (keyword.kind == LexerType::LEX_COMMENT) {
+      lexComment();
+    } else {
+      addToken(keyword.kind, start, position());
+    }
+    return;
+  }
+  // CHOICE: the token is empty, yet the "!" is stepped over, so that the declarations behind it are read.
+  addToken(LexerType::LEX_BANG, position(), position());
+  take(1);
+}
+
+// A comment closes at the next "--" and swallows every dash behind it. Nothing in it is expanded.
+void DTDLexer::lexComment() {
+  const std::uint32_t start = position();
+  std::size_t end = ahead_.find("--", head_ + 2);
+  if (end != std::string::npos) end = ahead_.find_first_not_of('-', end);
+  take(std::min(end, ahead_.size()) - head_);
+  addToken(LexerType::LEX_COMMENT, start, position());
+}
+
+void DTDLexer::lexLiteral(char quote) {
+  take(1);
+  const std::uint32_t start = position();
+  scanUntil(quote == '"' ? kQuote : kApostrophe);
+  addToken(LexerType::LEX_LITERAL, start, position());
+  take(1);
+}
+
+void DTDLexer::lexWord() {
+  const std::uint32_t start = position();
+  scanUntil(kWordDelimiters);
+  const std::string_view word = slice(start, position());
+  addToken(word == "#PCDATA" ? LexerType::LEX_PCDATA
+           : word == "CDATA" ? LexerType::LEX_CDATA
+                             : LexerType::LEX_NAME,
+           start, position());
+}
+
+// --- character references --------------------------------------------------------------------------------------------
+
+bool DTDLexer::isCharacterReference(std::string_view s) {
+  if (s.size() < 4 || s[0] != '&' || s[1] != '#' || s.back() != ';') return false;
+  const bool hexadecimal = s[2] == 'x';
+  for (std::size_t i = hexadecimal ? 4 : 3; i + 1 < s.size(); ++i) {
+    if (!isDigit(s[i], hexadecimal)) return false;
+  }
+  return true;
+}
+
+bool DTDLexer::encodeCharacterReference(std::string& text, std::uint32_t* code) {
+  if (!isCharacterReference(text)) return false;
+  const bool hexadecimal = text[2] == 'x';
+  const unsigned base = hexadecimal ? 16 : 10;
+  std::uint64_t value = 0;
+  for (std::size_t i = hexadecimal ? 3 : 2; i + 1 < text.size() && isDigit(text[i], hexadecimal); ++i) {
+    value = std::min<std::uint64_t>(value * base + digitValue(text[i]), 0xFFFFFFFF);
+  }
+  if ((value & 0xFFFF) == 0) return false;
+  const auto high = static_cast<char>(value >> 8 & 0xFF);
+  const auto low = static_cast<char>(value & 0xFF);
+  if (high == 0) {
+    text = {kPairMark, low};
+  } else if (low != 0) {
+    text = {kQuadMark, kQuadMark, high, low};
+  } else {
+    text = {kQuadMark, kPairMark, high, kQuadMark};
+  }
+  *code = static_cast<std::uint32_t>(value);
+  return true;
+}
+
+}  // namespace zeldom40

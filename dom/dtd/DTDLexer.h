@@ -1,0 +1,63 @@
+// Internal. Cuts the text of a document type definition into tokens.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "dom/dtd/Lexer.h"
+#include "dom/dtd/ParserType.h"
+#include "dom/source/CharHelpers.h"
+
+namespace zeldom40 {
+
+// A parameter entity's text takes the place of its reference in the lexer's own text, so there is no stack of lexers.
+// The text is kept in two parts, what was read and what lies ahead, and a replacement is put in front of the second:
+// whatever it holds, no reference costs more than its own length and that of its replacement. Offsets of tokens count
+// in the first part.
+//
+// References are expanded late, when a scan comes to them; what was expanded is not walked again, but a reference that
+// stands at the position is, wherever it came from.
+class DTDLexer : public Lexer {
+ public:
+  // Copies `text`; looks parameter entities up in `frame`, which must outlive the lexer.
+  DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame);
+
+  int lex() override;
+  bool matchAt(std::string_view word) override;
+  char nextChar(bool consume) override;
+  std::string_view slice(std::uint32_t start, std::uint32_t end) const override;
+  using Lexer::slice;
+
+  // Whether `s` is a numeric character reference. KEPT: the digit behind "&#" or "&#x" is not looked at.
+  static bool isCharacterReference(std::string_view s);
+  // Replaces the numeric character reference `text` by the marked form of its character, whose code is stored in
+  // `*code`. False, with nothing changed, if it is no reference or the low 16 bits of the code are zero: the marked
+  // form cannot hold a NUL.
+  static bool encodeCharacterReference(std::string& text, std::uint32_t* code);
+
+ private:
+  std::uint32_t position() const { return static_cast<std::uint32_t>(read_.size()); }
+  bool atEnd() const { return head_ == ahead_.size(); }
+  void take(std::size_t count);
+  void putAhead(std::string_view text);
+  bool isReference(std::size_t at) const;
+  bool replacement(std::size_t& at, std::string& out);
+  bool expandHere();
+  bool expandAhead(std::size_t length);
+  bool skipSpace();
+  void scanUntil(const ByteSet& delimiters);
+  void addCharacter(LexerType::LexToken kind);
+  void lexKeyword();
+  void lexComment();
+  void lexLiteral(char quote);
+  void lexWord();
+
+  const ParserType::_dtd_frame* frame_;
+  std::string read_;
+  std::string ahead_;  // from head_ on
+  std::size_t head_ = 0;
+  std::size_t expandedTo_ = 0;  // counted as a position
+  std::size_t growthLeft_;
+};
+
+}  // namespace zeldom40

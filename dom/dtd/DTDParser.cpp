@@ -1,0 +1,650 @@
+// The declarations of a document type definition, one state machine each.
+//
+// Common to all of them: a comment may stand between the parts and is skipped before the state is looked at; and at
+// LEX_EOF or LEX_UNDEFINED_ENTITY the token is put back and the declaration dropped, so that the loop over declarations
+// sees it and ends.
+#include "dom/dtd/DTDParser.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+#include "dom/document/DOMAccess.h"
+#include "dom/dtd/CatalogueTables.h"
+#include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/DTDLexer.h"
+#include "dom/dtd/ModelGroup.h"
+#include "dom/source/MappedFile.h"
+#include "dom/tree/NodeAccess.h"
+
+namespace zeldom40 {
+
+namespace {
+
+// CHOICE: nesting costs stack in the walks over a model and here, so it is bounded. A deeper group drops its
+// declaration; a deeper section is read as if its keyword were not known.
+constexpr std::size_t kDeepestGroup = 100;
+constexpr int kDeepestSection = 100;
+constexpr int kMostOpenFiles = 16;
+// CHOICE: a page may declare elements, for as long as the DTD lives. These bounds are far above what a page needs.
+constexpr int kMostPageNames = 512;
+constexpr int kMostPageTokens = 4096;
+constexpr unsigned kLongestText = 0x7FFFFFFF;
+
+bool isLast(LexerType::LexToken kind) { return kind == LexerType::LEX_EOF || kind == LexerType::LEX_UNDEFINED_ENTITY; }
+
+// Drops each backslash and keeps what stands behind it.
+std::string withoutBackslashes(std::string_view text) {
+  std::string plain;
+  plain.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\\' && ++i == text.size()) break;
+    plain += text[i];
+  }
+  return plain;
+}
+
+int declaredTypeOf(std::string_view upperKeyword) {
+  static constexpr std::string_view kKeywords[] = {"CDATA",    "ID",      "IDREF",    "IDREFS",   "ENTITY",
+                                                   "ENTITIES", "NMTOKEN", "NMTOKENS", "NOTATION", "NAME_TOKEN_GROUP"};
+  const auto* found = std::find(std::begin(kKeywords), std::end(kKeywords), upperKeyword);
+  return found == std::end(kKeywords) ? 0 : static_cast<int>(found - kKeywords) + 1;
+}
+
+int defaultTypeOf(std::string_view upperKeyword) {
+  static constexpr std::string_view kKeywords[] = {"#FIXED", "#REQUIRED", "#IMPLIED"};
+  const auto* found = std::find(std::begin(kKeywords), std::end(kKeywords), upperKeyword);
+  return found == std::end(kKeywords) ? 0 : static_cast<int>(found - kKeywords) + 1;
+}
+
+}  // namespace
+
+// The content part of an element declaration. Holds one reference on each group while it is read.
+struct DTDParser::Content {
+  Content() { hold(model); }
+  ~Content() {
+    for (ModelGroup* group : {model, inclusions, exclusions}) drop(group);
+  }
+  Content(const Content&) = delete;
+  Content& operator=(const Content&) = delete;
+
+  // A second "+(" or "-(" takes the place of the first.
+  ModelGroup* renew(ModelGroup*& group) {
+    drop(group);
+    hold(group);
+    return group;
+  }
+
+  ElementDefinition::ContentType type = ElementDefinition::CONTENT_ANY;
+  ModelGroup* model = nullptr;
+  ModelGroup* inclusions = nullptr;
+  ModelGroup* exclusions = nullptr;
+
+ private:
+  static void hold(ModelGroup*& group) {
+    group = new ModelGroup;
+    group->addRef(false);
+  }
+  static void drop(ModelGroup* group) {
+    if (group) group->releaseRef(false);
+  }
+};
+
+// --- life ------------------------------------------------------------------------------------------------------------
+
+DTDParser::DTDParser() = default;
+
+DTDParser::DTDParser(const char* text, unsigned length) : frame_(new ParserType::_dtd_frame), ownsFrame_(true) {
+  lexer_ = std::make_unique<DTDLexer>(std::string_view(text, std::min(length, kLongestText)), frame_);
+}
+
+DTDParser::DTDParser(const char* text, unsigned length, const ParserType::_dtd_parser_frame* shared)
+    : frame_(shared->frame) {
+  lexer_ = std::make_unique<DTDLexer>(std::string_view(text, std::min(length, kLongestText)), frame_);
+}
+
+DTDParser::~DTDParser() {
+  if (ownsFrame_) delete frame_;
+}
+
+// --- the loop over declarations --------------------------------------------------------------------------------------
+
+int DTDParser::parse(LexerType::LexToken stop) {
+  if (!lexer_) return -1;
+  while (true) {
+    const LexerType::LexToken kind = advance();
+    if (kind == stop) return 0;
+    switch (kind) {
+      case LexerType::LEX_EOF:
+      case LexerType::LEX_UNDEFINED_ENTITY:
+        return -1;
+      case LexerType::LEX_ENTITY_DECL:
+        parseEntity();
+        break;
+      case LexerType::LEX_ATTLIST_DECL:
+        parseAttributeList();
+        break;
+      case LexerType::LEX_ELEMENT_DECL:
+        parseElement();
+        break;
+      case LexerType::LEX_LITERAL:
+      case LexerType::LEX_NAME:
+        parsePublicIdentifier();
+        break;
+      case LexerType::LEX_MARKED_SECTION:
+        parseMarkedSection();
+        break;
+      case LexerType::LEX_GROUP_DECL:
+        parseGroup();
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+LexerType::LexToken DTDParser::advancePastComments() {
+  LexerType::LexToken kind = advance();
+  while (kind == LexerType::LEX_COMMENT) kind = advance();
+  if (isLast(kind)) pushBack();
+  return kind;
+}
+
+LexerType::LexToken DTDParser::peekPastComments() {
+  while (peekKind() == LexerType::LEX_COMMENT) advance();
+  return peekKind();
+}
+
+// An external parameter entity expands to PUBLIC and its identifiers.
+void DTDParser::parsePublicIdentifier() {
+  if (currentText() != "PUBLIC" || !accept(LexerType::LEX_LITERAL) || !frame_->catalog) return;
+  const CatalogRecord* record = frame_->catalog->find(currentText());
+  if (!record || frame_->openFiles >= kMostOpenFiles) return;
+  MappedFile file;
+  if (file.open(record->path.c_str(), 0) != 0) return;
+  const ParserType::_dtd_parser_frame shared{frame_};
+  ++frame_->openFiles;
+  DTDParser(file.get_top(), file.get_size(), &shared).parse(LexerType::LEX_EOF);
+  --frame_->openFiles;
+}
+
+// --- entities --------------------------------------------------------------------------------------------------------
+
+void DTDParser::parseEntity() {
+  if (accept(LexerType::LEX_PERCENT)) {
+    parseParameterEntity();
+  } else if (peekKind() == LexerType::LEX_NAME) {
+    parseGeneralEntity();
+  }
+}
+
+void DTDParser::parseParameterEntity() {
+  enum { NAME, VALUE, SYSTEM_ID, PUBLIC_ID, END } state = NAME;
+  EntityRecord entity;
+  while (true) {
+    const LexerType::LexToken kind = advancePastComments();
+    const std::string_view word = currentText();
+    if (state == NAME && kind == LexerType::LEX_NAME && !word.empty()) {
+      entity.name = word;
+      state = VALUE;
+    } else if (state == VALUE && kind == LexerType::LEX_LITERAL) {
+      entity.text = withoutBackslashes(word);
+      state = END;
+    } else if (state == VALUE && kind == LexerType::LEX_NAME && (word == "SYSTEM" || word == "PUBLIC")) {
+      entity.text = word;
+      state = word == "SYSTEM" ? SYSTEM_ID : PUBLIC_ID;
+    } else if (state == SYSTEM_ID && kind == LexerType::LEX_LITERAL) {
+      entity.systemId = word;
+      state = END;
+    } else if (state == PUBLIC_ID && kind == LexerType::LEX_LITERAL) {
+      entity.publicId = word;
+      state = SYSTEM_ID;
+    } else if ((state == SYSTEM_ID || state == END) && kind == LexerType::LEX_TAG_CLOSE) {
+      pushBack();
+      break;
+    } else {
+      return;
+    }
+  }
+  if (frame_->parameterEntities->find(entity.name)) return;
+  frame_->parameterRecords.push_back(std::move(entity));
+  EntityRecord& stored = frame_->parameterRecords.back();
+  frame_->parameterEntities->insert(stored.name, &stored);
+}
+
+void DTDParser::parseGeneralEntity() {
+  enum { NAME, VALUE, SYSTEM_ID, PUBLIC_ID, NOTATION, END } state = NAME;
+  std::string name;
+  GeneralEntityRecord entity;
+  while (true) {
+    const LexerType::LexToken kind = advancePastComments();
+    const std::string_view word = currentText();
+    const bool isName = kind == LexerType::LEX_NAME;
+    const bool isLiteral = kind == LexerType::LEX_LITERAL && !word.empty();
+    if (state == NAME && isName && !word.empty()) {
+      name = word;
+      state = VALUE;
+    } else if (state == VALUE && kind == LexerType::LEX_CDATA) {
+      continue;
+    } else if (state == VALUE && isLiteral) {
+      entity.text = word;
+      state = END;
+    } else if (state == VALUE && isName && (word == "SYSTEM" || word == "PUBLIC")) {
+      entity.text = word;
+      state = word == "SYSTEM" ? SYSTEM_ID : PUBLIC_ID;
+    } else if (state == SYSTEM_ID && isLiteral) {
+      entity.systemId = word;
+      state = NOTATION;
+    } else if (state == PUBLIC_ID && isLiteral) {
+      entity.publicId = word;
+      state = SYSTEM_ID;
+    } else if (state == NOTATION && isName) {
+      if (word != "NDATA" || advancePastComments() != LexerType::LEX_NAME) return;
+      entity.notation = currentText();
+      state = END;
+    } else if ((state == NOTATION || state == END) && kind == LexerType::LEX_TAG_CLOSE) {
+      pushBack();
+      break;
+    } else {
+      return;
+    }
+  }
+  std::uint32_t code = 0;
+  if (DTDLexer::encodeCharacterReference(entity.text, &code)) {
+    frame_->charEntities->try_emplace(code, CharEntityRecord{code, name, entity.text});
+  }
+  if (frame_->generalEntities->find(name)) return;
+  frame_->generalRecords.push_back(std::move(entity));
+  frame_->generalEntities->insert(name, &frame_->generalRecords.back());
+}
+
+// --- elements --------------------------------------------------------------------------------------------------------
+
+// A single name, or names in parentheses. KEPT: the "|" between them is not asked for. What else stands there ends the
+// group; the names before it count.
+std::vector<std::string> DTDParser::parseNameGroup() {
+  std::vector<std::string> names;
+  switch (peekPastComments()) {
+    case LexerType::LEX_NAME:
+      advance();
+      names.emplace_back(currentText());
+      return names;
+    case LexerType::LEX_LPAREN:
+      advance();
+      break;
+    default:
+      return names;
+  }
+  while (true) {
+    switch (peekKind()) {
+      case LexerType::LEX_NAME:
+        advance();
+        names.emplace_back(currentText());
+        break;
+      case LexerType::LEX_BAR:
+        advance();
+        break;
+      case LexerType::LEX_RPAREN:
+        advance();
+        return names;
+      default:
+        return names;
+    }
+  }
+}
+
+// The number of a name, -1 if there may be no more of them.
+int DTDParser::enterName(std::string_view upperName) {
+  const int known = frame_->names.find(upperName);
+  if (known >= 0 || ownsFrame_) return known >= 0 ? known : frame_->names.enter(upperName);
+  if (frame_->pageNames >= kMostPageNames) return -1;
+  ++frame_->pageNames;
+  return frame_->names.enter(upperName);
+}
+
+void DTDParser::parseElement() {
+  // 1. The names.
+  const std::vector<std::string> names = parseNameGroup();
+  if (names.empty()) return;
+  // 2. One flag for the start tag, one for the end tag. KEPT: each is added to the code that stands, so that a second
+  //    "-" takes the first one back.
+  auto omission = ElementDefinition::OMIT_NONE;
+  for (int flag = 0; flag < 2; ++flag) {
+    const LexerType::LexToken kind = peekPastComments();
+    if (kind == LexerType::LEX_MINUS) {
+      if (omission == ElementDefinition::OMIT_NONE) {
+        omission = ElementDefinition::OMIT_END;
+      } else if (omission == ElementDefinition::OMIT_END) {
+        omission = ElementDefinition::OMIT_NONE;
+      }
+    } else if (kind == LexerType::LEX_NAME && text(peekToken(0)) == "O") {
+      if (omission == ElementDefinition::OMIT_NONE) {
+        omission = ElementDefinition::OMIT_START;
+      } else if (omission == ElementDefinition::OMIT_START) {
+        omission = ElementDefinition::OMIT_BOTH;
+      }
+    } else {
+      return;
+    }
+    advance();
+  }
+  // 3. The content, and the end, which stays.
+  Content content;
+  if (!parseContent(content) || peekPastComments() != LexerType::LEX_TAG_CLOSE) return;
+  // 4. A definition for each name.
+  for (const std::string& name : names) declareElement(name, omission, content);
+}
+
+void DTDParser::declareElement(const std::string& name, int omission, const Content& content) {
+  const int nameId = enterName(toUpperName(name));
+  if (nameId < 0) return;
+  auto* definition = new ElementDefinition;
+  const SharedName& upperName = frame_->names.name(nameId);
+  if (upperName == name) {
+    NodeAccess::setName(definition, upperName);
+  } else {
+    definition->Node::setName(name);
+  }
+  definition->upperName_ = upperName;
+  definition->nameId_ = nameId;
+  definition->elements_ = frame_->elements;
+  definition->omission_ = static_cast<ElementDefinition::Omission>(omission);
+  definition->contentType_ = content.type;
+  definition->model_ = content.model;
+  definition->inclusions_ = content.inclusions;
+  definition->exclusions_ = content.exclusions;
+  // The groups are shared by all names of the declaration. CHOICE: only their roots count: below them nobody holds a
+  // token, and a count of every token for every name would cost the product of both.
+  for (ModelGroup* group : {content.model, content.inclusions, content.exclusions}) {
+    if (group) group->addRef(false);
+  }
+  const HTML40ElementID id = CatalogueTables::find(name);
+  if (id != ID_NONE) definition->elementID_ = id;
+  definition->group_ |= CatalogueTables::group(id);
+  definition->flags_ |= CatalogueTables::flags(id);
+  frame_->elementList->push_back(definition);
+  if (frame_->elements->insert(upperName.view(), definition)) {
+    definition->ordinal_ = static_cast<int>(frame_->winners.size());
+    frame_->winners.push_back(definition);
+  }
+  ++frame_->generation;
+}
+
+// Counts a token against what a page may have; false if it may not.
+bool DTDParser::countToken() { return ownsFrame_ || frame_->pageTokens++ < kMostPageTokens; }
+
+int DTDParser::parseOccurrence() {
+  auto occurrence = Occurrence::kOnce;
+  switch (peekKind()) {
+    case LexerType::LEX_QUESTION:
+      occurrence = Occurrence::kOptional;
+      break;
+    case LexerType::LEX_PLUS:
+      occurrence = Occurrence::kRepeated;
+      break;
+    case LexerType::LEX_STAR:
+      occurrence = Occurrence::kAny;
+      break;
+    default:
+      return static_cast<int>(occurrence);
+  }
+  advance();
+  return static_cast<int>(occurrence);
+}
+
+// The next token, which is a name, as an item of `group`.
+bool DTDParser::addElementToken(ModelGroup& group) {
+  advance();
+  const int nameId = enterName(toUpperName(currentText()));
+  if (nameId < 0 || !countToken()) return false;
+  auto* token = new ElementToken(frame_->names.name(nameId), nameId);
+  token->occurrence = static_cast<Occurrence>(parseOccurrence());
+  group.add(token);
+  return true;
+}
+
+bool DTDParser::addTextToken(ModelGroup& group) {
+  advance();
+  if (!countToken()) return false;
+  group.add(new PCDATAToken(DOMAccess::pcdataName()));
+  return true;
+}
+
+// The content model with its exceptions. The token that does not fit ends it and stays. False if the declaration has to
+// be dropped.
+//
+// KEPT: the content type is what was written last, also by a name in an exception; so "(#PCDATA | A)*" is element
+// content and "(A | #PCDATA)*" text. A "+" behind ")" is always the group's occurrence: "(A) +(B)" puts B into the
+// model, and only behind another sign does "+(" open the inclusions.
+bool DTDParser::parseContent(Content& content) {
+  enum State { OUTSIDE, GROUP, OR, SEQUENCE, ALL };
+  State state = OUTSIDE;
+  ModelGroup* current = content.model;
+  std::vector<std::pair<State, ModelGroup*>> outer;
+  while (true) {
+    const LexerType::LexToken kind = peekKind();
+    switch (kind) {
+      case LexerType::LEX_LPAREN: {
+        if (outer.size() == kDeepestGroup || !countToken()) return false;
+        advance();
+        outer.emplace_back(state, current);
+        auto* group = new ModelGroup;
+        current->add(group);
+        current = group;
+        state = GROUP;
+        continue;
+      }
+      case LexerType::LEX_RPAREN:
+        advance();
+        current->occurrence = static_cast<Occurrence>(parseOccurrence());
+        if (outer.empty()) {
+          state = OUTSIDE;
+          current = content.model;
+        } else {
+          std::tie(state, current) = outer.back();
+          outer.pop_back();
+        }
+        continue;
+      case LexerType::LEX_COMMENT:
+        if (state != OUTSIDE) return true;
+        advance();
+        continue;
+      case LexerType::LEX_NAME: {
+        const std::string_view word = text(peekToken(0));
+        if (state == OUTSIDE && (word == "EMPTY" || word == "ANY")) {
+          content.type = word == "ANY" ? ElementDefinition::CONTENT_ANY : ElementDefinition::CONTENT_EMPTY;
+          advance();
+          continue;
+        }
+        content.type = ElementDefinition::CONTENT_ELEMENTS;
+        if (!addElementToken(*current)) return false;
+        continue;
+      }
+      case LexerType::LEX_PCDATA:
+      case LexerType::LEX_CDATA:
+        content.type = kind == LexerType::LEX_CDATA && (state == OUTSIDE || state == GROUP)
+                           ? ElementDefinition::CONTENT_CDATA
+                           : ElementDefinition::CONTENT_TEXT;
+        // KEPT: text among "&" items makes a sequence of the rest.
+        if (state == ALL) state = SEQUENCE;
+        if (!addTextToken(*current)) return false;
+        continue;
+      case LexerType::LEX_PLUS:
+      case LexerType::LEX_MINUS:
+        if (state != OUTSIDE) return true;
+        advance();
+        current = content.renew(kind == LexerType::LEX_PLUS ? content.inclusions : content.exclusions);
+        continue;
+      case LexerType::LEX_BAR:
+        if (state == GROUP) {
+          current->connector = Connector::kOr;
+          state = OR;
+        } else if (state != OR) {
+          return true;
+        }
+        advance();
+        continue;
+      case LexerType::LEX_COMMA:
+        if (state == GROUP) {
+          current->connector = Connector::kSequence;
+          state = SEQUENCE;
+        } else if (state != SEQUENCE) {
+          return true;
+        }
+        advance();
+        continue;
+      case LexerType::LEX_AMPERSAND:
+        if (state == GROUP) {
+          current->connector = Connector::kAll;
+          state = ALL;
+        } else if (state != ALL) {
+          return true;
+        }
+        advance();
+        continue;
+      default:
+        return true;
+    }
+  }
+}
+
+// --- attributes ------------------------------------------------------------------------------------------------------
+
+void DTDParser::parseAttributeList() {
+  const std::vector<std::string> elementNames = parseNameGroup();
+  if (elementNames.empty()) return;
+  auto list = std::make_unique<AttributeListHolder>();
+  std::string name;
+  // KEPT: an enumeration does not write it, and so says the type of the attribute before it.
+  int declaredType = 0;
+  do {
+    // KEPT: a token that is no name is taken all the same, and the name stays what it was.
+    const LexerType::LexToken kind = advancePastComments();
+    if (isLast(kind)) return;
+    if (kind == LexerType::LEX_NAME) name = currentText();
+    auto definition = std::make_unique<AttributeDefinition>();
+    if (!parseAttributeType(*definition, declaredType) || !parseAttributeDefault(*definition)) return;
+    definition->declaredType_ = declaredType;
+    definition->setName(name);
+    list->byName.insert(definition->upperName().view(), definition.get());
+    NodeAccess::append(&list->holder, definition.release());
+  } while (peekPastComments() != LexerType::LEX_TAG_CLOSE);
+  installAttributeList(elementNames, std::move(list));
+}
+
+// A keyword, which goes into `declaredType`, or the values of an enumeration.
+bool DTDParser::parseAttributeType(AttributeDefinition& definition, int& declaredType) {
+  switch (advancePastComments()) {
+    case LexerType::LEX_NAME:
+    case LexerType::LEX_CDATA:
+      declaredType = declaredTypeOf(toUpperName(currentText()));
+      return true;
+    case LexerType::LEX_LPAREN:
+      break;
+    default:
+      pushBack();
+      return false;
+  }
+  definition.allowedTokens_ = std::make_unique<std::vector<std::string>>();
+  while (true) {
+    switch (advancePastComments()) {
+      case LexerType::LEX_NAME:
+      case LexerType::LEX_CDATA:
+        definition.allowedTokens_->push_back(toUpperName(currentText()));
+        break;
+      case LexerType::LEX_BAR:
+        break;
+      case LexerType::LEX_RPAREN:
+        return true;
+      default:
+        pushBack();
+        return false;
+    }
+  }
+}
+
+// The default value itself is read and dropped.
+bool DTDParser::parseAttributeDefault(AttributeDefinition& definition) {
+  const auto takeWord = [this] {
+    const LexerType::LexToken kind = advancePastComments();
+    if (kind == LexerType::LEX_NAME || kind == LexerType::LEX_LITERAL) return true;
+    pushBack();
+    return false;
+  };
+  if (!takeWord()) return false;
+  constexpr int kFixed = 1;
+  definition.defaultType_ = defaultTypeOf(toUpperName(currentText()));
+  return definition.defaultType_ != kFixed || takeWord();
+}
+
+// KEPT: a later list takes the place of an earlier one; elements that are not declared yet get none. The replaced list
+// lives on, for attributes of open pages point into it.
+void DTDParser::installAttributeList(const std::vector<std::string>& elementNames,
+                                     std::unique_ptr<AttributeListHolder> list) {
+  bool used = false;
+  for (const std::string& name : elementNames) {
+    if (ElementDefinition* definition = frame_->elements->find(toUpperName(name))) {
+      definition->attributes_ = list.get();
+      used = true;
+    }
+  }
+  if (used) frame_->attributeLists.push_back(std::move(list));
+}
+
+// --- groups and marked sections --------------------------------------------------------------------------------------
+
+// An extension of SGML that adds bits to the group words of elements.
+void DTDParser::parseGroup() {
+  static constexpr std::pair<std::string_view, unsigned long> kWords[] = {
+      {"BLOCK", GROUP_BLOCK}, {"PLAIN", GROUP_PLAIN}, {"BREAK", GROUP_BREAK}, {"NOWRAP", GROUP_NOWRAP}};
+  if (peekPastComments() != LexerType::LEX_NAME) return;
+  advance();
+  const std::string_view word = currentText();
+  const auto* known =
+      std::find_if(std::begin(kWords), std::end(kWords), [word](const auto& w) { return w.first == word; });
+  if (known == std::end(kWords)) return;
+  const std::vector<std::string> names = parseNameGroup();
+  if (peekPastComments() != LexerType::LEX_TAG_CLOSE) return;
+  for (const std::string& name : names) {
+    if (ElementDefinition* definition = frame_->elements->find(toUpperName(name))) definition->group_ |= known->second;
+  }
+}
+
+void DTDParser::parseMarkedSection() {
+  // 1. "[", a keyword, "["; anything else is left to the loop over declarations.
+  if (peekPastComments() != LexerType::LEX_LBRACKET) return;
+  advance();
+  if (peekPastComments() != LexerType::LEX_NAME) return;
+  const std::string_view word = text(peekToken(0));
+  const bool include = word == "INCLUDE";
+  if (!include && word != "IGNORE") return;
+  advance();
+  if (peekPastComments() != LexerType::LEX_LBRACKET) return;
+  advance();
+  if (!include) {
+    skipIgnoredSection();
+    return;
+  }
+  if (sectionDepth_ >= kDeepestSection) return;
+  // 2. KEPT: one token is dropped, the "<" of the first declaration as a rule. The declarations go on to a "]".
+  if (isLast(advancePastComments())) return;
+  ++sectionDepth_;
+  const int result = parse(LexerType::LEX_RBRACKET);
+  --sectionDepth_;
+  // 3. A further "]"; the ">" is left to the loop.
+  if (result == 0) accept(LexerType::LEX_RBRACKET);
+}
+
+// KEPT: nesting is not tracked, for the "<![" of an inner section comes as two tokens; the first "]]>" that does not
+// stand right at the start closes the section.
+void DTDParser::skipIgnoredSection() {
+  while (true) {
+    if (isLast(advance())) {
+      pushBack();
+      return;
+    }
+    if (accept(LexerType::LEX_RBRACKET) && accept(LexerType::LEX_RBRACKET) && accept(LexerType::LEX_TAG_CLOSE)) return;
+  }
+}
+
+}  // namespace zeldom40
