@@ -112,16 +112,32 @@ class ZELDOM40_API Document : public Node {
   bool restorePlainTexts(Node* node);
 
   // --- cursor and selections ----------------------------------------------------------------------------------------
+  // Adds a selection (`append` not 0) or makes it the only one; the ends are put in document order. Null: nothing.
+  void select(Node* a, unsigned aOffset, Node* b, unsigned bOffset, unsigned char append);
+  void eraseSelections();
+  bool isSelected(Node* node);
+  const std::list<_selection*>& getSelections() const { return selections_; }
+  unsigned getNumOfSelections() const { return static_cast<unsigned>(selections_.size()); }
   // Puts the cursor at a child index of an element or a byte of a text's plain form; a text without layout presence
   // passes it to its parent. A node outside the tree leaves the cursor's node.
   void setLayoutCursor(Node* node, int offset);
-  // Out-pointers may be null.
+  // Out-pointers may be null. A cursor that was set in the other view is converted.
   void getLayoutCursor(Node** node, int* offset);
-  void eraseSelections();
-  const std::list<_selection*>& getSelections() const { return selections_; }
-  // Keep cursor and selections on live nodes: told before a child is removed, before a subtree is deleted.
+  // The same in bytes of the raw form. KEPT: takes any node, with no test of the tree.
+  void setSourceCursor(Node* node, int offset);
+  void getSourceCursor(Node** node, int* offset);
+  // Node::compare.
+  int compareNode(Node* a, Node* b);
+  // Keep cursor and selections on live nodes: told after a child is inserted, before one is removed, before a subtree
+  // is deleted.
+  void adjustCursorOnInsert(Node* node);
   void adjustCursorOnRemove(Node* node);
   void adjustCursorOnDelete(Node* node);
+  // Between bytes of a text's plain form and of its raw form; a position inside a reference or a run of white space
+  // maps to its end. 0 for a negative offset or a node that is no text.
+  int convertOffsetSource2Layout(Node* node, int offset);
+  int convertOffsetLayout2Source(Node* node, int offset);
+  int convOffsetLayout2Source(Node* node, int offset);
 
   // --- undo ---------------------------------------------------------------------------------------------------------
   // Called before every change of the tree.
@@ -132,6 +148,7 @@ class ZELDOM40_API Document : public Node {
   friend class Node;
   friend struct NodeAccess;
   friend struct DocumentAccess;
+  friend Text* mergeTexts(Document& document, Node* first, Node* second);
 
   enum : unsigned { kRecordTaken = 1, kRecordSuspended = 2, kRecordInGroup = 4, kRecordDisabled = 8 };
 
@@ -143,6 +160,8 @@ class ZELDOM40_API Document : public Node {
   bool hasSevereError() const { return (getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
   Element* prepareScratchElement(const char* name);
   void forgetCursorInside(const Node* top);
+  void shiftOffsets(Node* parent, int index, int by);
+  bool cursorCanMove(const Node* node) const { return node && cursorNode_ && documentElement_ && adjustCursors_; }
 
   DOM* dom_ = nullptr;
   bool html_ = false;

@@ -25,7 +25,7 @@ class AttributeBlock {
   static AttributeBlock* create(const PageRef& page, const Entry* entries, std::size_t count) {
     void* memory = ::operator new(sizeof(AttributeBlock) + count * sizeof(Entry));
     auto* block = new (memory) AttributeBlock(page, static_cast<std::uint32_t>(count));
-    for (std::size_t i = 0; i < count; ++i) new (block->begin() + i) Entry(entries[i]);
+    for (std::size_t i = 0; i < count; ++i) new (const_cast<Entry*>(block->begin()) + i) Entry(entries[i]);
     return block;
   }
   void addRef() { ++references_; }
@@ -52,7 +52,6 @@ class AttributeBlock {
  private:
   AttributeBlock(const PageRef& page, std::uint32_t size) : page_(page), size_(size) {}
   ~AttributeBlock() = default;
-  Entry* begin() { return reinterpret_cast<Entry*>(this + 1); }
 
   PageRef page_;
   std::uint32_t references_ = 1;

@@ -38,6 +38,8 @@ class ZELDOM40_API Comment : public Node {
 
  private:
   friend struct CommentAccess;
+  struct FromPage {};
+  Comment(FromPage, Document* document) : Node(NODE_COMMENT, document) {}
   Node* cloneSelf() const override;
   std::string_view rawView();
   TextStrings& strings() const;

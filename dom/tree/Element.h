@@ -44,9 +44,8 @@ class ZELDOM40_API Element : public Node {
   HTML40ElementID getElementID() const { return static_cast<HTML40ElementID>(elementID_); }
   void setElementID(HTML40ElementID id) { elementID_ = static_cast<std::int16_t>(id); }
   ElementType getElementType() const { return static_cast<ElementType>(elementType_); }
-  void setElementType(ElementType type) { elementType_ = static_cast<std::uint8_t>(type); }
+  void setElementType(ElementType type) { elementType_ = static_cast<std::uint8_t>(type) & 3; }
   // The tag name, upper case for elements of a page. Lives until setName.
-  std::string getTagName() { return getName(); }
   const std::string& getTagName() const { return getName(); }
   // The live list, made on first need; owned by the element. Null while there are no attributes.
   AttributeList* getAttributes() const;

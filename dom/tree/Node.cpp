@@ -317,7 +317,8 @@ Node* Node::getChildNode(int index) {
 
 // `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
 // the end that has no neighbour).
-Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef) {
+Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef,
+                            bool record) {
   // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
   // a node that would come to stand below itself.
   if (head->parent_ || head == parent) return head;
@@ -331,7 +332,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   };
   if (holdsParent(head)) return head;
 
-  if (parent->document_) parent->document_->recordChange(parent);
+  if (record && parent->document_) parent->document_->recordChange(parent);
 
   Node* end = head;
   while (end->next_ && !end->next_->parent_ && end->next_ != head && !holdsParent(end->next_)) end = end->next_;
@@ -384,34 +385,37 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
 
 Node* Node::insertLast(Node* newNode) {
   if (!newNode) return nullptr;
-  return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true);
+  return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true,
+                               /*record=*/true);
 }
 
 Node* Node::insertFirst(Node* newNode) {
   if (!newNode) return nullptr;
-  return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false);
+  return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false,
+                               /*record=*/true);
 }
 
 Node* Node::insertBefore(Node* newNode, Node* ref) {
   if (!newNode) return nullptr;
   if (!ref) return insertLast(newNode);
   if (ref->parent_ != this) return newNode;
-  return NodeAccess::insertRun(this, newNode, ref->prev_, ref, ref, /*behindRef=*/false);
+  return NodeAccess::insertRun(this, newNode, ref->prev_, ref, ref, /*behindRef=*/false,
+                               /*record=*/true);
 }
 
 Node* Node::insertAfter(Node* newNode, Node* ref) {
   if (!newNode) return nullptr;
   if (!ref) return insertFirst(newNode);
   if (ref->parent_ != this) return newNode;
-  return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true);
+  return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true,
+                               /*record=*/true);
 }
 
 void NodeAccess::append(Node* parent, Node* child) {
   if (parent->listIsTruth_ || child->firstChild_) {
-    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true);
+    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, /*record=*/false);
     return;
   }
-  if (parent->document_) parent->document_->recordChange(parent);
   if (Node* left = parent->lastChild_) {
     left->next_ = child;
     child->prev_ = left;

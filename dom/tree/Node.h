@@ -188,7 +188,7 @@ class ZELDOM40_API Node {
 
   enum : std::uint8_t { kViewable = 1, kAbsolute = 2 };
   void setViewBit(std::uint8_t bit, bool on) {
-    viewFlags_ = static_cast<std::uint8_t>(on ? viewFlags_ | bit : viewFlags_ & ~bit);
+    viewFlags_ = (on ? viewFlags_ | bit : viewFlags_ & ~bit) & 3;
   }
 
   // Members of derived classes that must go before the children do; called once, by the destruction of a subtree.

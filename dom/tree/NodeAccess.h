@@ -56,7 +56,7 @@ struct NodeAccess {
   }
 
   // --- building -----------------------------------------------------------------------------------------------------
-  // Appends a fresh, unattached node exactly as insertLast would, without undo record or run.
+  // Appends an unattached node with the flags of insertLast, without undo record.
   static void append(Node* parent, Node* child);
   // Detaches the children from `first` to `last` and returns them as a run: no record, no cursor, no flags.
   static Node* detachRange(Node* parent, Node* first, Node* last);
@@ -78,7 +78,7 @@ struct NodeAccess {
   static void setPrev(Node* node, Node* prev);
   static void link(Node* left, Node* right);
   static void trustList(Node* parent);
-  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef);
+  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool record);
   static void unlinkChild(Node* parent, Node* child);
   static void drain(Node* top);
 };

@@ -8,21 +8,26 @@
 
 namespace zeldom40 {
 
+class EntityTable;
+
 // Counted bytes. Raw tags and texts of untouched nodes are slices of it, so that opening and saving a page copies each
 // byte once in and once out.
 class PageBuffer {
  public:
-  static PageBuffer* create(std::string_view text) { return new PageBuffer(text); }
+  // `entities` are those of the page's document type; they outlive every document.
+  static PageBuffer* create(std::string_view text, const EntityTable* entities) { return new PageBuffer(text, entities); }
   void addRef() { ++count_; }
   void release() {
     if (--count_ == 0) delete this;
   }
   std::string_view text() const { return text_; }
+  const EntityTable* entities() const { return entities_; }
 
  private:
-  explicit PageBuffer(std::string_view text) : text_(text) {}
+  PageBuffer(std::string_view text, const EntityTable* entities) : text_(text), entities_(entities) {}
   ~PageBuffer() = default;
   std::string text_;
+  const EntityTable* entities_;
   std::size_t count_ = 1;
 };
 

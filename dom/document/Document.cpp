@@ -1,0 +1,143 @@
+// The frame of a page: its life, deleting and walking.
+#include "dom/document/Document.h"
+
+#include <vector>
+
+#include "dom/document/DOM.h"
+#include "dom/dtd/DocumentType.h"
+#include "dom/tree/Element.h"
+#include "dom/tree/NodeAccess.h"
+
+namespace zeldom40 {
+
+Document::Document() = default;
+
+Document::Document(const char* documentTypeName, DOM* dom)
+    : dom_(dom),
+      html_(documentTypeName && std::string_view(documentTypeName) == "HTML"),
+      documentType_(dom ? dom->getDocumentType() : nullptr) {}
+
+Document::~Document() {
+  deleteNodes(nullptr);
+  eraseSelections();
+  delete scratchElement_;
+  delete scratchText_;
+}
+
+Node* Document::getDocumentType() { return documentType_; }
+
+bool Document::isInTree(const Node* node) const {
+  if (!documentElement_) return false;
+  for (; node; node = node->getParentNode()) {
+    if (node == documentElement_) return true;
+  }
+  return false;
+}
+
+Node* Document::deleteNodes(Node* node) {
+  if (!node || node == documentElement_) {
+    node = documentElement_;
+    if (!node) return nullptr;
+    // The root is forgotten first: nothing that happens from here on is a change of the page.
+    documentElement_ = nullptr;
+    node->setUpdateFlag(UPDATE_REMOVED);
+    cursorNode_ = nullptr;
+    layoutOffset_ = sourceOffset_ = 0;
+    eraseSelections();
+    if (retainedCursorNode_) retainedCursorNode_->releaseRef(false);
+    retainedCursorNode_ = nullptr;
+  } else if (Node* parent = node->getParentNode()) {
+    recordChange(node);
+    adjustCursorOnDelete(node);
+    // Once is enough: the removal itself must not move the cursor again.
+    adjustCursors_ = false;
+    parent->removeChild(node);
+    adjustCursors_ = true;
+  } else {
+    forgetCursorInside(node);
+  }
+  for (Node* n = NodeAccess::nextInSubtree(node, node); n; n = NodeAccess::nextInSubtree(n, node)) {
+    n->setUpdateFlag(UPDATE_REMOVED);
+  }
+  node->releaseRef(true);
+  return nullptr;
+}
+
+// Nodes that left the tree with the cursor or a selection in them are about to die.
+void Document::forgetCursorInside(const Node* top) {
+  auto inside = [top](const Node* node) {
+    for (; node; node = node->getParentNode()) {
+      if (node == top) return true;
+    }
+    return false;
+  };
+  if (inside(cursorNode_)) {
+    cursorNode_ = nullptr;
+    layoutOffset_ = sourceOffset_ = 0;
+  }
+  for (auto it = selections_.begin(); it != selections_.end();) {
+    if (inside((*it)->startNode) || inside((*it)->endNode)) {
+      delete *it;
+      it = selections_.erase(it);
+    } else {
+      ++it;
+    }
+  }
+}
+
+void Document::clearUpdateFlag() {
+  if (documentElement_) documentElement_->clearUpdateFlag();
+  Node::clearUpdateFlag();
+}
+
+Node* Document::findNextNode(Node* node, Node* top, bool updatedOnly, bool skipChildren) {
+  if (!node) return nullptr;
+  auto firstCounting = [updatedOnly](Node* candidate) {
+    while (candidate && updatedOnly && candidate->getUpdateFlag() == 0) candidate = candidate->getNextSibling();
+    return candidate;
+  };
+  if (!skipChildren) {
+    if (Node* child = firstCounting(node->getFirstChild())) return child;
+  }
+  for (; node && node != top; node = node->getParentNode()) {
+    if (Node* sibling = firstCounting(node->getNextSibling())) return sibling;
+  }
+  return nullptr;
+}
+
+Node* Document::findClonedNode(Node* node, Node* sourceTop, Node* cloneTop) {
+  if (!node || !sourceTop || !cloneTop || node == sourceTop) return nullptr;
+  std::vector<std::size_t> indices;
+  for (const Node* n = node; n != sourceTop; n = n->getParentNode()) {
+    if (!n->getParentNode()) return nullptr;
+    std::size_t index = 0;
+    for (const Node* s = NodeAccess::childBefore(n); s; s = NodeAccess::childBefore(s)) ++index;
+    indices.push_back(index);
+  }
+  Node* found = cloneTop;
+  for (auto it = indices.rbegin(); it != indices.rend(); ++it) {
+    found = found->getFirstChild();
+    for (std::size_t i = 0; found && i < *it; ++i) found = found->getNextSibling();
+    if (!found) return nullptr;
+  }
+  return found;
+}
+
+// --- undo ------------------------------------------------------------------------------------------------------------
+
+// CHOICE: the state word is kept from the start, though no history exists yet that a snapshot would go to: the state of
+// the tree counts as saved until the next change is closed.
+void Document::record() {
+  if (recordFlags_ & (kRecordTaken | kRecordDisabled)) return;
+  if (recordFlags_ & kRecordSuspended) {
+    if (recordFlags_ & kRecordInGroup) return;
+    recordFlags_ |= kRecordInGroup;
+  }
+  recordFlags_ |= kRecordTaken;
+}
+
+void Document::enableRecord(bool enable) {
+  recordFlags_ = enable ? recordFlags_ & ~unsigned{kRecordDisabled} : recordFlags_ | kRecordDisabled;
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,183 @@
+// The cursor and the selections of a page, and how edits move them.
+#include "dom/document/Document.h"
+#include "dom/tree/NodeAccess.h"
+
+namespace zeldom40 {
+
+namespace {
+
+// The child of `ancestor` on the way down to `node`, null if `node` is not below it.
+Node* childToward(const Node* ancestor, Node* node) {
+  while (node && node->getParentNode() != ancestor) node = node->getParentNode();
+  return node;
+}
+
+}  // namespace
+
+// --- selections ------------------------------------------------------------------------------------------------------
+
+void Document::select(Node* a, unsigned aOffset, Node* b, unsigned bOffset, unsigned char append) {
+  if (!a || !b) return;
+  bool swapped = false;
+  if (a == b) {
+    swapped = aOffset > bOffset;
+  } else if (Node* towardB = childToward(a, b)) {
+    swapped = a->getChildIndex(towardB) < static_cast<int>(aOffset);
+  } else if (Node* towardA = childToward(b, a)) {
+    swapped = b->getChildIndex(towardA) >= static_cast<int>(bOffset);
+  } else {
+    swapped = compareNode(a, b) >= 1;
+  }
+  const _selection chosen = swapped ? _selection{b, bOffset, a, aOffset} : _selection{a, aOffset, b, bOffset};
+  if (!append && selections_.size() > 1) eraseSelections();
+  if (!append && selections_.size() == 1) {
+    *selections_.front() = chosen;
+  } else {
+    selections_.push_back(new _selection(chosen));
+  }
+  setUpdateFlag(UPDATE_SELECTION_CHANGED);
+}
+
+void Document::eraseSelections() {
+  for (_selection* selection : selections_) delete selection;
+  selections_.clear();
+  setUpdateFlag(UPDATE_SELECTION_CHANGED);
+}
+
+bool Document::isSelected(Node* node) {
+  if (selections_.empty() || !node) return false;
+  if (selections_.size() > 1) {
+    for (const _selection* selection : selections_) {
+      if (selection->startNode == node) return true;
+    }
+    return false;
+  }
+  const _selection& s = *selections_.front();
+  if (node == s.startNode || node == s.endNode) return true;
+  if (compareNode(s.startNode, node) > 0 || compareNode(s.endNode, node) < 0) return false;
+  for (Node* n = node; n->getParentNode(); n = n->getParentNode()) {
+    Node* parent = n->getParentNode();
+    if (parent == s.startNode && parent->getChildIndex(n) < static_cast<int>(s.startOffset)) return false;
+    if (parent == s.endNode && parent->getChildIndex(n) >= static_cast<int>(s.endOffset)) return false;
+  }
+  return true;
+}
+
+int Document::compareNode(Node* a, Node* b) { return compare(a, b); }
+
+// --- cursor ----------------------------------------------------------------------------------------------------------
+
+void Document::setLayoutCursor(Node* node, int offset) {
+  sourceOffset_ = -1;
+  if (node && isInTree(node)) {
+    if (node->getNodeType() == NODE_TEXT && static_cast<Text*>(node)->getTextType() == Text::TEXT_FORMATTING) {
+      Node* parent = node->getParentNode();
+      const int index = parent ? parent->getChildIndex(node) : -1;
+      if (index >= 0) {
+        node = parent;
+        offset = index;
+      }
+    }
+    cursorNode_ = node;
+    layoutOffset_ = offset;
+  }
+  if (!(recordFlags_ & kRecordSuspended)) recordFlags_ &= ~unsigned{kRecordInGroup};
+}
+
+void Document::getLayoutCursor(Node** node, int* offset) {
+  if (node) *node = cursorNode_;
+  if (offset) *offset = layoutOffset_ >= 0 ? layoutOffset_ : convertOffsetSource2Layout(cursorNode_, sourceOffset_);
+}
+
+void Document::setSourceCursor(Node* node, int offset) {
+  layoutOffset_ = -1;
+  cursorNode_ = node;
+  sourceOffset_ = offset;
+}
+
+void Document::getSourceCursor(Node** node, int* offset) {
+  if (node) *node = cursorNode_;
+  if (offset) *offset = sourceOffset_ >= 0 ? sourceOffset_ : convertOffsetLayout2Source(cursorNode_, layoutOffset_);
+}
+
+// --- adjustments -----------------------------------------------------------------------------------------------------
+
+// A child came or went at `index`: places behind it move along; a place right at it stays.
+void Document::shiftOffsets(Node* parent, int index, int by) {
+  if (parent == cursorNode_) {
+    if (layoutOffset_ >= 0 && layoutOffset_ > index) layoutOffset_ += by;
+    if (sourceOffset_ >= 0 && sourceOffset_ > index) sourceOffset_ += by;
+  }
+  if (selections_.size() != 1) return;
+  _selection& s = *selections_.front();
+  auto shift = [&](const Node* node, unsigned& offset) {
+    if (node == parent && static_cast<long>(offset) > index) offset = static_cast<unsigned>(static_cast<int>(offset) + by);
+  };
+  shift(s.startNode, s.startOffset);
+  shift(s.endNode, s.endOffset);
+}
+
+void Document::adjustCursorOnInsert(Node* node) {
+  if (!cursorCanMove(node) || !node->getParentNode()) return;
+  Node* parent = node->getParentNode();
+  const bool concerned = parent == cursorNode_ ||
+                         (selections_.size() == 1 && (parent == selections_.front()->startNode ||
+                                                      parent == selections_.front()->endNode));
+  if (concerned) shiftOffsets(parent, parent->getChildIndex(node), 1);
+}
+
+void Document::adjustCursorOnRemove(Node* node) {
+  if (!cursorCanMove(node) || !node->getParentNode()) return;
+  Node* parent = node->getParentNode();
+  const bool concerned = parent == cursorNode_ ||
+                         (selections_.size() == 1 && (parent == selections_.front()->startNode ||
+                                                      parent == selections_.front()->endNode));
+  if (concerned) shiftOffsets(parent, parent->getChildIndex(node), -1);
+  if (selections_.size() < 2) return;
+  for (auto it = selections_.begin(); it != selections_.end(); ++it) {
+    if ((*it)->startNode != node) continue;
+    delete *it;
+    selections_.erase(it);
+    return;
+  }
+}
+
+void Document::adjustCursorOnDelete(Node* node) {
+  if (!cursorCanMove(node)) return;
+  Node* parent = node->getParentNode();
+  const int index = parent ? parent->getChildIndex(node) : -1;
+  if (parent && parent == cursorNode_) {
+    if (layoutOffset_ >= 0 && layoutOffset_ > index) --layoutOffset_;
+    if (sourceOffset_ >= 0 && sourceOffset_ > index) --sourceOffset_;
+  } else if (parent && (node == cursorNode_ || (node->hasChildNodes() && cursorNode_->isOffspringOf(node)))) {
+    cursorNode_ = parent;
+    if (layoutOffset_ >= 0) layoutOffset_ = index;
+    if (sourceOffset_ >= 0) sourceOffset_ = index;
+  }
+  if (selections_.size() == 1) {
+    _selection& s = *selections_.front();
+    auto adjust = [&](Node*& end, unsigned& offset) {
+      if (parent && end == parent) {
+        if (static_cast<long>(offset) > index) --offset;
+      } else if (parent && end == node) {
+        end = parent;
+        offset = static_cast<unsigned>(index);
+      } else if (parent && end && end->isOffspringOf(node)) {
+        // CHOICE: an end deeper inside would be left on a dead node; it goes where the node's own would.
+        end = parent;
+        offset = static_cast<unsigned>(index);
+      }
+    };
+    adjust(s.startNode, s.startOffset);
+    adjust(s.endNode, s.endOffset);
+  } else {
+    for (auto it = selections_.begin(); it != selections_.end(); ++it) {
+      if ((*it)->startNode != node) continue;
+      delete *it;
+      selections_.erase(it);
+      return;
+    }
+  }
+}
+
+}  // namespace zeldom40

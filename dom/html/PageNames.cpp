@@ -1,0 +1,84 @@
+// Look-up of tag names by their bytes.
+#include "dom/html/PageNames.h"
+
+#include <string>
+
+#include "dom/document/NameLookup.h"
+#include "dom/dtd/DTDFrame.h"
+#include "dom/source/CharHelpers.h"
+
+namespace zeldom40 {
+
+namespace {
+
+constexpr char fold(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+std::uint32_t hashFolded(std::string_view text) {
+  std::uint32_t hash = 2166136261u;
+  for (char c : text) hash = (hash ^ static_cast<unsigned char>(fold(c))) * 16777619u;
+  return hash ^ (hash >> 15);
+}
+
+bool equalsFolded(std::string_view asWritten, std::string_view upper) {
+  if (asWritten.size() != upper.size()) return false;
+  for (std::size_t i = 0; i < upper.size(); ++i) {
+    if (fold(asWritten[i]) != upper[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+PageNames::PageNames(ParserType::_dtd_frame* frame) : frame_(frame), slots_(256, nullptr) {}
+
+PageName& PageNames::find(std::string_view asWritten) {
+  const std::uint32_t hash = hashFolded(asWritten);
+  const std::size_t mask = slots_.size() - 1;
+  for (std::size_t i = hash & mask; slots_[i]; i = (i + 1) & mask) {
+    PageName& entry = *slots_[i];
+    if (entry.hash != hash || !equalsFolded(asWritten, entry.name.view())) continue;
+    if (entry.generation != generation_) lookUp(entry);
+    return entry;
+  }
+  return add(asWritten, hash);
+}
+
+PageName& PageNames::add(std::string_view asWritten, std::uint32_t hash) {
+  if (entries_.size() * 2 >= slots_.size()) grow();
+  std::string upper(asWritten);
+  upperCase(upper);
+  PageName& entry = entries_.emplace_back();
+  entry.name = SharedName(upper);
+  entry.hash = hash;
+  lookUp(entry);
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t i = hash & mask;
+  while (slots_[i]) i = (i + 1) & mask;
+  slots_[i] = &entry;
+  return entry;
+}
+
+void PageNames::lookUp(PageName& entry) {
+  entry.generation = generation_;
+  entry.barredTo = -1;
+  if (!frame_) return;
+  ElementDefinition* definition = frame_->elements->find(entry.name.view());
+  if (definition) entry.name = definition->upperName();
+  entry.definition = definition && isVisibleDefinition(*definition) ? definition : nullptr;
+  entry.tableId = frame_->names.find(entry.name.view());
+}
+
+void PageNames::grow() {
+  std::vector<PageName*> larger(slots_.size() * 2, nullptr);
+  const std::size_t mask = larger.size() - 1;
+  for (PageName& entry : entries_) {
+    std::size_t i = entry.hash & mask;
+    while (larger[i]) i = (i + 1) & mask;
+    larger[i] = &entry;
+  }
+  slots_.swap(larger);
+}
+
+void PageNames::declarationsChanged() { ++generation_; }
+
+}  // namespace zeldom40

@@ -1,0 +1,207 @@
+// Internal. The state of one page parse, shared by the files that read its parts.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "dom/dtd/DTDFrame.h"
+#include "dom/html/HTMLLexer.h"
+#include "dom/html/PageNames.h"
+#include "dom/source/PlainText.h"
+#include "dom/tree/AttributeBlock.h"
+#include "dom/tree/Element.h"
+#include "dom/tree/Node.h"
+#include "dom/tree/PageBuffer.h"
+#include "dom/tree/Text.h"
+
+namespace zeldom40 {
+
+class Document;
+
+// The open nodes that a second parser may work on.
+struct ParserType::_html_parser_frame {
+  _dtd_frame* dtdFrame;
+  std::vector<Node*>* openNodes;
+};
+
+// The main loop runs over tokens and hands each "<" to the reader of what stands behind it:
+//   PageParser.cpp    main loop, end of input
+//   TextCollector.cpp running text
+//   TagReader.cpp     begin tags, end tags, CDATA content, instructions, sections
+//   Placement.cpp     open nodes, what may stand where, implied elements
+//   Declaration.cpp   document type declarations
+//   ServerContent.cpp comments and server tags
+class PageParser {
+ public:
+  PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vector<Node*>* sharedStack, Document* document);
+  PageParser(const PageParser&) = delete;
+  PageParser& operator=(const PageParser&) = delete;
+
+  int parse(LexerType::LexToken stop);
+  void setLenient(bool lenient) { lenient_ = lenient; }
+  void pushNode(Node* node);
+
+ private:
+  using Token = LexerType::LexToken;
+  static constexpr std::uint32_t NO_POSITION = LexRecord::NO_POSITION;
+  using Path = std::vector<const SharedName*>;
+
+  // How an open node answers what it can contain.
+  enum class Answers {
+    BY_MODEL,   // by its definition and the exceptions of all elements around it
+    ALIKE,      // undefined: the same for everybody
+    AS_OWNER,   // transparent: as the nearest open element that is not
+    BY_ITSELF,  // a target that is no ordinary element: the node is asked
+  };
+
+  // An open node; the tree parent of each is the one below it.
+  struct Open {
+    Answers answers = Answers::BY_ITSELF;
+    bool alikeAnswer = false;
+    bool endOmittable = false;
+    bool isElement = false;
+    bool isLoop = false;
+    int owner = 0;                    // AS_OWNER: whom to ask
+    int previousOfName = -1;          // the next open node below that has the same name
+    int tableBarrier = -1;            // nearest open table from here down that an item's end tag cannot cross
+    std::uint32_t time = 0;           // when it was opened
+    PageName* name = nullptr;
+    const ElementDefinition* definition = nullptr;
+    const ContentTable::OpenSets* sets = nullptr;
+    Node* passed = nullptr;           // loop: last child that a search for content has passed over
+  };
+
+  // What is to be placed.
+  struct Subject {
+    Node* node = nullptr;
+    const ElementDefinition* definition = nullptr;
+    int tableId = -1;
+    bool isText = false;
+    int textType = Text::TEXT_NORMAL;
+  };
+
+  // --- tokens (PageParser.cpp) --------------------------------------------------------------------------------------
+  LexRecord take() {
+    const LexRecord token = lexer_.nextToken();
+    textStart_ = lastEnd_;
+    lastEnd_ = token.kind == LexerType::LEX_EOF || token.end == NO_POSITION ? lexer_.length() : token.end;
+    return token;
+  }
+  void unget(const LexRecord& token) {
+    if (token.kind != LexerType::LEX_EOF) lastEnd_ = token.start;
+    lexer_.ungetToken(token);
+  }
+  Token peek(std::size_t n = 0) { return lexer_.peekToken(n).kind; }
+  std::uint32_t endOf(const LexRecord& token) const { return token.end == NO_POSITION ? lexer_.length() : token.end; }
+  Slice sliceOf(std::uint32_t start, std::uint32_t end) const { return {start, end > start ? end - start : 0}; }
+  // Takes tokens from `first` on until one of the stop kinds or the end; the stop token goes back unless `keepStop`.
+  // Returns the source from the start of `first` to the start of the stop token (to its end with `keepStop`).
+  Slice collectUntil(const LexRecord& first, Token stop1, Token stop2, Token stop3, bool keepStop = false);
+  std::uint32_t nextStop(std::uint32_t from, Token stop1, Token stop3) const;
+  bool dispatch();
+  void closeAll();
+
+  // Unknown elements take no content: what one holds moves out behind it as it is closed. A run of them is gathered and
+  // put in place where it ends; moved one by one, the innermost nodes would move once a level.
+  class Hoister {
+   public:
+    // `node` is being closed; its last child may be the node closed before it.
+    void close(Node* node, bool hoist);
+
+   private:
+    std::vector<Node*> runs_;  // innermost first
+  };
+  static bool isUnknown(const Node* node);
+
+  // --- running text (TextCollector.cpp) -----------------------------------------------------------------------------
+  void readTextRun();
+  void addToText(const LexRecord& token);
+  void addPiece(const LexRecord& token);
+  void beginText(std::uint32_t start);
+  void flushText();
+
+  // --- tags (TagReader.cpp) -----------------------------------------------------------------------------------------
+  void readBeginTag();
+  void commitAttribute();
+  void readCDATAContent(const PageName& name, std::uint32_t start);
+  void readEndTag();
+  int findOpen(const PageName& name, bool omittable) const;
+  void addStrayEndTag(const PageName& name, Slice raw);
+  void readCDATASection();
+  void readProcessingInstruction();
+
+  // --- declarations, server content ---------------------------------------------------------------------------------
+  void readDeclaration();
+  void readSubset(Slice subset);
+  void readServerTag();
+  void readComment(bool server);
+  void setAttributesFromText(Element* element, std::uint32_t from, std::uint32_t to);
+
+  // --- placing (Placement.cpp) --------------------------------------------------------------------------------------
+  void push(Node* node, PageName* name);
+  void pop();
+  PageName* nameOf(Node* node);
+  void describe(Open& open, Node* node, int index);
+  int top() const { return static_cast<int>(open_.size()) - 1; }
+  Node* topNode() const { return nodes_->back(); }
+  Element* openElement(int index) const;
+  Element* createElement(PageName& name);
+  bool fits(int index, const Subject& subject, const Path*& implied);
+  int findAdopter(int from, const Subject& subject, PageName& name, const Path*& implied);
+  void declarationsChanged();
+  void placeElement(Element* element, PageName& name, bool selfClosed);
+  void placeWithImplied(Node* node, PageName* name, const Path& implied, bool selfClosed);
+  void placeMisfit(Element* element, PageName& name, bool selfClosed);
+  void reopenChain(Node* chain, const Element* last, bool selfClosed);
+  bool hasContentBeside(int index, const Node* chain);
+  void insertLast(Node* node);
+  void append(Node* parent, Node* node);
+
+  HTMLLexer& lexer_;
+  ParserType::_dtd_frame* frame_;
+  ContentTable* table_;
+  Document* document_;
+  bool lenient_ = false;
+  PageNames names_;
+  std::vector<Node*> ownStack_;
+  std::vector<Node*>* nodes_;
+  std::vector<Open> open_;
+  std::uint32_t time_ = 0;
+  Path ownPath_;
+  int subsets_ = 0;
+  bool recorded_ = false;  // an undo record was taken, or none is due
+  SharedName textName_;
+  SharedName commentName_;
+  std::uint32_t lastEnd_ = 0;    // where the token taken last ended
+  std::uint32_t textStart_ = 0;  // and the one before it: bytes that a record leaves out belong to a text that begins
+
+  // The pending text: its source range, and its plain form where that does not follow from the range alone.
+  bool pending_ = false;
+  bool pendingAllSpace_ = false;
+  bool pendingOwnForm_ = false;
+  TextContext pendingContext_;
+  std::uint32_t rawStart_ = 0;
+  std::uint32_t rawEnd_ = 0;
+  std::string pendingText_;
+  bool lastWasSpace_ = false;   // the last token of text was white space
+  bool trailingSpace_ = false;  // the text placed last ended in white space
+  bool afterBreak_ = false;     // a block began or ended: leading white space shows nothing
+  int preDepth_ = 0;
+
+  // The attribute that is being read, and those of the tag so far.
+  bool attributePending_ = false;
+  AttributeBlock::Entry attribute_{};
+  std::vector<AttributeBlock::Entry> attributes_;
+  std::unordered_map<std::string_view, std::size_t> attributeNames_;  // filled for tags with many
+  std::string scratch_;
+  const ElementDefinition* tagDefinition_ = nullptr;
+  bool attributeError_ = false;
+  bool hiddenInput_ = false;
+
+  std::vector<Node*> remembered_;
+};
+
+}  // namespace zeldom40

@@ -1,0 +1,128 @@
+// Server tags, comments and server-side includes. None of these nodes is ever opened or tested against a content model.
+#include <algorithm>
+
+#include "dom/document/Document.h"
+#include "dom/html/AttributeScanner.h"
+#include "dom/html/PageParser.h"
+#include "dom/source/CharHelpers.h"
+#include "dom/tree/ElementAccess.h"
+#include "dom/tree/TextAccess.h"
+
+namespace zeldom40 {
+
+namespace {
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
+  return text.size() == lower.size() && std::equal(text.begin(), text.end(), lower.begin(), [](char a, char b) {
+           return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b;
+         });
+}
+
+}  // namespace
+
+void PageParser::readServerTag() {
+  const std::uint32_t start = take().start;
+  take();
+  const std::uint32_t end = endOf(take());
+  const std::string_view text = lexer_.text();
+  const std::string_view raw = text.substr(start, end - start);
+
+  // The attributes of a directive end before the closing "%>".
+  std::uint32_t limit = end;
+  if (limit > start && text[limit - 1] == '>') --limit;
+  if (limit > start && text[limit - 1] == '%') --limit;
+  std::uint32_t attributesFrom = limit;
+
+  int id = ID_JSP_SCRIPTLET;
+  if (raw.size() > 2) {
+    if (raw[2] == '!') id = ID_JSP_DECLARATION;
+    if (raw[2] == '=') id = ID_JSP_EXPRESSION;
+    if (raw[2] == '@') {
+      id = ID_JSP_DIRECTIVE;
+      attributesFrom = std::min(start + 3, limit);
+      std::size_t position = attributesFrom;
+      ScannedAttribute word;
+      if (scanAttribute(text, limit, position, word) && word.value.empty()) {
+        if (equalsIgnoringCase(word.name, "page")) id = ID_JSP_DIRECTIVE_PAGE;
+        if (equalsIgnoringCase(word.name, "include")) id = ID_JSP_DIRECTIVE_INCLUDE;
+        if (equalsIgnoringCase(word.name, "taglib")) id = ID_JSP_DIRECTIVE_TAGLIB;
+        if (id != ID_JSP_DIRECTIVE) attributesFrom = static_cast<std::uint32_t>(position);
+        if (!GetHTML40ElementName(id)) id = ID_JSP_DIRECTIVE;
+      }
+    }
+  }
+  if (!GetHTML40ElementName(id)) id = ID_JSP_SCRIPTLET;
+  const char* idName = GetHTML40ElementName(id);
+  PageName& name = names_.find(idName ? idName : "jsp:scriptlet");
+
+  Element* element = createElement(name);
+  element->setElementID(static_cast<HTML40ElementID>(id));
+  ElementAccess::installBeginTag(element, lexer_.page(), sliceOf(start, end));
+  setAttributesFromText(element, attributesFrom, limit);
+  insertLast(element);
+}
+
+// Names and values in the source from `from` up to `to`, as Element::setAttribute would store them.
+void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std::uint32_t to) {
+  const std::string_view text = lexer_.text();
+  const ElementDefinition* definition = element->getElementDefinition();
+  attributes_.clear();
+  attributeNames_.clear();
+  std::size_t position = from;
+  ScannedAttribute found;
+  auto sliceOfView = [&](std::string_view part) {
+    return part.empty() ? Slice{} : Slice{static_cast<std::uint32_t>(part.data() - text.data()),
+                                          static_cast<std::uint32_t>(part.size())};
+  };
+  while (scanAttribute(text, to, position, found)) {
+    if (found.name.empty()) continue;
+    AttributeBlock::Entry entry{nullptr, sliceOfView(found.name), sliceOfView(found.value), 0};
+    if (definition && definition->getAttributes()) {
+      scratch_.assign(found.name);
+      upperCase(scratch_);
+      entry.definition = definition->findAttribute(scratch_);
+    }
+    if (definition && !entry.definition) entry.error = static_cast<std::uint32_t>(ERR_ATTR_INVALID_NAME);
+    const std::string_view stored = entry.definition ? entry.definition->upperName().view() : found.name;
+    const auto [present, isNew] = attributeNames_.emplace(stored, attributes_.size());
+    // The last of a name counts, at the place of the first.
+    if (isNew) {
+      attributes_.push_back(entry);
+    } else {
+      attributes_[present->second] = entry;
+    }
+  }
+  if (attributes_.empty()) return;
+  ElementAccess::installAttributes(element,
+                                   AttributeBlock::create(lexer_.page(), attributes_.data(), attributes_.size()));
+  element->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
+}
+
+void PageParser::readComment(bool server) {
+  const std::uint32_t start = take().start;
+  const LexRecord token = take();
+  const Slice body = sliceOf(token.start, endOf(token));
+  const std::uint32_t end = endOf(take());
+  const Slice raw = sliceOf(start, end);
+
+  // A begin comment of a metadata pair is an ordinary comment as yet: its pair is recognised here, before the include.
+
+  const std::string_view text = body.in(lexer_.page());
+  const std::size_t word = server ? std::string_view::npos : text.find_first_not_of('-');
+  constexpr std::string_view kInclude = "#include";
+  if (word != std::string_view::npos && equalsIgnoringCase(text.substr(word, kInclude.size()), kInclude) &&
+      isWhite(text, word + kInclude.size())) {
+    const char* idName = GetHTML40ElementName(ID_SSI_INCLUDE);
+    Element* element = createElement(names_.find(idName ? idName : "ssi:include"));
+    element->setElementID(ID_SSI_INCLUDE);
+    ElementAccess::installBeginTag(element, lexer_.page(), raw);
+    std::uint32_t limit = body.offset + body.length;
+    while (limit > body.offset && lexer_.text()[limit - 1] == '-') --limit;
+    setAttributesFromText(element, body.offset + static_cast<std::uint32_t>(word + kInclude.size()), limit);
+    insertLast(element);
+    return;
+  }
+  insertLast(CommentAccess::create(document_, commentName_, lexer_.page(), raw, body, server));
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,142 @@
+// Running text of a page: which stretch becomes a text node, and where it goes.
+#include "dom/document/Document.h"
+#include "dom/dtd/DTDFrame.h"
+#include "dom/html/PageParser.h"
+#include "dom/source/CharHelpers.h"
+#include "dom/source/MarkedText.h"
+#include "dom/tree/TextAccess.h"
+
+namespace zeldom40 {
+
+namespace {
+
+const LexerType::LexToken kOddTokens[] = {LexerType::LEX_COMMENT,        LexerType::LEX_SERVER_COMMENT,
+                                          LexerType::LEX_SERVER_TAG,     LexerType::LEX_PROCESSING,
+                                          LexerType::LEX_CDATA_SECTION,  LexerType::LEX_DOCTYPE};
+
+// Tokens that reach running text only behind a declaration that gave up: their text is not what their source assembles
+// to.
+bool isOdd(const LexRecord& token) {
+  for (const LexerType::LexToken kind : kOddTokens) {
+    if (token.kind == kind) return true;
+  }
+  return token.kind == LexerType::LEX_TAG_CLOSE && token.length == 0;
+}
+
+}  // namespace
+
+void PageParser::beginText(std::uint32_t start) {
+  pending_ = true;
+  pendingAllSpace_ = true;
+  pendingOwnForm_ = false;
+  pendingContext_ = {trailingSpace_ || afterBreak_, preDepth_ > 0};
+  rawStart_ = rawEnd_ = start;
+}
+
+// Takes all text up to the next "<" that opens something, in one go.
+void PageParser::readTextRun() {
+  const std::string_view text = lexer_.text();
+  const std::uint32_t start = lexer_.position();
+  std::size_t end = start;
+  while (true) {
+    end = text.find('<', end);
+    if (end == std::string_view::npos) {
+      end = text.size();
+      break;
+    }
+    const char behind = end + 1 < text.size() ? text[end + 1] : '\0';
+    if (!isSpaceByte(behind) && !(behind > '0' && behind < '9')) break;
+    ++end;
+  }
+  if (end <= start) return;
+  const auto stop = static_cast<std::uint32_t>(end);
+  if (!pending_) beginText(start);
+  const std::string_view run = text.substr(start, stop - start);
+  if (pendingAllSpace_) pendingAllSpace_ = isAllSpace(run);
+  if (pendingOwnForm_) {
+    pendingText_ += assemblePlainText(run, {lastWasSpace_, preDepth_ > 0}, FrameTables::entities(frame_));
+  }
+  rawEnd_ = stop;
+  lastWasSpace_ = isSpaceByte(run.back());
+  afterBreak_ = false;
+  lexer_.skipTo(stop);
+  lastEnd_ = stop;
+}
+
+void PageParser::addToText(const LexRecord& token) {
+  if (!pending_) beginText(textStart_);
+  if (!pendingOwnForm_ && isOdd(token)) {
+    pendingText_ = assemblePlainText(sliceOf(rawStart_, rawEnd_).in(lexer_.page()), pendingContext_, FrameTables::entities(frame_));
+    pendingOwnForm_ = true;
+  }
+  const bool isSpace = token.kind == LexerType::LEX_SPACE;
+  if (!isSpace) pendingAllSpace_ = false;
+  if (pendingOwnForm_) addPiece(token);
+  rawEnd_ = endOf(token);
+  lastWasSpace_ = isSpace;
+  afterBreak_ = false;
+}
+
+// What a token adds to a plain form that is assembled by itself.
+void PageParser::addPiece(const LexRecord& token) {
+  const std::string_view text = lexer_.slice(token);
+  switch (token.kind) {
+    case LexerType::LEX_TAG_OPEN:
+    case LexerType::LEX_TAG_CLOSE:
+    case LexerType::LEX_AMPERSAND:
+    case LexerType::LEX_QUOTE:
+      if (text.empty()) break;  // a lone mark would swallow the byte behind it
+      pendingText_ += kPairMark;
+      pendingText_ += text;
+      break;
+    case LexerType::LEX_ENTITY_REF:
+      pendingText_ += reinterpret_cast<const GeneralEntityRecord*>(static_cast<std::uintptr_t>(token.value))->text;
+      break;
+    case LexerType::LEX_CHAR_REF:
+      appendMarkedCode(static_cast<unsigned>(token.value), pendingText_);
+      break;
+    case LexerType::LEX_SPACE: {
+      const bool atStart = rawEnd_ <= rawStart_;
+      if (preDepth_ > 0) {
+        pendingText_ += text;
+      } else if (!(atStart ? pendingContext_.dropLeading : lastWasSpace_)) {
+        pendingText_ += ' ';
+      }
+      break;
+    }
+    default:
+      pendingText_ += text;
+      break;
+  }
+}
+
+void PageParser::flushText() {
+  if (!pending_) return;
+  pending_ = false;
+  const Slice raw = sliceOf(rawStart_, rawEnd_);
+  Text* text = pendingOwnForm_
+                   ? TextAccess::createPlain(document_, textName_, lexer_.page(), raw, std::move(pendingText_))
+                   : TextAccess::createAssembled(document_, textName_, lexer_.page(), raw, pendingContext_);
+  pendingText_.clear();
+  Subject subject;
+  subject.node = text;
+  subject.isText = true;
+  const Path* implied = nullptr;
+  const bool fitting = fits(top(), subject, implied);
+  if (fitting && !(pendingAllSpace_ && !implied->empty())) {
+    placeWithImplied(text, nullptr, *implied, /*selfClosed=*/false);
+    trailingSpace_ = lastWasSpace_;
+  } else {
+    // White space must not bring an element about.
+    if (pendingAllSpace_) {
+      text->setTextType(Text::TEXT_FORMATTING);
+    } else {
+      text->setError(ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
+    }
+    insertLast(text);
+  }
+  rawStart_ = rawEnd_ = 0;
+  afterBreak_ = false;
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,44 @@
+// Internal. From the tree to source text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "dom/document/Document.h"
+
+namespace zeldom40 {
+
+// Collects pieces into one string. Neighbouring slices of a page are joined before they are copied, so that a clean
+// stretch of a page is one copy.
+class SliceJoiner {
+ public:
+  explicit SliceJoiner(std::string& out) : out_(out) {}
+  ~SliceJoiner() { flush(); }
+  SliceJoiner(const SliceJoiner&) = delete;
+  SliceJoiner& operator=(const SliceJoiner&) = delete;
+
+  void append(std::string_view piece) {
+    if (piece.empty()) return;
+    if (piece.data() == pending_.data() + pending_.size()) {
+      pending_ = std::string_view(pending_.data(), pending_.size() + piece.size());
+      return;
+    }
+    flush();
+    pending_ = piece;
+  }
+  // Must come before a piece that was appended may change.
+  void flush() {
+    out_.append(pending_);
+    pending_ = std::string_view(out_.data(), 0);
+  }
+
+ private:
+  std::string& out_;
+  std::string_view pending_;
+};
+
+// Appends the source of `node` to `out`: the stored raw texts in tree order. Dirty nodes rebuild theirs as they are
+// asked, so that a second write of the same tree rebuilds nothing.
+void writeNode(Node* node, Document::SourceMode mode, std::string& out);
+
+}  // namespace zeldom40

@@ -1,0 +1,89 @@
+// Values, quotes and the owner's notice of an attribute.
+#include "dom/tree/Attribute.h"
+
+#include "dom/document/DocumentAccess.h"
+#include "dom/dtd/DocumentType.h"
+#include "dom/dtd/FrameTables.h"
+#include "dom/source/CodeConv.h"
+#include "dom/source/MarkedText.h"
+#include "dom/tree/Element.h"
+
+namespace zeldom40 {
+
+Attribute::Attribute(const std::string& name, const std::string& value, Element* owner)
+    : document_(owner ? owner->getDocument() : nullptr), name_(name), owner_(owner) {
+  takeValue(value);
+}
+
+Attribute::Attribute(const std::string& name, const std::string& value, Document* document)
+    : document_(document), name_(name) {
+  takeValue(value);
+}
+
+Attribute::Attribute(const Attribute& other)
+    : document_(other.document_),
+      name_(other.name_),
+      definition_(other.definition_),
+      value_(other.value_),
+      parsedValue_(other.parsedValue_),
+      quote_(other.quote_),
+      specified_(other.specified_),
+      error_(other.error_),
+      type_(other.type_) {}
+
+// The quote that can hold the value; where neither can, the double quotes in it become references.
+void Attribute::takeValue(const std::string& value) {
+  value_ = value;
+  if (value_.empty()) {
+    quote_ = 0;
+  } else if (value_.find('"') == std::string::npos) {
+    quote_ = '"';
+  } else if (value_.find('\'') == std::string::npos) {
+    quote_ = '\'';
+  } else {
+    quote_ = '"';
+    std::string safe;
+    for (char c : value_) {
+      if (c == '"') {
+        safe += "&quot;";
+      } else {
+        safe += c;
+      }
+    }
+    value_ = std::move(safe);
+  }
+}
+
+void Attribute::touchOwner() {
+  if (owner_ && owner_->getDocument()) DocumentAccess::recordChange(owner_->getDocument(), owner_);
+}
+
+void Attribute::setName(const char* name) { setName(std::string(name ? name : "")); }
+
+void Attribute::setName(const std::string& name) {
+  touchOwner();
+  name_ = name;
+  if (owner_) owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
+}
+
+void Attribute::setValue(const char* value) { setValue(std::string(value ? value : "")); }
+
+void Attribute::setValue(const std::string& value) {
+  touchOwner();
+  takeValue(value);
+  if (owner_) owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
+}
+
+const char* Attribute::getParsedValue(bool plain) const {
+  parsedValue_ = value_;
+  if (parsedValue_.empty()) return parsedValue_.c_str();
+  if (plain) {
+    unescapeMarkup(parsedValue_, FrameTables::entitiesOfCurrentDOM(), CodeConv::GetCodepage());
+  } else if (document_ && document_->getDocumentTypeObject()) {
+    expandReferences(parsedValue_, 0, static_cast<int>(parsedValue_.size()),
+                     FrameTables::entities(document_->getDocumentTypeObject()));
+  }
+  return parsedValue_.c_str();
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,122 @@
+// The two forms of a comment.
+#include "dom/tree/Comment.h"
+
+#include "dom/document/DOMAccess.h"
+#include "dom/document/DocumentAccess.h"
+#include "dom/tree/NodeAccess.h"
+#include "dom/tree/TextAccess.h"
+
+namespace zeldom40 {
+
+Comment::Comment(const std::string& data, Document* document) : Node(NODE_COMMENT, document) {
+  NodeAccess::setName(this, DOMAccess::commentName());
+  strings().data = data;
+  strings().hasData = true;
+  setUpdateFlag(UPDATE_CREATED);
+}
+
+Comment::Comment(const char* data, Document* document) : Comment(std::string(data ? data : ""), document) {}
+
+Comment::Comment(const Comment& other)
+    : Node(other),
+      rawDirty_(other.rawDirty_),
+      jsp_(other.jsp_),
+      page_(other.page_),
+      raw_(other.raw_),
+      body_(other.body_),
+      strings_(other.strings_ ? new TextStrings(*other.strings_) : nullptr) {
+  setUpdateFlag(UPDATE_CREATED);
+}
+
+Comment::~Comment() { delete strings_; }
+
+Node* Comment::cloneSelf() const { return new Comment(*this); }
+
+TextStrings& Comment::strings() const {
+  if (!strings_) strings_ = new TextStrings;
+  return *strings_;
+}
+
+Comment* CommentAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
+                               bool jsp) {
+  auto* comment = new Comment(Comment::FromPage{}, document);
+  NodeAccess::setName(comment, name);
+  comment->page_ = page;
+  comment->raw_ = raw;
+  comment->body_ = body;
+  comment->jsp_ = jsp;
+  comment->rawDirty_ = false;
+  comment->setUpdateFlag(Node::UPDATE_CREATED);
+  return comment;
+}
+
+const std::string& Comment::getData() const {
+  TextStrings& s = strings();
+  if (!s.hasData) {
+    s.data = body_.in(page_);
+    s.hasData = true;
+  }
+  return s.data;
+}
+
+void Comment::setData(const char* data) { setData(std::string(data ? data : "")); }
+
+void Comment::setData(const std::string& data) {
+  if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  strings().data = data;
+  strings().hasData = true;
+  rawDirty_ = true;
+}
+
+std::string_view Comment::rawView() {
+  if (rawDirty_) {
+    const std::string& data = getData();
+    TextStrings& s = strings();
+    s.raw = jsp_ ? "<%" + data + "%>" : "<!" + data + ">";
+    s.hasRaw = s.rawOwn = true;
+    rawDirty_ = false;
+  }
+  return strings_ && strings_->rawOwn ? std::string_view(strings_->raw) : raw_.in(page_);
+}
+
+const char* Comment::getRawData() { return getRawString().c_str(); }
+
+const std::string& Comment::getRawString() {
+  const std::string_view raw = rawView();
+  TextStrings& s = strings();
+  if (!s.hasRaw) {
+    s.raw = raw;
+    s.hasRaw = true;
+  }
+  return s.raw;
+}
+
+void Comment::setRawData(const char* text) {
+  if (text) setRawData(std::string(text));
+}
+
+void Comment::setRawData(const std::string& text) {
+  const std::string_view opener = jsp_ ? "<%" : "<!";
+  const std::string_view closer = jsp_ ? "%>" : ">";
+  const std::string_view view = text;
+  if (view.size() < opener.size() + closer.size() || view.substr(0, 2) != opener ||
+      view.substr(view.size() - closer.size()) != closer) {
+    return;
+  }
+  if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  TextStrings& s = strings();
+  s.raw = text;
+  s.data = view.substr(2, view.size() - 2 - closer.size());
+  s.hasData = s.hasRaw = s.rawOwn = true;
+  rawDirty_ = false;
+}
+
+void Comment::setJSP(bool jsp) {
+  if (jsp == jsp_) return;
+  jsp_ = jsp;
+  // The data must outlive the slices, which show the other form.
+  getData();
+  rawDirty_ = true;
+}
+
+}  // namespace zeldom40

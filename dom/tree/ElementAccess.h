@@ -1,0 +1,58 @@
+// Internal. What the parser, the writer and the repair do to an element beyond its public interface.
+#pragma once
+
+#include <string_view>
+
+#include "dom/tree/AttributeBlock.h"
+#include "dom/tree/Element.h"
+#include "dom/tree/PageBuffer.h"
+
+namespace zeldom40 {
+
+// Texts that an element holds itself because an edit made them, or because a host asked for a string.
+struct ElementExtra {
+  std::string begin;
+  std::string end;
+  std::string scriptData;
+  bool beginOwn = false;  // `begin` is the tag; else it is a copy of the slice, if beginCopied
+  bool endOwn = false;
+  bool beginCopied = false;
+  bool endCopied = false;
+  MetaData* metaData = nullptr;
+};
+
+struct ElementAccess {
+  // An element that shares its name, count 0, no flags but UPDATE_CREATED.
+  static Element* create(Document* document, const SharedName& name);
+  // Definition, element type 3 and identifier; takes one reference on the definition, which nothing gives back: the
+  // DTD outlives its documents. Null makes the element undefined.
+  static void bind(Element* element, ElementDefinition* definition);
+  // The parser's raw tags: exact slices of the page, not dirty.
+  static void installBeginTag(Element* element, const PageRef& page, Slice tag);
+  static void installEndTag(Element* element, const PageRef& page, Slice tag);
+  // Takes over one reference of the block.
+  static void installAttributes(Element* element, AttributeBlock* block);
+  static const AttributeBlock* block(const Element* element) {
+    return element->attributesInBlock_ ? element->attributes_.block : nullptr;
+  }
+  // The parser is through with the element: its raw tags belong to the content it has now.
+  static void noteContent(Element* element) { element->contentAtTag_ = element->hasChildNodes(); }
+  // Source text, rebuilt if dirty; lives until the element changes.
+  static std::string_view rawBeginTag(Element* element) {
+    element->refreshBeginTag();
+    return element->beginView();
+  }
+  static std::string_view rawEndTag(Element* element) {
+    element->refreshEndTag();
+    return element->endView();
+  }
+  static bool isBeginTagDirty(const Element* element) { return element->beginTagDirty_; }
+  static void setTagsClean(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = false; }
+  static void markTagsDirty(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = true; }
+  // Ors the attributes' errors together and shows the result as ERR_ELEMENT_INVALID_ATTR on the element. A tag that
+  // will be rebuilt loses its repeated attributes, so that error is dropped from them first.
+  static unsigned long gatherAttributeErrors(Element* element);
+  static bool hasAttribute(const Element* element, std::string_view name);
+};
+
+}  // namespace zeldom40

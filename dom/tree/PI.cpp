@@ -1,0 +1,32 @@
+// Target and data of a processing instruction.
+#include "dom/tree/PI.h"
+
+#include "dom/document/DocumentAccess.h"
+
+namespace zeldom40 {
+
+PI::PI(const std::string& target, const std::string& data) : Node(NODE_PI), data_(data) { Node::setName(target); }
+
+PI::PI(const char* target, const char* data) : PI(std::string(target ? target : ""), std::string(data ? data : "")) {}
+
+PI::PI(const PI& other) : Node(other), data_(other.data_) {}
+
+PI::~PI() = default;
+
+Node* PI::cloneSelf() const { return new PI(*this); }
+
+void PI::setName(const char* name) { setName(std::string(name ? name : "")); }
+
+void PI::setName(const std::string& name) {
+  if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  Node::setName(name);
+}
+
+void PI::setData(const char* data) { setData(std::string(data ? data : "")); }
+
+void PI::setData(const std::string& data) {
+  if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  data_ = data;
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,461 @@
+// The two forms of a text and the edits in layout offsets.
+#include "dom/tree/Text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "dom/document/DOMAccess.h"
+#include "dom/document/DocumentAccess.h"
+#include "dom/dtd/DocumentType.h"
+#include "dom/dtd/FrameTables.h"
+#include "dom/source/CharHelpers.h"
+#include "dom/source/CodeConv.h"
+#include "dom/source/MarkedText.h"
+#include "dom/tree/Element.h"
+#include "dom/tree/NodeAccess.h"
+#include "dom/tree/TextAccess.h"
+
+namespace zeldom40 {
+
+namespace {
+
+const std::string kEmpty;
+constexpr std::string_view kNoBreak("\x1b\xa0", 2);
+constexpr std::string_view kSectionStart = "<![CDATA[";
+constexpr std::string_view kSectionEnd = "]]>";
+
+// A section cannot hold its own end: each one is split over two sections.
+std::string asCDATASection(std::string_view data) {
+  std::string section(kSectionStart);
+  for (std::size_t at = 0;;) {
+    const std::size_t end = data.find(kSectionEnd, at);
+    if (end == std::string_view::npos) {
+      section += data.substr(at);
+      break;
+    }
+    section += data.substr(at, end + 2 - at);
+    section += kSectionEnd;
+    section += kSectionStart;
+    at = end + 2;
+  }
+  section += kSectionEnd;
+  return section;
+}
+
+// Whether the last unit of `text` is a white byte; the last byte of a marked unit may look like one.
+bool endsInWhite(std::string_view text) {
+  std::size_t last = 0;
+  for (std::size_t i = 0; i < text.size(); i += markedLength(text, i)) last = i;
+  return isWhite(text, last);
+}
+
+std::size_t clampOffset(int value) { return value < 0 ? 0 : static_cast<std::size_t>(value); }
+
+}  // namespace
+
+// --- life ------------------------------------------------------------------------------------------------------------
+
+Text::Text(Document* document) : Node(NODE_TEXT, document) {
+  NodeAccess::setName(this, DOMAccess::textName());
+  Node::setUpdateFlag(UPDATE_CREATED);
+}
+
+Text::Text(const std::string& data, const std::string& rawData, Document* document) : Text(document) {
+  TextStrings& s = strings();
+  s.data = data;
+  s.raw = rawData;
+  s.hasData = s.hasRaw = s.rawOwn = true;
+}
+
+Text::Text(const Text& other)
+    : Node(other),
+      textType_(other.textType_),
+      rawDirty_(other.rawDirty_),
+      derived_(other.derived_),
+      assembled_(other.assembled_),
+      dropLeading_(other.dropLeading_),
+      preformatted_(other.preformatted_),
+      page_(other.page_),
+      raw_(other.raw_) {
+  if (other.strings_ && (!derived_ || other.strings_->rawOwn)) {
+    // What only caches the slices is made again on demand.
+    TextStrings& s = strings();
+    if (!derived_) {
+      s.data = other.strings_->data;
+      s.hasData = other.strings_->hasData;
+    }
+    if (other.strings_->rawOwn) {
+      s.raw = other.strings_->raw;
+      s.hasRaw = s.rawOwn = true;
+    }
+  }
+  Node::setUpdateFlag(UPDATE_CREATED);
+}
+
+Text::~Text() { delete strings_; }
+
+Node* Text::cloneSelf() const { return new Text(*this); }
+
+TextStrings& Text::strings() const {
+  if (!strings_) strings_ = new TextStrings;
+  return *strings_;
+}
+
+Text* TextAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
+  auto* text = new Text(Text::FromPage{}, document);
+  NodeAccess::setName(text, name);
+  text->page_ = page;
+  text->raw_ = raw;
+  NodeAccess::addFlags(text, Node::UPDATE_CREATED);
+  return text;
+}
+
+Text* TextAccess::createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,
+                                  TextContext context) {
+  Text* text = create(document, name, page, raw);
+  text->derived_ = text->assembled_ = true;
+  text->dropLeading_ = context.dropLeading;
+  text->preformatted_ = context.preformatted;
+  return text;
+}
+
+Text* TextAccess::createLiteral(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
+  Text* text = create(document, name, page, raw);
+  text->derived_ = true;
+  text->textType_ = Text::TEXT_LITERAL;
+  return text;
+}
+
+Text* TextAccess::createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
+                              std::string data) {
+  Text* text = create(document, name, page, raw);
+  text->strings().data = std::move(data);
+  text->strings().hasData = true;
+  return text;
+}
+
+void TextAccess::append(Text* text, const Text* other) {
+  const bool bothClean = !text->rawDirty_ && !other->rawDirty_;
+  const std::string raw = bothClean ? std::string(text->rawView()) + std::string(other->rawView()) : std::string();
+  const std::string data = other->getData();
+  text->editData() += data;
+  text->dataChanged();
+  if (!bothClean) return;
+  text->strings().raw = raw;
+  text->rawDirty_ = false;
+}
+
+// --- the two forms ---------------------------------------------------------------------------------------------------
+
+const std::string& Text::getData() const {
+  if (strings_ && strings_->hasData) return strings_->data;
+  if (!derived_ || raw_.length == 0) return kEmpty;
+  TextStrings& s = strings();
+  s.data = assembled_ ? assemblePlainText(raw_.in(page_), {dropLeading_, preformatted_}, page_.get()->entities())
+                      : std::string(raw_.in(page_));
+  s.hasData = true;
+  return s.data;
+}
+
+// The plain form as a string of the text's own, to be changed.
+std::string& Text::editData() {
+  getData();
+  TextStrings& s = strings();
+  s.hasData = true;
+  derived_ = false;
+  return s.data;
+}
+
+void Text::record() {
+  if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+}
+
+// The plain form decides from now on; the source is made anew when asked for, once for a run of edits.
+void Text::dataChanged() {
+  TextStrings& s = strings();
+  s.raw.clear();
+  s.hasRaw = s.rawOwn = true;
+  raw_ = {};
+  rawDirty_ = true;
+  setUpdateFlag(UPDATE_CONTENT_MODIFIED);
+}
+
+void Text::setData(const char* text, bool notify) { setData(std::string(text ? text : ""), notify); }
+
+void Text::setData(const std::string& text, bool notify) {
+  if (notify) record();
+  std::string& data = editData();
+  data = text;
+  if (!notify) return;
+  if (textType_ == TEXT_NORMAL) protectMarkup(data);
+  dataChanged();
+}
+
+std::string_view Text::rawView() const {
+  if (rawDirty_) {
+    auto* self = const_cast<Text*>(this);
+    const std::string& data = getData();
+    TextStrings& s = strings();
+    const Node* parent = getParentNode();
+    if (textType_ == TEXT_NORMAL) {
+      const DocumentType* type = getDocument() ? getDocument()->getDocumentTypeObject() : nullptr;
+      restoreReferences(data, s.raw, FrameTables::characterNames(type));
+    } else if (textType_ == TEXT_LITERAL && parent && parent->getNodeType() == NODE_ELEMENT &&
+               (static_cast<const Element*>(parent)->getElementGroup() & GROUP_SCRIPT_DATA)) {
+      s.raw = asCDATASection(data);
+    } else {
+      s.raw = data;
+    }
+    s.hasRaw = s.rawOwn = true;
+    self->rawDirty_ = false;
+  }
+  return strings_ && strings_->rawOwn ? std::string_view(strings_->raw) : raw_.in(page_);
+}
+
+const std::string& Text::getRawData() const {
+  const std::string_view raw = rawView();
+  TextStrings& s = strings();
+  if (!s.hasRaw) {
+    s.raw = raw;
+    s.hasRaw = true;
+  }
+  return s.raw;
+}
+
+void Text::setRawData(const char* text) { setRawData(std::string(text ? text : "")); }
+
+void Text::setRawData(const std::string& text) {
+  if (textType_ != TEXT_NORMAL) {
+    record();
+    // The plain form stays, so it must not follow from the source any longer.
+    editData();
+    TextStrings& s = strings();
+    s.raw = text;
+    s.hasRaw = s.rawOwn = true;
+    raw_ = {};
+    rawDirty_ = false;
+    setUpdateFlag(UPDATE_CONTENT_MODIFIED);
+    return;
+  }
+  std::string copy = text;
+  if (!isPlainText()) collapseWhite(copy, 0, -1);
+  if (getDocument() && getDocument()->getDocumentTypeObject()) {
+    expandReferences(copy, 0, static_cast<int>(copy.size()),
+                     FrameTables::entities(getDocument()->getDocumentTypeObject()));
+  }
+  setData(copy, /*notify=*/true);
+}
+
+// --- edits -----------------------------------------------------------------------------------------------------------
+
+int Text::insert(int offset, const char* text, bool moveCursor, SpaceMode mode) {
+  if (!text || !*text) return 0;
+  const std::string& now = getData();
+  const std::size_t at = offset < 0 ? now.size() : static_cast<std::size_t>(offset);
+  if (at > now.size()) return 0;
+  std::string copy = text;
+  // CHOICE: script and other literal text takes every byte as it comes; collapsing or marking would change the code.
+  const bool literal = textType_ == TEXT_LITERAL;
+  if (!literal && isPlainText()) {
+    expandTabs(copy, columnAt(now, 0, at, 0));
+  } else if (!literal) {
+    const bool whiteBefore = at > 0 && endsInWhite(std::string_view(now).substr(0, at));
+    const bool whiteBehind = isWhite(now, at);
+    bool noBreak = false;
+    if (copy.size() == 1 && isWhite(copy, 0) && mode != SPACE_NORMAL) {
+      // Blanks typed in a row survive as no-break spaces next to one real blank.
+      noBreak = mode == SPACE_NBSP || whiteBefore || whiteBehind;
+    }
+    if (noBreak) {
+      copy = kNoBreak;
+    } else {
+      if ((whiteBefore || whiteBehind) && std::all_of(copy.begin(), copy.end(), isBlankByte)) {
+        if (!whiteBehind || !moveCursor || !getDocument()) return 0;
+        getDocument()->setLayoutCursor(this, static_cast<int>(at) + 1);
+        return 1;
+      }
+      // White space at the start of the insertion joins a run that ends before it.
+      std::string joined = whiteBefore ? " " + copy : copy;
+      collapseWhite(joined, whiteBefore ? 1 : 0, -1);
+      copy = whiteBefore ? joined.substr(1) : joined;
+      if (copy.empty()) return 0;
+    }
+  }
+  if (textType_ == TEXT_NORMAL) protectMarkup(copy);
+  record();
+  editData().insert(at, copy);
+  dataChanged();
+  if (moveCursor && getDocument()) getDocument()->setLayoutCursor(this, static_cast<int>(at + copy.size()));
+  return static_cast<int>(copy.size());
+}
+
+int Text::Delete(int offset, int count, bool moveCursor) {
+  const std::size_t at = clampOffset(offset);
+  if (at > getData().size()) return 0;
+  record();
+  editData().erase(at, clampOffset(count));
+  dataChanged();
+  if (moveCursor && getDocument()) getDocument()->setLayoutCursor(this, static_cast<int>(at));
+  return count;
+}
+
+int Text::deleteChar(int offset, bool backward) {
+  const std::string& now = getData();
+  const std::size_t size = now.size();
+  if (backward && offset == 0) return 0;
+  if (!backward && (offset < 0 || static_cast<std::size_t>(offset) >= size)) return 0;
+  const std::size_t at = offset < 0 ? size : std::min(static_cast<std::size_t>(offset), size);
+  // Characters are only known by stepping from the start: a trail byte looks like any other.
+  std::size_t start = 0;
+  std::size_t length = 0;
+  while (start < size) {
+    length = unitLength(now, start);
+    const std::size_t end = start + length;
+    if (backward ? end >= at : end > at) break;
+    start = end;
+  }
+  if (start >= size) return 0;
+  record();
+  editData().erase(start, length);
+  dataChanged();
+  return static_cast<int>(length);
+}
+
+int Text::replace(int offset, int count, const char* text, bool moveCursor) {
+  const std::size_t at = clampOffset(offset);
+  if (at > getData().size()) return 0;
+  std::string encoded = text ? text : "";
+  if (textType_ == TEXT_NORMAL) protectMarkup(encoded);
+  record();
+  std::string& data = editData();
+  data.erase(at, clampOffset(count));
+  data.insert(at, encoded);
+  dataChanged();
+  if (moveCursor && getDocument()) getDocument()->setLayoutCursor(this, static_cast<int>(at + encoded.size()));
+  return static_cast<int>(encoded.size());
+}
+
+int Text::splice(Element* element, int offset, int count, bool moveCursor) {
+  Document* document = getDocument();
+  Node* parent = getParentNode();
+  // CHOICE: an element that stands in a tree already could not be put here, and the texts would be lost.
+  if (!element || !document || !parent || element->getParentNode()) return -1;
+  const std::string before = getData();
+  const std::size_t from = std::min(clampOffset(offset), before.size());
+  const std::size_t length = std::min(clampOffset(count), before.size() - from);
+
+  auto createPart = [&](std::string_view data) {
+    Text* part = document->createTextNode(nullptr);
+    part->setTextType(getTextType());
+    part->setData(std::string(data), /*notify=*/true);
+    return part;
+  };
+  Text* tail = createPart(std::string_view(before).substr(from + length));
+  parent->insertAfter(element, this);
+  parent->insertAfter(tail, element);
+  Text* middle = nullptr;
+  // KEPT: an element that cannot hold this text swallows the middle; the caller asks first.
+  if (element->canContain(this, nullptr, nullptr)) {
+    middle = createPart(std::string_view(before).substr(from, length));
+    element->insertLast(middle);
+  }
+  Node* cursorNode = nullptr;
+  int cursorOffset = 0;
+  document->getLayoutCursor(&cursorNode, &cursorOffset);
+  if (from < before.size()) {
+    editData().erase(from);
+    dataChanged();
+  }
+  const int taken = static_cast<int>(length);
+  if (moveCursor) {
+    document->setLayoutCursor(middle ? middle : tail, middle ? taken : 0);
+  } else if (cursorNode == this && cursorOffset > static_cast<int>(from)) {
+    const int c = cursorOffset - static_cast<int>(from);
+    if (c > taken) {
+      document->setLayoutCursor(tail, c - taken);
+    } else {
+      document->setLayoutCursor(middle ? middle : tail, middle ? c : 0);
+    }
+  }
+  return taken;
+}
+
+int Text::compact() {
+  if (getData().empty()) return 0;
+  Document* document = getDocument();
+  Node* cursorNode = nullptr;
+  int cursor = 0;
+  if (document) document->getLayoutCursor(&cursorNode, &cursor);
+  std::string collapsed = getData();
+  int change = 0;
+  if (cursorNode == this && cursor > 0) {
+    change = collapseWhite(collapsed, 0, cursor);
+    if (change != 0) document->setLayoutCursor(this, cursor + change);
+    change += collapseWhite(collapsed, static_cast<std::size_t>(std::max(cursor + change, 0)), -1);
+  } else {
+    change = collapseWhite(collapsed, 0, -1);
+  }
+  if (collapsed != getData()) editData() = std::move(collapsed);
+  if (change != 0) dataChanged();
+  return change;
+}
+
+// --- questions -------------------------------------------------------------------------------------------------------
+
+bool TextAccess::hasEmptyData(const Text* text) {
+  if (!text->derived_ || (text->strings_ && text->strings_->hasData)) return text->getData().empty();
+  if (text->raw_.length == 0) return true;
+  // Only leading white space adds nothing to a plain form.
+  return text->assembled_ && text->dropLeading_ && !text->preformatted_ && isAllSpace(text->raw_.in(text->page_));
+}
+
+bool Text::isEmptyText(bool ignoreWhitespaceType) const {
+  if (textType_ == TEXT_FORMATTING) return true;
+  if (textType_ != TEXT_LITERAL && !ignoreWhitespaceType) return TextAccess::hasEmptyData(this);
+  if (derived_ && assembled_ && !preformatted_ && !(strings_ && strings_->hasData)) {
+    return isAllSpace(raw_.in(page_));  // every run of white space has become a blank or nothing
+  }
+  const std::string& data = getData();
+  return std::all_of(data.begin(), data.end(), isBlankByte);
+}
+
+bool Text::isPlainText() const {
+  for (const Node* n = getParentNode(); n; n = n->getParentNode()) {
+    if (n->getNodeType() == NODE_ELEMENT && (static_cast<const Element*>(n)->getElementGroup() & GROUP_PLAIN)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// --- conversions -----------------------------------------------------------------------------------------------------
+
+namespace {
+
+char* newCString(const std::string& text) {
+  char* copy = new char[text.size() + 1];
+  std::memcpy(copy, text.c_str(), text.size() + 1);
+  return copy;
+}
+
+}  // namespace
+
+char* Text::convertTextToRawData(const char* text, bool keepReferences) {
+  if (!text) return nullptr;
+  std::string copy = text;
+  escapeMarkup(copy, keepReferences, FrameTables::entitiesOfCurrentDOM(), CodeConv::GetCodepage());
+  return newCString(copy);
+}
+
+char* Text::convertRawDataToText(const char* text, bool collapse) {
+  if (!text) return nullptr;
+  std::string copy = text;
+  if (collapse) collapseWhite(copy, 0, -1);
+  unescapeMarkup(copy, FrameTables::entitiesOfCurrentDOM(), CodeConv::GetCodepage());
+  return newCString(copy);
+}
+
+void Text::destroyData(char* data) { delete[] data; }
+
+}  // namespace zeldom40

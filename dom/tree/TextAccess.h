@@ -1,0 +1,52 @@
+// Internal. What the parser and the writer do to a text beyond its public interface.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "dom/source/PlainText.h"
+#include "dom/tree/Comment.h"
+#include "dom/tree/PageBuffer.h"
+#include "dom/tree/Text.h"
+
+namespace zeldom40 {
+
+// Texts of a node's own, or made from its slices because somebody asked for a string.
+struct TextStrings {
+  std::string data;
+  std::string raw;
+  bool hasData = false;
+  bool hasRaw = false;  // `raw` may be read
+  bool rawOwn = false;  // `raw` is the source text; the slice is not
+};
+
+struct TextAccess {
+  // A text of the page whose plain form is assembled from the slice when first read.
+  static Text* createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,
+                               TextContext context);
+  // A literal text: plain and raw form are the slice.
+  static Text* createLiteral(Document* document, const SharedName& name, const PageRef& page, Slice raw);
+  // A text whose plain form was assembled already, or is another stretch than its raw form.
+  static Text* createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
+                           std::string data);
+  static std::string_view rawData(const Text* text) { return text->rawView(); }
+  // getData().empty(), without making the plain form.
+  static bool hasEmptyData(const Text* text);
+  static void setRawDirty(Text* text) { text->rawDirty_ = true; }
+  // Appends the other text's forms. Where both sources stand as they are they are joined, so that no byte of the page
+  // changes; else the source is made anew from the plain form.
+  static void append(Text* text, const Text* other);
+
+ private:
+  friend class Text;
+  static Text* create(Document* document, const SharedName& name, const PageRef& page, Slice raw);
+};
+
+struct CommentAccess {
+  // The parser's form: body and raw text are exact slices of the page.
+  static Comment* create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
+                         bool jsp);
+  static std::string_view rawData(Comment* comment) { return comment->rawView(); }
+};
+
+}  // namespace zeldom40
