@@ -145,11 +145,18 @@ void Document::adjustCursorOnRemove(Node* node) {
 void Document::adjustCursorOnDelete(Node* node) {
   if (!cursorCanMove(node)) return;
   Node* parent = node->getParentNode();
-  const int index = parent ? parent->getChildIndex(node) : -1;
+  const bool cursorInside = node == cursorNode_ || (node->hasChildNodes() && cursorNode_->isOffspringOf(node));
+  auto concerns = [&](Node* end) {
+    return end && (end == parent || end == node || (node->hasChildNodes() && end->isOffspringOf(node)));
+  };
+  const bool selected = selections_.size() == 1 &&
+                        (concerns(selections_.front()->startNode) || concerns(selections_.front()->endNode));
+  // The index costs a search through the list, so it is asked for only where a place is told by it.
+  const int index = parent && (parent == cursorNode_ || cursorInside || selected) ? parent->getChildIndex(node) : -1;
   if (parent && parent == cursorNode_) {
     if (layoutOffset_ >= 0 && layoutOffset_ > index) --layoutOffset_;
     if (sourceOffset_ >= 0 && sourceOffset_ > index) --sourceOffset_;
-  } else if (parent && (node == cursorNode_ || (node->hasChildNodes() && cursorNode_->isOffspringOf(node)))) {
+  } else if (parent && cursorInside) {
     cursorNode_ = parent;
     if (layoutOffset_ >= 0) layoutOffset_ = index;
     if (sourceOffset_ >= 0) sourceOffset_ = index;
@@ -168,8 +175,8 @@ void Document::adjustCursorOnDelete(Node* node) {
         offset = static_cast<unsigned>(index);
       }
     };
-    adjust(s.startNode, s.startOffset);
-    adjust(s.endNode, s.endOffset);
+    if (selected) adjust(s.startNode, s.startOffset);
+    if (selected) adjust(s.endNode, s.endOffset);
   } else {
     for (auto it = selections_.begin(); it != selections_.end(); ++it) {
       if ((*it)->startNode != node) continue;

@@ -28,7 +28,12 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   if (document.layoutOffset_ < 0) document.getLayoutCursor(nullptr, &document.layoutOffset_);
   const int lenA = static_cast<int>(a->getData().size());
   const int lenB = static_cast<int>(b->getData().size());
-  const int index = parent->getChildIndex(b);
+  // The index is only asked for where a place is counted in it; the question costs the length of the list.
+  const auto countsIn = [&](const Node* node) { return node == parent; };
+  const bool indexMatters = countsIn(document.cursorNode_) ||
+                            (document.selections_.size() == 1 && (countsIn(document.selections_.front()->startNode) ||
+                                                                  countsIn(document.selections_.front()->endNode)));
+  const int index = indexMatters ? parent->getChildIndex(b) : -1;
   TextAccess::append(a, b);
 
   auto moved = [&](Node* node, long offset, long* to) {

@@ -78,6 +78,7 @@ struct NodeAccess {
   static void setPrev(Node* node, Node* prev);
   static void link(Node* left, Node* right);
   static void trustList(Node* parent);
+  static void forgetList(Node* parent);
   static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool record);
   static void unlinkChild(Node* parent, Node* child);
   static void drain(Node* top);

@@ -137,13 +137,17 @@ Text* TextAccess::createPlain(Document* document, const SharedName& name, const 
 
 void TextAccess::append(Text* text, const Text* other) {
   const bool bothClean = !text->rawDirty_ && !other->rawDirty_;
-  const std::string raw = bothClean ? std::string(text->rawView()) + std::string(other->rawView()) : std::string();
-  const std::string data = other->getData();
-  text->editData() += data;
-  text->dataChanged();
-  if (!bothClean) return;
-  text->strings().raw = raw;
-  text->rawDirty_ = false;
+  text->editData() += other->getData();
+  if (!bothClean) {
+    text->dataChanged();
+    return;
+  }
+  TextStrings& s = text->strings();
+  if (!s.hasRaw) s.raw = text->raw_.in(text->page_);
+  s.hasRaw = s.rawOwn = true;
+  text->raw_ = {};
+  s.raw += other->rawView();
+  text->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
 // --- the two forms ---------------------------------------------------------------------------------------------------
