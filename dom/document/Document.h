@@ -139,6 +139,14 @@ class ZELDOM40_API Document : public Node {
   int convertOffsetLayout2Source(Node* node, int offset);
   int convOffsetLayout2Source(Node* node, int offset);
 
+  // --- closing an edit ----------------------------------------------------------------------------------------------
+  // Ends an edit below `node` (null: anywhere): removes elements that became pointless, merges neighbouring skeleton
+  // elements and texts, and lays out new and changed nodes under the DOM's style; only nodes with update flags are
+  // visited unless `full`. Ends an undo step. Returns whether anything changed.
+  bool adjustNodes(Node* node, bool full);
+  // Makes the next adjustNodes(nullptr, ...) do nothing.
+  void skipAdjust();
+
   // --- undo ---------------------------------------------------------------------------------------------------------
   // Called before every change of the tree.
   void record();
@@ -160,6 +168,8 @@ class ZELDOM40_API Document : public Node {
   bool hasSevereError() const { return (getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
   Element* prepareScratchElement(const char* name);
   void forgetCursorInside(const Node* top);
+  bool isEmptyByItself(const Node* node) const;
+  bool dropLeftBehind(Node* node);
   void shiftOffsets(Node* parent, int index, int by);
   bool cursorCanMove(const Node* node) const { return node && cursorNode_ && documentElement_ && adjustCursors_; }
 
@@ -174,6 +184,7 @@ class ZELDOM40_API Document : public Node {
   int sourceOffset_ = 0;
   Element* scratchElement_ = nullptr;
   Text* scratchText_ = nullptr;
+  bool skipAdjust_ = false;
   bool adjustCursors_ = true;
   bool inClassify_ = false;
   Node* retainedCursorNode_ = nullptr;

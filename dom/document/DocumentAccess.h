@@ -14,6 +14,8 @@ struct NameEntry;
 struct DocumentAccess {
   static bool isInTree(const Document* document, const Node* node) { return document->isInTree(node); }
   static void recordChange(Document* document, const Node* node) { document->recordChange(node); }
+  // Neither content of its own nor the place of the cursor or of a single selection; children are not looked at.
+  static bool isEmptyByItself(const Document* document, const Node* node) { return document->isEmptyByItself(node); }
   static bool inClassify(const Document* document) { return document->inClassify_; }
   static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
   static std::string& sourceBuf(const Document* document) { return document->sourceBuf_; }

@@ -17,6 +17,19 @@
 
 namespace zeldom40 {
 
+namespace {
+
+// A text without data, or a text-level element that is no anchor's target.
+bool hasNoContentOfItsOwn(const Node* node) {
+  if (node->getNodeType() == Node::NODE_TEXT) return TextAccess::hasEmptyData(static_cast<const Text*>(node));
+  if (node->getNodeType() != Node::NODE_ELEMENT) return false;
+  const auto* element = static_cast<const Element*>(node);
+  const unsigned long group = element->getElementGroup();
+  return (group & GROUP_TEXT_LEVEL) && !((group & GROUP_ANCHOR) && ElementAccess::hasAttribute(element, "NAME"));
+}
+
+}  // namespace
+
 // --- names -----------------------------------------------------------------------------------------------------------
 
 bool isVisibleDefinition(const ElementDefinition& definition) {
@@ -137,26 +150,19 @@ Element* Document::removeElement(Element* element, bool joinTexts) {
   return nullptr;
 }
 
-bool Document::isEmptyNode(Node* node, bool ignoreCursor) {
-  if (!node) return false;
-  // KEPT: `ignoreCursor` lifts the protection of the node itself; a place anywhere below it protects all the same.
-  auto protects = [&](Node* place) {
-    return place && place->isOffspringOf(node) && !(ignoreCursor && place == node);
-  };
-  if (protects(cursorNode_)) return false;
-  if (selections_.size() == 1 && (protects(selections_.front()->startNode) || protects(selections_.front()->endNode))) {
+bool Document::isEmptyByItself(const Node* node) const {
+  if (node == cursorNode_) return false;
+  if (selections_.size() == 1 && (node == selections_.front()->startNode || node == selections_.front()->endNode)) {
     return false;
   }
-  for (Node* n = node; n; n = NodeAccess::nextInSubtree(n, node)) {
-    if (n->getNodeType() == NODE_TEXT) {
-      if (!TextAccess::hasEmptyData(static_cast<const Text*>(n))) return false;
-      continue;
-    }
-    if (n->getNodeType() != NODE_ELEMENT) return false;
-    const auto* element = static_cast<const Element*>(n);
-    const unsigned long group = element->getElementGroup();
-    if (!(group & GROUP_TEXT_LEVEL)) return false;
-    if ((group & GROUP_ANCHOR) && ElementAccess::hasAttribute(element, "NAME")) return false;
+  return hasNoContentOfItsOwn(node);
+}
+
+bool Document::isEmptyNode(Node* node, bool ignoreCursor) {
+  if (!node || !(ignoreCursor ? hasNoContentOfItsOwn(node) : isEmptyByItself(node))) return false;
+  // KEPT: `ignoreCursor` lifts the protection of the node itself; a place below it protects all the same.
+  for (Node* n = NodeAccess::nextInSubtree(node, node); n; n = NodeAccess::nextInSubtree(n, node)) {
+    if (!isEmptyByItself(n)) return false;
   }
   return true;
 }

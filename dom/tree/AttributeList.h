@@ -37,6 +37,7 @@ class ZELDOM40_API AttributeList {
 
  private:
   friend class Element;
+  friend struct ElementAccess;
   friend struct AttributeListAccess;
 
   // As setAttribute; without `markDirty` neither tags nor metadata are marked, only the update flag is raised.

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "dom/tree/AttributeBlock.h"
+#include "dom/tree/AttributeList.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/PageBuffer.h"
 
@@ -49,6 +50,15 @@ struct ElementAccess {
   static bool isBeginTagDirty(const Element* element) { return element->beginTagDirty_; }
   static void setTagsClean(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = false; }
   static void markTagsDirty(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = true; }
+  // Marks the one tag alone if it has no text.
+  static void dirtyEmptyBeginTag(Element* element) {
+    if (element->beginView().empty()) element->beginTagDirty_ = true;
+  }
+  static void dirtyEmptyEndTag(Element* element) {
+    if (element->endView().empty()) element->endTagDirty_ = true;
+  }
+  // Moves all attributes of `from` to the element.
+  static void takeAttributes(Element* element, AttributeList* from) { element->list().merge(from); }
   // Ors the attributes' errors together and shows the result as ERR_ELEMENT_INVALID_ATTR on the element. A tag that
   // will be rebuilt loses its repeated attributes, so that error is dropped from them first.
   static unsigned long gatherAttributeErrors(Element* element);

@@ -243,7 +243,7 @@ ChildListHolder* NodeAccess::holder(const Node* node) {
   return node->children_;
 }
 
-// A change in the middle of a list that nobody else looks at drops it: keeping it in step would cost its length each
+// A change before the end of a list that nobody else looks at drops it: keeping it in step would cost its length each
 // time, and the next question about an index makes it again.
 void NodeAccess::forgetList(Node* parent) {
   if (!parent->children_ || parent->children_->count != 1 || parent->listIsTruth_) return;
@@ -362,7 +362,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   link(left, head);
   link(end, right);
 
-  if (ref && !(behindRef ? ref == parent->lastChild_ : ref == parent->firstChild_)) forgetList(parent);
+  if (!(ref ? behindRef && ref == parent->lastChild_ : behindRef)) forgetList(parent);
   std::size_t index = 0;
   if (parent->children_) {
     const std::size_t size = parent->children_->list.size();
@@ -452,7 +452,7 @@ void NodeAccess::unlinkChild(Node* parent, Node* child) {
   Node* after = childAfter(child);
   if (parent->firstChild_ == child) parent->firstChild_ = after;
   if (parent->lastChild_ == child) parent->lastChild_ = before;
-  if (before && after) forgetList(parent);
+  if (after) forgetList(parent);
   if (parent->children_) {
     std::vector<Node*>& list = parent->children_->list;
     if (!list.empty() && list.back() == child) {
@@ -507,7 +507,7 @@ Node* Node::removeChild(Node* child) {
 Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
   Node* before = childBefore(first);
   Node* after = childAfter(last);
-  if (before && after) forgetList(parent);
+  if (after) forgetList(parent);
   if (parent->children_) {
     std::vector<Node*>& list = parent->children_->list;
     const auto from = static_cast<std::ptrdiff_t>(first == list.front() ? 0 : indexInList(first));

@@ -76,6 +76,7 @@ Text::Text(const Text& other)
       assembled_(other.assembled_),
       dropLeading_(other.dropLeading_),
       preformatted_(other.preformatted_),
+      trimmed_(other.trimmed_),
       page_(other.page_),
       raw_(other.raw_) {
   if (other.strings_ && (!derived_ || other.strings_->rawOwn)) {
@@ -150,6 +151,57 @@ void TextAccess::append(Text* text, const Text* other) {
   text->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
+Text* TextAccess::splitTrailingSpace(Text* text) {
+  const std::string_view raw = text->rawView();
+  std::size_t end = raw.size();
+  while (end > 0 && isBlankByte(raw[end - 1])) --end;
+  if (end == raw.size()) return nullptr;
+  const auto spaces = static_cast<std::uint32_t>(raw.size() - end);
+  Text* space = nullptr;
+  if (text->strings_ && text->strings_->rawOwn) {
+    TextStrings& s = text->strings();
+    space = new Text(" ", s.raw.substr(end), text->getDocument());
+    text->editData();
+    s.raw.resize(end);
+  } else {
+    // A plain form that follows from the source now follows from the shorter one: what is lost is cut there as well.
+    if (text->strings_) text->strings_->hasRaw = false;
+    const Slice cut{text->raw_.offset + static_cast<std::uint32_t>(end), spaces};
+    space = createAssembled(text->getDocument(), NodeAccess::sharedName(text), text->page_, cut, {});
+    text->raw_.length = static_cast<std::uint32_t>(end);
+  }
+  space->setTextType(Text::TEXT_FORMATTING);
+  return space;
+}
+
+bool TextAccess::trimRight(Text* text) {
+  if (text->derived_ && text->assembled_ && !(text->strings_ && text->strings_->hasData)) {
+    const std::string_view raw = text->raw_.in(text->page_);
+    if (raw.empty() || text->trimmed_ || !isSpaceByte(raw.back()) || hasEmptyData(text)) return false;
+    // Vertical tabs and form feeds count as white space only where runs become blanks.
+    if (!text->preformatted_) {
+      text->trimmed_ = true;
+      return true;
+    }
+  }
+  std::string data = text->getData();
+  const std::size_t before = data.size();
+  trim(data, false, true);
+  if (data.size() == before) return false;
+  text->setData(data, /*notify=*/false);
+  return true;
+}
+
+void TextAccess::setRaw(Text* text, std::string raw) {
+  // The plain form must not follow from a source that is gone.
+  text->editData();
+  TextStrings& s = text->strings();
+  s.raw = std::move(raw);
+  s.hasRaw = s.rawOwn = true;
+  text->raw_ = {};
+  text->rawDirty_ = false;
+}
+
 // --- the two forms ---------------------------------------------------------------------------------------------------
 
 const std::string& Text::getData() const {
@@ -158,6 +210,7 @@ const std::string& Text::getData() const {
   TextStrings& s = strings();
   s.data = assembled_ ? assemblePlainText(raw_.in(page_), {dropLeading_, preformatted_}, page_.get()->entities())
                       : std::string(raw_.in(page_));
+  if (trimmed_) trim(s.data, false, true);
   s.hasData = true;
   return s.data;
 }
@@ -410,8 +463,9 @@ int Text::compact() {
 bool TextAccess::hasEmptyData(const Text* text) {
   if (!text->derived_ || (text->strings_ && text->strings_->hasData)) return text->getData().empty();
   if (text->raw_.length == 0) return true;
-  // Only leading white space adds nothing to a plain form.
-  return text->assembled_ && text->dropLeading_ && !text->preformatted_ && isAllSpace(text->raw_.in(text->page_));
+  // Only white space at an end adds nothing to a plain form.
+  if (!text->assembled_ || !isAllSpace(text->raw_.in(text->page_))) return false;
+  return (text->dropLeading_ && !text->preformatted_) || text->trimmed_;
 }
 
 bool Text::isEmptyText(bool ignoreWhitespaceType) const {

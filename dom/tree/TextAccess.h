@@ -32,6 +32,13 @@ struct TextAccess {
   static std::string_view rawData(const Text* text) { return text->rawView(); }
   // getData().empty(), without making the plain form.
   static bool hasEmptyData(const Text* text);
+  // Cuts white space off the end of the raw text and returns it as a text that only formats the source, count 0; null
+  // if there is none.
+  static Text* splitTrailingSpace(Text* text);
+  // Cuts white space off the end of the plain form; the raw form stays. Returns whether there was any.
+  static bool trimRight(Text* text);
+  // Replaces the raw form alone.
+  static void setRaw(Text* text, std::string raw);
   static void setRawDirty(Text* text) { text->rawDirty_ = true; }
   // Appends the other text's forms. Where both sources stand as they are they are joined, so that no byte of the page
   // changes; else the source is made anew from the plain form.
