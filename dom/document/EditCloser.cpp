@@ -1,0 +1,175 @@
+// adjustNodes: closes an edit of the host.
+#include "dom/document/DOM.h"
+#include "dom/document/Document.h"
+#include "dom/document/NodeLayout.h"
+#include "dom/document/PointlessElements.h"
+#include "dom/document/TextMerge.h"
+#include "dom/document/TreeAdjuster.h"
+#include "dom/document/TreeWalker.h"
+
+namespace zeldom40 {
+
+namespace {
+
+Element* asElement(Node* node) {
+  return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
+}
+
+// One walk over an edited subtree.
+class EditCloser {
+ public:
+  EditCloser(Document& document, Node* top, bool full)
+      : document_(document), full_(full), walk_(top), pointless_(document) {}
+
+  bool run() {
+    walk_.next(!full_, false);
+    while (Node* n = walk_.current()) {
+      if (Element* element = asElement(n)) {
+        visitElement(element);
+      } else if (n->getNodeType() == Node::NODE_TEXT) {
+        visitText(n);
+      } else {
+        format(n);
+      }
+    }
+    return changed_;
+  }
+
+ private:
+  void visitElement(Element* element) {
+    const unsigned long group = element->getElementGroup();
+    if (pointless_.isEmpty(element)) {
+      walk_.next(!full_, /*skipChildren=*/true);
+      document_.deleteNodes(element);
+      changed_ = true;
+      return;
+    }
+    if (PointlessElements::isTransparent(element, walk_)) {
+      removeKeepingContent(element);
+      return;
+    }
+    if (group & GROUP_SKELETON) {
+      if (Element* earlier = siblingOfID(element, /*forward=*/false)) {
+        walk_.toSibling(earlier);
+        mergeElements(document_, earlier, element);
+        changed_ = true;
+        walk_.next(!full_, false);
+        return;
+      }
+      while (Element* later = siblingOfID(element, /*forward=*/true)) {
+        mergeElements(document_, element, later);
+        changed_ = true;
+      }
+    }
+    format(element);
+  }
+
+  void visitText(Node* text) {
+    Node* n = text;
+    while (Node* before = NodeAccess::childBefore(n)) {
+      Node* merged = mergeTexts(document_, before, n);
+      if (!merged) break;
+      n = merged;
+      changed_ = true;
+    }
+    while (Node* behind = NodeAccess::childAfter(n)) {
+      Node* merged = mergeTexts(document_, n, behind);
+      if (!merged) break;
+      n = merged;
+      changed_ = true;
+    }
+    walk_.toSibling(n);
+    format(n);
+  }
+
+  // CHOICE: the walk goes on at what stands before the element, and its parent is formatted once for a row of such
+  // elements: starting again at the parent each time would make the row cost its square.
+  void removeKeepingContent(Element* element) {
+    Node* parent = element->getParentNode();
+    walk_.toParent(parent);
+    if (formattedParent_ != parent) {
+      formattedParent_ = parent;
+      changed_ |= formatNode(document_, parent, walk_);
+    }
+    changed_ = true;
+    const bool isText = zeldom40::removeKeepingContent(document_, element, walk_);
+    if (isText && (full_ || walk_.current()->getUpdateFlag())) return;
+    walk_.next(!full_, /*skipChildren=*/walk_.current() != parent);
+  }
+
+  void format(Node* n) {
+    changed_ |= formatNode(document_, n, walk_);
+    walk_.next(!full_, false);
+  }
+
+  static Element* siblingOfID(Element* element, bool forward) {
+    if (!element->getParentNode()) return nullptr;
+    Node* n = element;
+    while ((n = forward ? NodeAccess::childAfter(n) : NodeAccess::childBefore(n))) {
+      Element* other = asElement(n);
+      if (other && other->getElementID() == element->getElementID()) return other;
+    }
+    return nullptr;
+  }
+
+  Document& document_;
+  bool full_;
+  TreeWalker walk_;
+  PointlessElements pointless_;
+  Node* formattedParent_ = nullptr;
+  bool changed_ = false;
+};
+
+}  // namespace
+
+void Document::skipAdjust() { skipAdjust_ = true; }
+
+bool Document::adjustNodes(Node* node, bool full) {
+  if (!dom_) return false;
+  if (!node) {
+    if (skipAdjust_) {
+      skipAdjust_ = false;
+      return false;
+    }
+    node = documentElement_;
+    if (!node) return false;
+  }
+  if (!dom_->getDocumentStyle()) return false;
+  enableRecord(false);
+  bool changed = false;
+  if (retainedCursorNode_ && retainedCursorNode_ != cursorNode_) {
+    changed = dropLeftBehind(retainedCursorNode_);
+    retainedCursorNode_->releaseRef(false);
+    retainedCursorNode_ = nullptr;
+  }
+  // The edit may have taken away the start itself.
+  changed |= EditCloser(*this, node, full).run();
+  if (cursorNode_ != retainedCursorNode_) {
+    if (retainedCursorNode_) retainedCursorNode_->releaseRef(false);
+    retainedCursorNode_ = cursorNode_;
+    if (retainedCursorNode_) retainedCursorNode_->addRef(false);
+  }
+  recordFlags_ &= kRecordInGroup;
+  return changed;
+}
+
+// An empty element that the cursor was in and has left goes, with all around it that is empty then.
+bool Document::dropLeftBehind(Node* node) {
+  if (!isInTree(node) || !isEmptyNode(node, false)) return false;
+  Node* topmost = node;
+  while (Node* parent = topmost->getParentNode()) {
+    // The parent is empty if it may be and its other children are.
+    if (!isEmptyByItself(parent)) break;
+    bool empty = true;
+    for (Node* child = parent->getFirstChild(); child && empty; child = NodeAccess::childAfter(child)) {
+      empty = child == topmost || isEmptyNode(child, false);
+    }
+    if (!empty) break;
+    topmost = parent;
+  }
+  if (topmost->getNodeType() != NODE_ELEMENT) return false;
+  deleteNodes(topmost);
+  return true;
+}
+
+}  // namespace zeldom40

@@ -1,0 +1,165 @@
+// The layout of new and changed nodes.
+#include "dom/document/NodeLayout.h"
+
+#include <algorithm>
+#include <string>
+
+#include "dom/document/DOM.h"
+#include "dom/document/Document.h"
+#include "dom/document/TreeWalker.h"
+#include "dom/source/CharHelpers.h"
+#include "dom/source/DocumentStyle.h"
+#include "dom/tree/ElementAccess.h"
+#include "dom/tree/TextAccess.h"
+
+namespace zeldom40 {
+
+namespace {
+
+constexpr unsigned long kChanged = Node::UPDATE_CONTENT_MODIFIED | Node::UPDATE_CREATED | Node::UPDATE_ADDED;
+constexpr unsigned long kBreakBefore = GROUP_BLOCK | GROUP_STRUCTURE;
+constexpr unsigned long kBreakAfter = GROUP_BLOCK | GROUP_STRUCTURE | GROUP_BREAK;
+
+// CHOICE: an indentation is as wide as this at the most. Without a bound a page of nested lists would grow with the
+// square of its depth.
+constexpr int kMostIndent = 160;
+
+Text* asText(Node* node) {
+  return node && node->getNodeType() == Node::NODE_TEXT ? static_cast<Text*>(node) : nullptr;
+}
+
+bool isVisibleElement(const Node* node, unsigned long groups) {
+  if (!node || node->getNodeType() != Node::NODE_ELEMENT) return false;
+  const auto* element = static_cast<const Element*>(node);
+  return !element->isHidden() && (element->getElementGroup() & groups);
+}
+
+// Formats nodes that share a parent.
+class Layout {
+ public:
+  Layout(Document& document, Node* node, const TreeWalker& walk)
+      : document_(document), style_(*document.getDOM()->getDocumentStyle()), parent_(node->getParentNode()) {
+    depth_ = walk.lists();
+    preformatted_ = walk.preformatted() > 0;
+  }
+
+  bool formatElement(Element* element, unsigned long flags) {
+    if (!(flags & kChanged)) return false;
+    Node* before = NodeAccess::childBefore(element);
+    Node* behind = NodeAccess::childAfter(element);
+    const unsigned long group = element->getElementGroup();
+    const bool visible = !element->isHidden();
+    const bool breaksBefore = visible && (group & kBreakBefore);
+    const bool breaksAfter = visible && (group & kBreakAfter);
+    bool changed = false;
+    if (breaksBefore) changed |= breakBefore(element, before);
+    if (breaksAfter) changed |= breakBehind(element, behind);
+    if (!breaksBefore && !breaksAfter) {
+      if (isVisibleElement(before, kBreakAfter)) changed |= breakBefore(element, before);
+      if (isVisibleElement(behind, kBreakBefore)) changed |= breakBehind(element, behind);
+    }
+    if (flags & Node::UPDATE_CREATED) element->setBeginTagDirty();
+    return changed;
+  }
+
+  bool formatOwnText(Text* text, unsigned long flags) {
+    bool before = false;
+    bool behind = false;
+    if (flags & kChanged) {
+      before = isVisibleElement(NodeAccess::childBefore(text), kBreakAfter);
+      behind = isVisibleElement(NodeAccess::childAfter(text), kBreakBefore);
+      if (flags & Node::UPDATE_CREATED) TextAccess::setRawDirty(text);
+    }
+    return formatText(text, before, behind);
+  }
+
+ private:
+  bool breakBefore(Element* element, Node* before) {
+    bool changed = false;
+    Text* text = asText(before);
+    if (!text) {
+      text = makeText();
+      parent_->insertBefore(text, element);
+      document_.adjustCursorOnInsert(text);
+      changed = true;
+    }
+    return formatText(text, /*breakBefore=*/false, /*breakAfter=*/true) || changed;
+  }
+
+  bool breakBehind(Element* element, Node* behind) {
+    bool changed = false;
+    Text* text = asText(behind);
+    if (!text) {
+      text = makeText();
+      parent_->insertAfter(text, element);
+      document_.adjustCursorOnInsert(text);
+      changed = true;
+    }
+    // A text that changed itself is formatted when the walk comes to it.
+    if (text->getUpdateFlag() & kChanged) return changed;
+    return formatText(text, /*breakBefore=*/true, /*breakAfter=*/false) || changed;
+  }
+
+  Text* makeText() {
+    Text* text = document_.createTextNode(nullptr);
+    text->setTextType(Text::TEXT_FORMATTING);
+    return text;
+  }
+
+  bool formatText(Text* text, bool breakBefore, bool breakAfter) {
+    if (text->getTextType() == Text::TEXT_LITERAL || preformatted_) return false;
+    const bool closing = parent_->getNodeType() == Node::NODE_ELEMENT &&
+                         (static_cast<Element*>(parent_)->getElementGroup() & GROUP_LIST);
+    const int step = std::max(style_.GetIndent(), 0);
+    const int indent = indentOf(depth_);
+    std::string copy(TextAccess::rawData(text));
+    bool changed = wrapLines(copy, style_.GetColumnLimit(), indent) > 0;
+    if (!breakBefore && !breakAfter) {
+      if (changed) TextAccess::setRaw(text, std::move(copy));
+      return changed;
+    }
+    trimRaw(copy, breakBefore, breakAfter);
+    const std::string line = "\r\n" + std::string(static_cast<std::size_t>(indent), ' ');
+    const bool wasEmpty = copy.empty();
+    if (breakBefore && !wasEmpty) copy.insert(0, line);
+    if (breakAfter || (breakBefore && wasEmpty)) {
+      // The closing tag of a list stands one level out.
+      const bool last = closing && !NodeAccess::childAfter(text);
+      copy += "\r\n" + std::string(static_cast<std::size_t>(last ? std::max(indent - step, 0) : indent), ' ');
+    }
+    TextAccess::setRaw(text, std::move(copy));
+    return true;
+  }
+
+  int indentOf(int depth) const {
+    const long wide = static_cast<long>(std::max(style_.GetIndent(), 0)) * depth;
+    return static_cast<int>(std::min<long>(wide, kMostIndent));
+  }
+
+  static void trimRaw(std::string& raw, bool left, bool right) {
+    std::size_t from = 0;
+    std::size_t to = raw.size();
+    while (left && from < to && isBlankByte(raw[from])) ++from;
+    while (right && to > from && isBlankByte(raw[to - 1])) --to;
+    raw = raw.substr(from, to - from);
+  }
+
+  Document& document_;
+  const DocumentStyle& style_;
+  Node* parent_;
+  int depth_ = 0;
+  bool preformatted_ = false;
+};
+
+}  // namespace
+
+bool formatNode(Document& document, Node* node, const TreeWalker& walk) {
+  if (!node->getParentNode()) return false;
+  const unsigned long flags = node->getUpdateFlag();
+  Layout layout(document, node, walk);
+  if (node->getNodeType() == Node::NODE_ELEMENT) return layout.formatElement(static_cast<Element*>(node), flags);
+  if (node->getNodeType() == Node::NODE_TEXT) return layout.formatOwnText(static_cast<Text*>(node), flags);
+  return false;
+}
+
+}  // namespace zeldom40
