@@ -79,8 +79,10 @@ struct ContentQuestion {
 // element, which then is implied; this is what makes real pages parse.
 //
 // CHOICE: omissible elements may contain each other in a cycle. A definition is marked while the walk is inside it and
-// when it was left without a match, and is skipped when met again: it has no other answer to the same question. The
-// walk also keeps to a depth of kDeepest, groups and implied elements together; entries below are not looked at.
+// when it was left without a match, and is skipped when met again: asked the same question, it has no other answer, and
+// no definition is walked twice in vain. Only where a cycle and an exclusion meet may the answer depend on where the
+// walk began. The walk also keeps to a depth of kDeepest, groups and implied elements together; entries below are not
+// looked at.
 class ModelWalk {
  public:
   // `elements` null: the walk stays within the model that it is given. `path`, if given, receives the way to the match.

@@ -1,0 +1,352 @@
+// Declarations of entities, elements, attributes, groups and marked sections; the built-in definition.
+#include "dom/dtd/DTDParser.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "dom/dtd/BuiltInDTD.h"
+#include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/DocumentType.h"
+#include "dom/dtd/ModelGroup.h"
+#include "dom/tree/NodeAccess.h"
+#include "dom/tree/NodePool.h"
+
+namespace zeldom40 {
+namespace {
+
+// Tables from a text; checks at the end that no node is left.
+class Tables {
+ public:
+  explicit Tables(std::string_view text) : nodesBefore_(liveNodes::count) {
+    parser_ = std::make_unique<DTDParser>(text.data(), static_cast<unsigned>(text.size()));
+    result = parser_->parse(LexerType::LEX_EOF);
+  }
+  ~Tables() {
+    parser_.reset();
+    EXPECT_EQ(liveNodes::count, nodesBefore_);
+  }
+  ParserType::_dtd_frame* operator->() const { return parser_->getDTDFrame(); }
+  ElementDefinition* element(std::string_view upperName) const {
+    return parser_->getDTDFrame()->elements->find(upperName);
+  }
+  // "X 2 4 (A | B)*": name, omission, content type and content of all definitions.
+  std::string elements() const {
+    std::string out;
+    for (const ElementDefinition* d : *parser_->getDTDFrame()->elementList) {
+      if (!out.empty()) out += "; ";
+      out += d->getName() + ' ' + std::to_string(d->getOmission()) + ' ' + std::to_string(d->getContentType()) + ' ' +
+             d->getContentText();
+    }
+    return out;
+  }
+  // "a 1 3; b 1 3 P|Q": name, declared type, default type, values.
+  std::string attributes(std::string_view upperName) const {
+    const ElementDefinition* definition = element(upperName);
+    if (!definition || !definition->getAttributes()) return "none";
+    std::string out;
+    for (const Node* n = definition->getAttributes()->getFirstChild(); n; n = n->getNextSibling()) {
+      const auto* a = static_cast<const AttributeDefinition*>(n);
+      if (!out.empty()) out += "; ";
+      out += a->getName() + ' ' + std::to_string(a->getDeclaredType()) + ' ' + std::to_string(a->getDefaultType());
+      if (!a->getAllowedTokens()) continue;
+      char sign = ' ';
+      for (const std::string& token : *a->getAllowedTokens()) {
+        out += sign + token;
+        sign = '|';
+      }
+    }
+    return out;
+  }
+
+  int result;
+
+ private:
+  long nodesBefore_;
+  std::unique_ptr<DTDParser> parser_;
+};
+
+TEST(DTDParser, ElementDeclarations) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"<!ELEMENT X - O EMPTY>", "X 2 1 EMPTY"},
+      {"<!ELEMENT X - - ANY>", "X 1 2 ANY"},
+      {"<!ELEMENT X O - CDATA>", "X 3 5 CDATA"},
+      {"<!ELEMENT X O O (#PCDATA)>", "X 4 3 (#PCDATA)"},
+      {"<!ELEMENT X - - empty>", "X 1 4 EMPTY"},
+      {"<!ELEMENT x - - (a, B?, (c|d)+)* -- c -->", "x 1 4 (A, B?, (C | D)+)*"},
+      {"<!ELEMENT -- c -- X -- c -- - -- c -- O -- c -- A -- c -->", "X 2 4 A"},
+      {"<!ELEMENT (X|Y Z) - - (A & B)>", "X 1 4 (A & B); Y 1 4 (A & B); Z 1 4 (A & B)"},
+      // The type is what was written last.
+      {"<!ELEMENT X - - (#PCDATA|A)*>", "X 1 4 (#PCDATA | A)*"},
+      {"<!ELEMENT X - - (A|#PCDATA)*>", "X 1 3 (A | #PCDATA)*"},
+      {"<!ELEMENT X - - (#PCDATA) -(A)>", "X 1 4 (#PCDATA) -(A)"},
+      {"<!ELEMENT X - - (A|CDATA)*>", "X 1 3 (A | #PCDATA)*"},
+      {"<!ELEMENT X - - (CDATA)*>", "X 1 5 CDATA"},
+      // "+" behind ")" is an occurrence.
+      {"<!ELEMENT X - - (A)* +(B|C)>", "X 1 4 (A)* +(B | C)"},
+      {"<!ELEMENT X - - (A) +(B)>", "X 1 4 (A)+ (B)"},
+      {"<!ELEMENT X - - (A)+ +(B)>", "X 1 4 (A)+ +(B)"},
+      {"<!ELEMENT X - - (A)* -(B) +(C)>", "X 1 4 (A)* -((B)+ (C))"},
+      {"<!ELEMENT X - - A? +B -C* +D>", "X 1 4 A? -(C*) +(D)"},
+      {"<!ELEMENT X - - (A & #PCDATA , C)>", "X 1 4 (A & #PCDATA & C)"},
+      {"<!ELEMENT X - - ((A) B)>", "X 1 4 ((A) B)"},
+      {"<!ELEMENT X - - A))>", "X 1 4 A"},
+      // Dropped; what follows is read.
+      {"<!ELEMENT X - - (A & #PCDATA & C)><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!ELEMENT X EMPTY><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!ELEMENT X -- EMPTY><!ELEMENT Y - - A>", ""},
+      {"<!ELEMENT X - - (A -- c -- | B)><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!ELEMENT X - - (A | B , C)><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!ELEMENT X - - (A) \"x\"><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!FOO bar><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!NOTATION n PUBLIC \"x\"><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<!ELEMENT X - - (A>", "X 1 4 (A)"},
+      {"<!ELEMENT X - - (A", ""},
+      {"<!ELEMENT () - - A><!ELEMENT - - A>", ""},
+      {"<!ELEMENT X - - A><!ELEMENT x - O EMPTY>", "X 1 4 A; x 2 1 EMPTY"},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Tables(text).elements(), expected) << text;
+}
+
+TEST(DTDParser, TheFirstElementCountsAndNamesShareTheirModel) {
+  const Tables tables("<!ELEMENT (H1|h2) - - (#PCDATA)><!ELEMENT H2 - O EMPTY><!ELEMENT FOO - - ANY>");
+  EXPECT_EQ(tables->elementList->size(), 4u);
+  const ElementDefinition* h1 = tables.element("H1");
+  const ElementDefinition* h2 = tables.element("H2");
+  EXPECT_EQ(h2->getName(), "h2");
+  EXPECT_EQ(h2->upperName().view(), "H2");
+  EXPECT_EQ(h2->getContentType(), ElementDefinition::CONTENT_TEXT);
+  EXPECT_EQ(h1->getModel(), h2->getModel());
+  EXPECT_EQ(NodeAccess::refCount(h1->getModel()), 2);
+  EXPECT_EQ(h1->getElementID(), ID_H1);
+  // By the name as written.
+  EXPECT_EQ(h2->getElementID(), ID_UNKNOWN);
+  EXPECT_EQ(tables.element("FOO")->getElementID(), ID_UNKNOWN);
+  EXPECT_EQ(h1->getGroup(), GetHTML40ElementGroup(ID_H1));
+  EXPECT_EQ(h1->ordinal(), 0);
+  EXPECT_EQ((*tables->elementList)[2]->ordinal(), -1);
+  EXPECT_EQ(tables.element("FOO")->ordinal(), 2);
+}
+
+TEST(DTDParser, AttributeLists) {
+  const std::string x = "<!ELEMENT X - - ANY>";
+  const std::pair<const char*, const char*> cases[] = {
+      {"<!ATTLIST X a CDATA #IMPLIED b (p|q) #IMPLIED>", "a 1 3; b 1 3 P|Q"},
+      {"<!ATTLIST X b (p|q) p a idrefs #required c (r) \"r\">", "b 0 0 P|Q; a 4 2; c 4 0 R"},
+      {"<!ATTLIST (Y|x) v CDATA #FIXED 'a' w NUMBER 1 -- c -->", "v 1 1; w 0 0"},
+      {"<!ATTLIST X a NMTOKENS #IMPLIED b NAME x>", "a 8 3; b 0 0"},
+      {"<!ATTLIST X a CDATA #IMPLIED><!ATTLIST X b ID #IMPLIED>", "b 2 3"},
+      {"<!ATTLIST X aB CDATA x Ab CDATA #IMPLIED>", "aB 1 0; Ab 1 3"},
+      // Dropped as a whole.
+      {"<!ATTLIST X a CDATA #IMPLIED ]>", "none"},
+      {"<!ATTLIST X a CDATA #IMPLIED", "none"},
+      {"<!ATTLIST X a (p|", "none"},
+      {"<!ATTLIST X a CDATA #FIXED>", "none"},
+      {"<!ATTLIST X>", "none"},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Tables(x + text).attributes("X"), expected) << text;
+  EXPECT_EQ(Tables("<!ATTLIST X a CDATA #IMPLIED>" + x).attributes("X"), "none") << "not declared yet";
+  EXPECT_EQ(Tables("<!ATTLIST X>" + x).elements(), "X 1 2 ANY") << "the list eats its own end and no more";
+}
+
+TEST(DTDParser, AttributeLookUps) {
+  const Tables tables("<!ELEMENT (X|Y|Z) - - ANY><!ATTLIST (X|Y) href CDATA #IMPLIED>");
+  const ElementDefinition* x = tables.element("X");
+  AttributeDefinition* href = x->getAttributeDefinition("hReF");
+  ASSERT_TRUE(href);
+  EXPECT_EQ(href->upperName().view(), "HREF");
+  EXPECT_EQ(tables.element("Y")->getAttributes(), x->getAttributes());
+  EXPECT_FALSE(x->getAttributeDefinition("src"));
+  EXPECT_FALSE(x->getAttributeDefinition(nullptr));
+  EXPECT_FALSE(tables.element("Z")->getAttributeDefinition("HREF"));
+  unsigned long errors = ERR_ELEMENT_UNKNOWN;
+  EXPECT_TRUE(x->checkAttributeValidity("HREF", "any", &errors));
+  EXPECT_TRUE(tables.element("Z")->checkAttributeValidity("SRC", "any", &errors));
+  EXPECT_EQ(errors, ERR_ELEMENT_UNKNOWN);
+  EXPECT_FALSE(x->checkAttributeValidity("href", "any", &errors)) << "exact: the caller raises the name";
+  EXPECT_EQ(errors, ERR_ELEMENT_UNKNOWN | ERR_ATTR_INVALID_NAME);
+  EXPECT_FALSE(x->checkAttributeValidity("SRC", "any", nullptr));
+}
+
+TEST(DTDParser, Entities) {
+  const Tables tables(
+      "<!ENTITY % a 'one'><!ENTITY % a 'two'><!ENTITY % b 'x\\'y\\\\z'><!ENTITY % s SYSTEM 'sys'>"
+      "<!ENTITY % p PUBLIC 'pub'><!ENTITY % bad 'x' 'y'><!ENTITY % c -- c -- '%a;%a;' -- c -->"
+      "<!ENTITY nbsp CDATA '&#160;'><!ENTITY other CDATA '&#160;'><!ENTITY nul CDATA '&#0;'>"
+      "<!ENTITY amp CDATA '&'><!ENTITY amp 'x'><!ENTITY n SYSTEM 'file' NDATA gif><!ENTITY e ''>"
+      "<!ENTITY pq PUBLIC 'p' 'q'><!ENTITY p1 PUBLIC 'p'>");
+  EXPECT_EQ(tables.result, 0);
+  const auto parameter = [&](const char* name) {
+    const EntityRecord* e = tables->parameterEntities->find(name);
+    return e ? e->text + '/' + e->publicId + '/' + e->systemId : "none";
+  };
+  EXPECT_EQ(parameter("a"), "one//");
+  EXPECT_EQ(parameter("b"), "x'y\\z//");
+  EXPECT_EQ(parameter("s"), "SYSTEM//sys");
+  EXPECT_EQ(parameter("p"), "PUBLIC/pub/");
+  EXPECT_EQ(parameter("bad"), "none");
+  EXPECT_EQ(parameter("c"), "oneone//");
+  const auto general = [&](const char* name) {
+    const GeneralEntityRecord* e = tables->generalEntities->find(name);
+    return e ? e->text + '/' + e->publicId + '/' + e->systemId + '/' + e->notation : "none";
+  };
+  EXPECT_EQ(general("nbsp"), "\x1b\xa0///");
+  EXPECT_EQ(general("other"), "\x1b\xa0///");
+  EXPECT_EQ(general("nul"), "&#0;///");
+  EXPECT_EQ(general("amp"), "&///");
+  EXPECT_EQ(general("n"), "SYSTEM//file/gif");
+  EXPECT_EQ(general("pq"), "PUBLIC/p/q/");
+  EXPECT_EQ(general("e"), "none");
+  EXPECT_EQ(general("p1"), "none");
+  ASSERT_EQ(tables->charEntities->size(), 1u);
+  EXPECT_EQ(FrameCharacterNames(tables.operator->()).nameOf(160), "nbsp");
+  EntityText found;
+  EXPECT_TRUE(FrameEntities(tables.operator->()).find("n", found));
+  EXPECT_EQ(found.systemId, "file");
+  EXPECT_FALSE(FrameEntities(tables.operator->()).find("NBSP", found));
+}
+
+TEST(DTDParser, SectionsGroupsAndUndeclaredReferences) {
+  const std::string x = "<!ELEMENT X - - A>";
+  const std::pair<std::string, std::string> cases[] = {
+      {"<!ENTITY % s 'INCLUDE'><!ENTITY % s 'IGNORE'><![ %s; [" + x + "]]>" + x, "X 1 4 A; X 1 4 A"},
+      {"<![IGNORE[" + x + "]]><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<![INCLUDE[<![INCLUDE[" + x + "]]>" + x + "]]>" + x, "X 1 4 A; X 1 4 A; X 1 4 A"},
+      // The first "]]>" closes; what follows is read.
+      {"<![IGNORE[<![IGNORE[ ]]>" + x + "]]>", "X 1 4 A"},
+      {"<![IGNORE[]]>" + x + "]]><!ELEMENT Y - - A>", "Y 1 4 A"},
+      {"<![IGNORE[" + x, ""},
+      {"<![OTHER[" + x + "]]>", "X 1 4 A"},
+      {"<![INCLUDE[]]>" + x, "X 1 4 A"},
+      // An undeclared reference ends the text, but only its section inside one.
+      {"<!ELEMENT Y - - A> %no; " + x, "Y 1 4 A"},
+      {"<!ELEMENT Y - - (A|%no;)>" + x, ""},
+      {"<![INCLUDE[<!ELEMENT Y - - A> %no; ]]>" + x, "Y 1 4 A; X 1 4 A"},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Tables(text).elements(), expected) << text;
+  EXPECT_EQ(Tables("%no;").result, -1);
+
+  const Tables tables(
+      "<!ELEMENT (X|Y) - - A><!GROUP PLAIN (x|NONE)><!GROUP BREAK X -- c --><!GROUP OTHER Y>"
+      "<!GROUP BLOCK Y Y>");
+  EXPECT_EQ(tables.element("X")->getGroup(), GROUP_PLAIN | GROUP_BREAK);
+  EXPECT_EQ(tables.element("Y")->getGroup(), 0u);
+}
+
+TEST(DTDParser, PublicIdentifiersAreReadThroughTheCatalog) {
+  const std::filesystem::path file = std::filesystem::temp_directory_path() / "zeldom40_catalog_test.dtd";
+  std::ofstream(file) << "<!ELEMENT X - - A> %self;";
+  const std::string text = "<!ENTITY % self PUBLIC 'pub'> %self; <!ELEMENT Y - - A>";
+  {
+    const Tables tables(text);
+    EXPECT_EQ(tables.elements(), "Y 1 4 A");
+    CatalogRecord record{file.string()};
+    Hash<CatalogRecord> catalog(Hash<CatalogRecord>::kFrameBuckets);
+    catalog.insert("pub", &record);
+    tables->catalog = &catalog;
+    const ParserType::_dtd_parser_frame shared{tables.operator->()};
+    DTDParser(text.data(), static_cast<unsigned>(text.size()), &shared).parse(LexerType::LEX_EOF);
+    tables->catalog = nullptr;
+    // The file refers to itself: it is opened only so often.
+    EXPECT_EQ(tables->elementList->size(), 1u + 16u + 1u);
+  }
+  std::filesystem::remove(file);
+}
+
+TEST(DTDParser, APagesDeclarationsJoinTheTables) {
+  const Tables tables("<!ELEMENT P - O (A)><!ATTLIST P a CDATA #IMPLIED>");
+  const AttributeDefinition* old = tables.element("P")->findAttribute("A");
+  const unsigned before = tables->generation;
+  const std::string page = "<!ATTLIST P z CDATA #IMPLIED><!ELEMENT Q - - (P)>";
+  const ParserType::_dtd_parser_frame shared{tables.operator->()};
+  {
+    DTDParser nested(page.data(), static_cast<unsigned>(page.size()), &shared);
+    EXPECT_EQ(nested.parse(LexerType::LEX_EOF), 0);
+  }
+  EXPECT_EQ(tables.attributes("P"), "z 1 3");
+  EXPECT_EQ(old->getName(), "a") << "attributes of open pages point into a list that was replaced";
+  EXPECT_EQ(tables.elements(), "P 2 4 (A); Q 1 4 (P)");
+  EXPECT_NE(tables->generation, before);
+}
+
+TEST(DTDParser, APlaceholderHasNoTables) {
+  DTDParser parser;
+  EXPECT_EQ(parser.parse(LexerType::LEX_EOF), -1);
+  EXPECT_EQ(parser.getDTDFrame(), nullptr);
+}
+
+TEST(DocumentType, LooksElementsUpInAnyCase) {
+  const DocumentType type("id", "<!ELEMENT TABLE - - (TR)><!ELEMENT TR - - ANY>", -1);
+  EXPECT_EQ(type.getName(), "id");
+  EXPECT_EQ(type.getElementDefinition("table"), type.getElementDefinition("TABLE"));
+  EXPECT_TRUE(type.getElementDefinition("tr"));
+  EXPECT_FALSE(type.getElementDefinition("td"));
+  EXPECT_FALSE(type.getElementDefinition(nullptr));
+  EXPECT_EQ(DocumentType("id", "<!ELEMENT X - - A>", 9).getElementDefinitions().size(), 0u);
+  EXPECT_FALSE(DocumentType().getElementDefinition("X"));
+  EXPECT_TRUE(DocumentType("id", nullptr, 0).getElementDefinitions().empty());
+  EXPECT_EQ(FrameTables::entities(&type)->find("x", *std::make_unique<EntityText>()), false);
+  EXPECT_EQ(FrameTables::entities(static_cast<const DocumentType*>(nullptr)), nullptr);
+}
+
+TEST(BuiltInDTD, IsReadWhole) {
+  const Tables tables(builtInDTD());
+  EXPECT_EQ(tables.result, 0);
+  EXPECT_EQ(tables->winners.size(), 127u);
+  EXPECT_EQ(tables->elementList->size(), 127u);
+  EXPECT_EQ(tables->generalEntities->size(), 252u);
+  EXPECT_EQ(tables->charEntities->size(), 252u);
+  EXPECT_EQ(tables->charEntities->find(8364)->second.name, "euro");
+  EXPECT_TRUE(builtInDTD().starts_with("<!ENTITY % HTML.Version \"" + std::string(kBuiltInPublicId)));
+  // All that a model or a list names is declared, but for the two that stay unknown tags.
+  for (int id = NameTable::kFirstName; id < tables->names.size(); ++id) {
+    EXPECT_TRUE(tables.element(tables->names.name(id).view())) << tables->names.name(id).view();
+  }
+  for (const ElementDefinition* d : tables->winners) EXPECT_NE(d->getElementID(), ID_UNKNOWN) << d->getName();
+}
+
+TEST(BuiltInDTD, DepartsFromHtmlWhereItShould) {
+  const Tables tables(builtInDTD());
+  const std::pair<const char*, const char*> contents[] = {
+      {"ZELROOT", "(HTML)"},
+      {"ZELTEMP", "ANY"},
+      {"HTML", "(HEAD, (FRAMESET | BODY))"},
+      {"HEAD", "(TITLE & ISINDEX? & BASE?)+ (SCRIPT | STYLE | META | LINK | OBJECT)"},
+      {"TITLE", "(#PCDATA) -(SCRIPT | STYLE | META | LINK | OBJECT)"},
+      {"STYLE", "CDATA"},
+      {"SCRIPT", "CDATA"},
+      {"NOFRAMES", "(BODY) -(NOFRAMES)"},
+      {"FRAMESET", "((FRAMESET | FRAME)+ & NOFRAMES?)"},
+      {"COLGROUP", "(COL)*"},
+      {"TABLE", "(CAPTION?, (COL* | COLGROUP*), THEAD?, TFOOT?, TBODY+)"},
+      {"JSP:PLUGIN", "(JSP:PARAMS | JSP:FALLBACK)?"},
+      {"ZELX:ATV", "ANY"},
+  };
+  for (const auto& [name, content] : contents) EXPECT_EQ(tables.element(name)->getContentText(), content) << name;
+  const std::pair<const char*, const char*> lists[] = {
+      {"TITLE", "lang 0 3; dir 0 3 LTR|RTL"},
+      {"JSP:USEBEAN", "id 2 2; scope 2 0 PAGE|SESSION|REQUEST|APPLICATION; class 1 3; beanName 1 3; type 1 3"},
+      {"JSP:SCRIPTLET", "none"},
+      {"PARAM", "id 2 3; name 1 2; value 1 3; valuetype 1 0 DATA|REF|OBJECT; type 1 3; property 1 3"},
+  };
+  for (const auto& [name, list] : lists) EXPECT_EQ(tables.attributes(name), list) << name;
+  // Enumerations say the type before them.
+  const std::pair<const char*, std::pair<const char*, int>> types[] = {
+      {"TD", {"SCOPE", 4}},        {"TD", {"ALIGN", 0}},          {"COL", {"ALIGN", 1}},
+      {"SELECT", {"MULTIPLE", 0}}, {"OL", {"DYNAMICELEMENT", 0}}, {"OBJECT", {"ALIGN", 0}},
+  };
+  for (const auto& [element, attribute] : types) {
+    const AttributeDefinition* definition = tables.element(element)->findAttribute(attribute.first);
+    ASSERT_TRUE(definition) << element << ' ' << attribute.first;
+    EXPECT_EQ(definition->getDeclaredType(), attribute.second) << element << ' ' << attribute.first;
+  }
+  for (const char* reserved : {"DATASRC", "DATAFLD", "DATAFORMATAS"}) {
+    EXPECT_FALSE(tables.element("SPAN")->findAttribute(reserved));
+  }
+}
+
+}  // namespace
+}  // namespace zeldom40

@@ -1,0 +1,205 @@
+// Texts that try to hang, overflow or exhaust: each has to end, in time that grows with its length, on a small stack.
+#include <chrono>
+#include <functional>
+#include <pthread.h>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "dom/dtd/BuiltInDTD.h"
+#include "dom/dtd/ContentTable.h"
+#include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/DTDParser.h"
+#include "dom/tree/Element.h"
+#include "dom/tree/ElementAccess.h"
+#include "dom/tree/NodePool.h"
+#include "dom/tree/Text.h"
+
+namespace zeldom40 {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t kStack = 1 << 20;  // frames are several times larger
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr std::size_t kStack = 1 << 20;
+#else
+constexpr std::size_t kStack = 256 << 10;
+#endif
+#else
+constexpr std::size_t kStack = 256 << 10;
+#endif
+
+void onSmallStack(const std::function<void()>& work) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kStack);
+  pthread_t thread;
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<const std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+std::string repeat(std::string_view text, std::size_t count) {
+  std::string out;
+  for (std::size_t i = 0; i < count; ++i) out += text;
+  return out;
+}
+
+std::string numbered(std::string_view before, std::string_view after, std::size_t count) {
+  std::string out;
+  for (std::size_t i = 0; i < count; ++i) out.append(before).append(std::to_string(i)).append(after);
+  return out;
+}
+
+// Reads `page` into the tables of the built-in DTD, as a page's own declarations are read, and asks about a few
+// elements afterwards.
+void readAsPage(const std::string& page) {
+  const long nodes = liveNodes::count;
+  {
+    DTDParser base(builtInDTD().data(), static_cast<unsigned>(builtInDTD().size()));
+    base.parse(LexerType::LEX_EOF);
+    const ParserType::_dtd_parser_frame shared{base.getDTDFrame()};
+    DTDParser(page.data(), static_cast<unsigned>(page.size()), &shared).parse(LexerType::LEX_EOF);
+    ContentTable& table = contentTable(*shared.frame);
+    const ContentTable::OpenSets* sets = table.noSets();
+    ElementDefinition* p = shared.frame->elements->find("P");
+    Text text(nullptr);
+    for (const char* name : {"P", "X", "X0", "X1", "ZELROOT", "BODY"}) {
+      ElementDefinition* definition = shared.frame->elements->find(name);
+      if (!definition) continue;
+      Element element("P", nullptr);
+      ElementAccess::bind(&element, p);
+      const bool allowed = definition->canContain(&element, nullptr, nullptr);
+      EXPECT_EQ(table.elementAnswer(*definition, p, table.nameId("P")).allowed, allowed);
+      definition->canContain(&text, nullptr, nullptr);
+      sets = table.extend(sets, definition);
+      definition->getContentText();
+    }
+  }
+  EXPECT_EQ(liveNodes::count, nodes);
+}
+
+struct Shape {
+  const char* name;
+  std::function<std::string(std::size_t)> make;  // of about that many bytes
+};
+
+const Shape kShapes[] = {
+    {"bangs", [](std::size_t n) { return repeat("<!x", n / 3); }},
+    {"open list", [](std::size_t n) { return "<!ATTLIST P a CDATA #IMPLIED " + repeat("] ", n / 2); }},
+    {"endless list", [](std::size_t n) { return "<!ATTLIST P" + repeat(" a CDATA #IMPLIED", n / 17); }},
+    {"endless enumeration", [](std::size_t n) { return "<!ATTLIST P a (" + repeat("b|", n / 2); }},
+    {"many lists", [](std::size_t n) { return repeat("<!ATTLIST P a (b) c>", n / 20); }},
+    {"names times attributes",
+     [](std::size_t n) {
+       return "<!ATTLIST (" + repeat("P|", n / 4) + ")" + numbered(" a", " ID #IMPLIED", n / 40) + ">";
+     }},
+    {"open group", [](std::size_t n) { return "<!ELEMENT (" + repeat("X|", n / 2); }},
+    {"open ignored section", [](std::size_t n) { return "<![IGNORE[" + repeat("<!ELEMENT X - - ANY>", n / 20); }},
+    {"sections", [](std::size_t n) { return repeat("<![INCLUDE[", n / 11); }},
+    {"sections and ends", [](std::size_t n) { return repeat("<![INCLUDE[<", n / 15) + repeat("]]>", n / 15); }},
+    {"parentheses", [](std::size_t n) { return "<!ELEMENT X - - " + repeat("(", n / 2) + repeat(")", n / 2) + ">"; }},
+    {"deepest groups",
+     [](std::size_t n) {
+       return repeat("<!ELEMENT X O O " + repeat("(", 100) + "A" + repeat(")", 100) + ">", n / 218);
+     }},
+    {"inclusions", [](std::size_t n) { return "<!ELEMENT X - - A " + repeat("+ -", n / 3) + ">"; }},
+    {"cycle", [](std::size_t n) { return numbered("<!ELEMENT X", " O O (X0)* +(X1) -(X)>", n / 30); }},
+    {"chain of omitted tags",
+     [](std::size_t n) {
+       std::string out = "<!ELEMENT X O O (X0)>";
+       for (std::size_t i = 0; out.size() < n; ++i) {
+         out += "<!ELEMENT X" + std::to_string(i) + " O O (X" + std::to_string(i + 1) + ")>";
+       }
+       return out;
+     }},
+    {"lattice of omitted tags",
+     [](std::size_t n) {
+       std::string out = "<!ELEMENT X O O (X0|Y0)>";
+       for (std::size_t i = 0; out.size() < n; ++i) {
+         const std::string next = std::to_string(i + 1);
+         out += "<!ELEMENT (X" + std::to_string(i) + "|Y" + std::to_string(i) + ") O O (X" + next + "|Y" + next + ")>";
+       }
+       return out;
+     }},
+    {"doubling entities",
+     [](std::size_t n) {
+       std::string out = "<!ENTITY % e0 'xxxxxxxxxxxxxxxxxxxx'>";
+       for (std::size_t i = 0; out.size() < n; ++i) {
+         const std::string last = std::to_string(i);
+         out += "<!ENTITY % e" + std::to_string(i + 1) + " '%e" + last + ";%e" + last + ";'>";
+       }
+       return out;
+     }},
+    {"references in a literal",
+     [](std::size_t n) { return "<!ENTITY % a 'x'><!ENTITY % b '" + repeat("%a;", n / 3) + "'>%b;"; }},
+    {"references in the open", [](std::size_t n) { return "<!ENTITY % a ' '>" + repeat("%a;", n / 3); }},
+    {"references kept by a comment",
+     [](std::size_t n) { return "<!ENTITY % a ''><!ENTITY % b 'A-- " + repeat("%a;", n / 3) + "'>%b;"; }},
+    {"entity that holds itself", [](std::size_t n) { return "<!ENTITY % c 'A-- %c;'>" + repeat("%c; ", n / 4); }},
+    {"percent signs", [](std::size_t n) { return repeat("%", n); }},
+    {"undeclared references", [](std::size_t n) { return repeat("<![INCLUDE[<%x;", n / 15); }},
+    {"closing quotes out of entities",
+     [](std::size_t n) { return "<!ENTITY % q \"'\"><!ENTITY % d '\"'>" + repeat("%q; 'a%q; %d;\"b%d; ", n / 20); }},
+    {"comments without end", [](std::size_t n) { return repeat("<!ELEMENT X -- ", n / 15); }},
+    {"many entities", [](std::size_t n) { return numbered("<!ENTITY % e", " ''>", n / 20); }},
+    {"many characters", [](std::size_t n) { return numbered("<!ENTITY e '&#9", ";'>", n / 24); }},
+    {"many elements", [](std::size_t n) { return numbered("<!ELEMENT X", " - - (P) -(P)>", n / 30); }},
+    {"one element again", [](std::size_t n) { return repeat("<!ELEMENT X - - (A|B)>", n / 22); }},
+    {"names times tokens",
+     [](std::size_t n) { return "<!ELEMENT (" + repeat("X|", n / 4) + ") - - (" + repeat("P|", n / 4) + ")>"; }},
+    {"NULs and marks",
+     [](std::size_t n) { return repeat(std::string_view("<!\0ENTITY\x1b \x1c\x1d % \0 \xff>", 18), n / 18); }},
+};
+
+TEST(HostileDTD, EveryShapeEndsInTimeThatGrowsWithItsLength) {
+  for (const Shape& shape : kShapes) {
+    SCOPED_TRACE(shape.name);
+    const std::string page = shape.make(1 << 20);
+    const auto start = std::chrono::steady_clock::now();
+    onSmallStack([&] { readAsPage(page); });
+    // Far above what a linear reader needs here, far below what a quadratic one does.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  }
+}
+
+TEST(HostileDTD, EveryShapeMayBeCutAnywhere) {
+  for (const Shape& shape : kShapes) {
+    SCOPED_TRACE(shape.name);
+    const std::string page = shape.make(300);
+    const auto step = std::max<std::size_t>(1, page.size() / 40);
+    for (std::size_t length = 0; length <= page.size(); length += step) readAsPage(page.substr(0, length));
+  }
+}
+
+TEST(HostileDTD, RandomPiecesNeitherCrashNorLeak) {
+  const std::string_view pieces[] = {"<!ELEMENT ",  "<!ATTLIST ", "<!ENTITY ",  "<!GROUP BLOCK ",
+                                     "<![INCLUDE[", "<![IGNORE[", "<!NOTATION", "]]>",
+                                     "]",           ">",          "(",          ")",
+                                     "|",           ",",          "&",          "+",
+                                     "-",           "*",          "?",          "%",
+                                     "%P;",         "%X",         ";",          " ",
+                                     "--",          "'",          "\"",         "\\",
+                                     "O ",          "- - ",       "P ",         "X ",
+                                     "X0 ",         "EMPTY",      "ANY",        "CDATA",
+                                     "#PCDATA",     "#FIXED",     "PUBLIC ",    "SYSTEM ",
+                                     "NDATA ",      "&#160;",     "% P '",      "% X 'P",
+                                     "\n",          "\x1b",       "\x80"};
+  std::mt19937 random(1);
+  for (int round = 0; round < 3000; ++round) {
+    std::string page;
+    for (auto left = random() % 40; left > 0; --left) page += pieces[random() % std::size(pieces)];
+    SCOPED_TRACE(page);
+    readAsPage(page);
+    if (testing::Test::HasFailure()) return;
+  }
+}
+
+}  // namespace
+}  // namespace zeldom40
