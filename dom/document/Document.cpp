@@ -22,6 +22,7 @@ Document::~Document() {
   eraseSelections();
   delete scratchElement_;
   delete scratchText_;
+  clearRecord();
 }
 
 Node* Document::getDocumentType() { return documentType_; }
@@ -121,23 +122,6 @@ Node* Document::findClonedNode(Node* node, Node* sourceTop, Node* cloneTop) {
     if (!found) return nullptr;
   }
   return found;
-}
-
-// --- undo ------------------------------------------------------------------------------------------------------------
-
-// CHOICE: the state word is kept from the start, though no history exists yet that a snapshot would go to: the state of
-// the tree counts as saved until the next change is closed.
-void Document::record() {
-  if (recordFlags_ & (kRecordTaken | kRecordDisabled)) return;
-  if (recordFlags_ & kRecordSuspended) {
-    if (recordFlags_ & kRecordInGroup) return;
-    recordFlags_ |= kRecordInGroup;
-  }
-  recordFlags_ |= kRecordTaken;
-}
-
-void Document::enableRecord(bool enable) {
-  recordFlags_ = enable ? recordFlags_ & ~unsigned{kRecordDisabled} : recordFlags_ | kRecordDisabled;
 }
 
 }  // namespace zeldom40

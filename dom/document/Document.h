@@ -18,6 +18,7 @@ class DOM;
 class DocumentType;
 class Element;
 class PI;
+class UndoStack;
 
 // A node that is never part of a tree itself: it holds the root of one and works on it. Made by DOM::createDocument and
 // freed by DOM::deleteDocument. Not safe for two threads.
@@ -148,9 +149,24 @@ class ZELDOM40_API Document : public Node {
   void skipAdjust();
 
   // --- undo ---------------------------------------------------------------------------------------------------------
-  // Called before every change of the tree.
+  // Saves the present state, at most once until an edit is closed by adjustNodes. Every mutator of a node in the tree
+  // calls it before its change; a host calls it to mark the beginning of an edit. Ten states are kept.
   void record();
+  // Between suspend and its end a group of changes gets one record. KEPT: adjustNodes ends suspension and disabling.
+  void suspendRecord(bool suspend);
   void enableRecord(bool enable);
+  // Drops the newest state, unless something was undone since; the count falls in any case.
+  void cancelRecord();
+  // Frees the history; the count stays.
+  void clearRecord();
+  // Step back, step forth, by `count` states or as many as there are. All nodes of the tree are replaced. Return how
+  // many steps remain in that direction. KEPT: a count below 1 takes no step but still changes getRecordCount.
+  int undo(int count);
+  int canUndo();
+  int redo(int count);
+  int canRedo();
+  // Position in the history: a host compares it with a saved value to know whether the page is modified.
+  unsigned long getRecordCount();
 
  private:
   friend class Node;
@@ -170,6 +186,7 @@ class ZELDOM40_API Document : public Node {
   void forgetCursorInside(const Node* top);
   bool isEmptyByItself(const Node* node) const;
   bool dropLeftBehind(Node* node);
+  void replaceDocumentElement(Element* root);
   void shiftOffsets(Node* parent, int index, int by);
   bool cursorCanMove(const Node* node) const { return node && cursorNode_ && documentElement_ && adjustCursors_; }
 
@@ -189,7 +206,9 @@ class ZELDOM40_API Document : public Node {
   bool inClassify_ = false;
   Node* retainedCursorNode_ = nullptr;
   mutable std::string sourceBuf_;
+  UndoStack* undoStack_ = nullptr;
   unsigned recordFlags_ = 0;
+  long recordCount_ = 0;
 };
 
 }  // namespace zeldom40

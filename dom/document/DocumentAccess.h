@@ -16,6 +16,8 @@ struct DocumentAccess {
   static void recordChange(Document* document, const Node* node) { document->recordChange(node); }
   // Neither content of its own nor the place of the cursor or of a single selection; children are not looked at.
   static bool isEmptyByItself(const Document* document, const Node* node) { return document->isEmptyByItself(node); }
+  // For undo: the present tree is deleted, `root` (one count per node, or null) becomes the tree.
+  static void replaceDocumentElement(Document* document, Element* root) { document->replaceDocumentElement(root); }
   static bool inClassify(const Document* document) { return document->inClassify_; }
   static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
   static std::string& sourceBuf(const Document* document) { return document->sourceBuf_; }

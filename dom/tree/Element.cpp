@@ -108,6 +108,31 @@ void ElementAccess::bind(Element* element, ElementDefinition* definition) {
   if (definition && NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) definition->addRef(false);
 }
 
+bool ElementAccess::isUntouched(const Element* element) {
+  const Element& e = *element;
+  if (e.beginTagDirty_ || e.endTagDirty_ || (!e.attributesInBlock_ && e.attributes_.list)) return false;
+  if (e.extra_ && (e.extra_->beginOwn || e.extra_->endOwn || e.extra_->metaData)) return false;
+  if (!e.definition_) return e.elementType_ == Element::ELEMENT_UNDEFINED && e.elementID_ == ID_UNKNOWN;
+  return e.elementType_ == Element::ELEMENT_DEFINED && e.elementID_ == e.definition_->getElementID() &&
+         NodeAccess::sharedName(element).sameRecord(e.definition_->upperName());
+}
+
+unsigned ElementAccess::flags(const Element* element) {
+  return (element->endTagExists_ ? 1u : 0u) | (element->alternative_ ? 2u : 0u) | (element->contentAtTag_ ? 4u : 0u);
+}
+
+Element* ElementAccess::createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
+                                        const PageRef& page, Slice begin, unsigned flags) {
+  Element* element = create(document, name);
+  bind(element, definition);
+  element->page_ = page;
+  element->beginTag_ = begin;
+  element->endTagExists_ = (flags & 1) != 0;
+  element->alternative_ = (flags & 2) != 0;
+  element->contentAtTag_ = (flags & 4) != 0;
+  return element;
+}
+
 // --- answers of the definition ---------------------------------------------------------------------------------------
 
 // Whether undefined elements count as empty and transparent to no content: in HTML documents, and in none at all.

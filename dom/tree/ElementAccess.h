@@ -50,6 +50,17 @@ struct ElementAccess {
   static bool isBeginTagDirty(const Element* element) { return element->beginTagDirty_; }
   static void setTagsClean(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = false; }
   static void markTagsDirty(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = true; }
+  // An element that follows from its slices, definition and attribute block alone: nothing of it was edited.
+  static bool isUntouched(const Element* element);
+  // What createUntouched needs beside the slices, in one byte.
+  static unsigned flags(const Element* element);
+  static Element* createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
+                                  const PageRef& page, Slice begin, unsigned flags);
+  static void setEndSlice(Element* element, Slice end) { element->endTag_ = end; }
+  static ElementDefinition* definition(const Element* element) { return element->definition_; }
+  static const PageRef& page(const Element* element) { return element->page_; }
+  static Slice beginSlice(const Element* element) { return element->beginTag_; }
+  static Slice endSlice(const Element* element) { return element->endTag_; }
   // Marks the one tag alone if it has no text.
   static void dirtyEmptyBeginTag(Element* element) {
     if (element->beginView().empty()) element->beginTagDirty_ = true;

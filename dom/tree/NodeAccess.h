@@ -62,6 +62,9 @@ struct NodeAccess {
   static Node* detachRange(Node* parent, Node* first, Node* last);
   // Detaches one child with the flags of removeChild, without record or cursor work.
   static void detach(Node* child);
+  // Links a node of a restored tree below its parent, without any flags.
+  static void attachRestored(Node* parent, Node* child);
+  static void clearFlags(Node* node) { node->updateFlags_ = 0; }
   // Links a clone below its parent clone; the flags are what the insertion calls would have left.
   static void adoptClone(Node* parent, Node* child);
 

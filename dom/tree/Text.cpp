@@ -151,6 +151,22 @@ void TextAccess::append(Text* text, const Text* other) {
   text->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
+unsigned TextAccess::flags(const Text* text) {
+  return text->textType_ | (text->assembled_ ? 4u : 0u) | (text->dropLeading_ ? 8u : 0u) |
+         (text->preformatted_ ? 16u : 0u) | (text->trimmed_ ? 32u : 0u);
+}
+
+Text* TextAccess::createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags) {
+  Text* text = create(document, DOMAccess::textName(), page, raw);
+  text->derived_ = true;
+  text->textType_ = flags & 3;
+  text->assembled_ = (flags & 4) != 0;
+  text->dropLeading_ = (flags & 8) != 0;
+  text->preformatted_ = (flags & 16) != 0;
+  text->trimmed_ = (flags & 32) != 0;
+  return text;
+}
+
 Text* TextAccess::splitTrailingSpace(Text* text) {
   const std::string_view raw = text->rawView();
   std::size_t end = raw.size();

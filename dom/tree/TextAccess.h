@@ -30,6 +30,14 @@ struct TextAccess {
   static Text* createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
                            std::string data);
   static std::string_view rawData(const Text* text) { return text->rawView(); }
+  // A text that follows from its slice and context alone.
+  static bool isUntouched(const Text* text) {
+    return text->derived_ && !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
+  }
+  static unsigned flags(const Text* text);
+  static Text* createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags);
+  static const PageRef& page(const Text* text) { return text->page_; }
+  static Slice slice(const Text* text) { return text->raw_; }
   // getData().empty(), without making the plain form.
   static bool hasEmptyData(const Text* text);
   // Cuts white space off the end of the raw text and returns it as a text that only formats the source, count 0; null
@@ -54,6 +62,12 @@ struct CommentAccess {
   static Comment* create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
                          bool jsp);
   static std::string_view rawData(Comment* comment) { return comment->rawView(); }
+  static bool isUntouched(const Comment* comment) {
+    return comment->page_ && !comment->rawDirty_ && !(comment->strings_ && comment->strings_->rawOwn);
+  }
+  static const PageRef& page(const Comment* comment) { return comment->page_; }
+  static Slice slice(const Comment* comment) { return comment->raw_; }
+  static Slice body(const Comment* comment) { return comment->body_; }
 };
 
 }  // namespace zeldom40

@@ -1,0 +1,73 @@
+// Undo and redo of a document.
+#include "dom/document/Document.h"
+#include "dom/document/UndoStack.h"
+#include "dom/tree/Element.h"
+
+namespace zeldom40 {
+
+void Document::record() {
+  // The present state is saved already, or nothing is to be.
+  if (recordFlags_ & (kRecordTaken | kRecordDisabled)) return;
+  if (recordFlags_ & kRecordSuspended) {
+    if (recordFlags_ & kRecordInGroup) return;
+    recordFlags_ = kRecordTaken | kRecordSuspended | kRecordInGroup;
+  } else {
+    recordFlags_ = kRecordTaken;
+  }
+  if (!undoStack_) undoStack_ = new UndoStack(*this);
+  undoStack_->push();
+  ++recordCount_;
+}
+
+void Document::suspendRecord(bool suspend) {
+  if (suspend) {
+    recordFlags_ |= kRecordSuspended;
+  } else {
+    recordFlags_ &= ~unsigned{kRecordSuspended | kRecordInGroup};
+  }
+}
+
+void Document::enableRecord(bool enable) {
+  recordFlags_ = enable ? recordFlags_ & ~unsigned{kRecordDisabled} : recordFlags_ | kRecordDisabled;
+}
+
+void Document::cancelRecord() {
+  if (undoStack_) undoStack_->cancel();
+  --recordCount_;
+}
+
+void Document::clearRecord() {
+  delete undoStack_;
+  undoStack_ = nullptr;
+}
+
+int Document::undo(int count) {
+  if (!undoStack_) return 0;
+  recordCount_ -= count;
+  undoStack_->undo(count);
+  return undoStack_->undoCount();
+}
+
+int Document::canUndo() { return undoStack_ ? undoStack_->undoCount() : 0; }
+
+int Document::redo(int count) {
+  if (!undoStack_) return 0;
+  recordCount_ += count;
+  undoStack_->redo(count);
+  return undoStack_->redoCount();
+}
+
+int Document::canRedo() { return undoStack_ ? undoStack_->redoCount() : 0; }
+
+unsigned long Document::getRecordCount() { return static_cast<unsigned long>(recordCount_); }
+
+// The root of another state takes the place of the present one. That state is as it was saved, so the next change is
+// worth a record again.
+void Document::replaceDocumentElement(Element* root) {
+  deleteNodes(nullptr);
+  documentElement_ = root;
+  Node::clearUpdateFlag();
+  recordFlags_ &= ~unsigned{kRecordTaken | kRecordInGroup};
+}
+
+}  // namespace zeldom40
