@@ -101,10 +101,13 @@ const char* typeName(const Node* node) {
   }
 }
 
-// The parser adds elements that the DTD requires and the page leaves out; nothing of them is written.
+// The parser adds elements that the DTD requires and the page leaves out. A stray end tag also gives an element without
+// begin tag, but of a kind that must have one.
 bool isImplied(const Entry& entry) {
   const Element* element = asElement(entry.node);
-  return element && entry.depth > 0 && !element->getMetaData() && element->getRawBeginTag().empty();
+  if (!element || entry.depth == 0 || element->getMetaData() || !element->getRawBeginTag().empty()) return false;
+  const ElementDefinition* definition = element->getElementDefinition();
+  return element->getRawEndTag().empty() || (definition && definition->isStartOmittable());
 }
 
 template <typename Use>
@@ -122,7 +125,7 @@ class TextPrinter {
     place(entry);
     const unsigned indent = std::min(entry.depth, kIndentedLevels);
     out_.pad(0, 2 * indent);
-    if (indent < entry.depth) out_.paint(Colour::kFaint, "(" + std::to_string(entry.depth) + ") ");
+    if (indent < entry.depth) out_.paint(Colour::kFaint, "(").paint(Colour::kFaint, std::to_string(entry.depth) + ") ");
     if (const Element* element = asElement(entry.node)) {
       print(*element, entry);
     } else if (entry.node->getNodeType() == Node::NODE_META_DATA) {
