@@ -18,6 +18,7 @@ Document::Document(const char* documentTypeName, DOM* dom)
       documentType_(dom ? dom->getDocumentType() : nullptr) {}
 
 Document::~Document() {
+  clearErrors();
   deleteNodes(nullptr);
   eraseSelections();
   delete scratchElement_;

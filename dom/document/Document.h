@@ -4,6 +4,7 @@
 #include <list>
 #include <string>
 
+#include "dom/document/ErrorPacket.h"
 #include "dom/export.h"
 #include "dom/tree/Node.h"
 #include "dom/tree/NodeIterator.h"
@@ -112,6 +113,19 @@ class ZELDOM40_API Document : public Node {
   // Reads the references of all texts below `node` anew from their source. True if there was such a text.
   bool restorePlainTexts(Node* node);
 
+  // --- errors -------------------------------------------------------------------------------------------------------
+  // Lists the nodes of the page that carry errors, in document order. Owned by the document; valid until the next call
+  // or clearErrors. The texts of messages are the host's.
+  const std::list<_dom_error_packet*>& getErrorList() const;
+  void clearErrors() const;
+  // Repairs the subtree of `node` (null: the whole page) and brings it to normal form; returns the number of repairs.
+  // Takes no undo record: a host calls record() before. What cannot be repaired keeps its error bits. KEPT: recording
+  // is on afterwards, whatever it was.
+  int correctError(Node* node);
+  // Makes one misplaced node fit by creating the elements that it lacks around it. Returns its new parent, or null if
+  // nothing could be done.
+  Node* adaptNode(Node* node);
+
   // --- cursor and selections ----------------------------------------------------------------------------------------
   // Adds a selection (`append` not 0) or makes it the only one; the ends are put in document order. Null: nothing.
   void select(Node* a, unsigned aOffset, Node* b, unsigned bOffset, unsigned char append);
@@ -185,6 +199,7 @@ class ZELDOM40_API Document : public Node {
   Element* prepareScratchElement(const char* name);
   void forgetCursorInside(const Node* top);
   bool isEmptyByItself(const Node* node) const;
+  bool isPlace(const Node* node) const;
   bool dropLeftBehind(Node* node);
   void replaceDocumentElement(Element* root);
   void shiftOffsets(Node* parent, int index, int by);
@@ -193,6 +208,7 @@ class ZELDOM40_API Document : public Node {
   DOM* dom_ = nullptr;
   bool html_ = false;
   DocumentType* documentType_ = nullptr;
+  mutable std::list<_dom_error_packet*> errorList_;
   Element* documentElement_ = nullptr;
   std::list<_selection*> selections_;
   bool doctypeSeen_ = false;

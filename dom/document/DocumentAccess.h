@@ -18,6 +18,8 @@ struct DocumentAccess {
   static bool isEmptyByItself(const Document* document, const Node* node) { return document->isEmptyByItself(node); }
   // For undo: the present tree is deleted, `root` (one count per node, or null) becomes the tree.
   static void replaceDocumentElement(Document* document, Element* root) { document->replaceDocumentElement(root); }
+  // Whether the cursor or an end of a single selection stands right at the node.
+  static bool isPlace(const Document* document, const Node* node) { return document->isPlace(node); }
   static bool inClassify(const Document* document) { return document->inClassify_; }
   static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
   static std::string& sourceBuf(const Document* document) { return document->sourceBuf_; }

@@ -150,13 +150,12 @@ Element* Document::removeElement(Element* element, bool joinTexts) {
   return nullptr;
 }
 
-bool Document::isEmptyByItself(const Node* node) const {
-  if (node == cursorNode_) return false;
-  if (selections_.size() == 1 && (node == selections_.front()->startNode || node == selections_.front()->endNode)) {
-    return false;
-  }
-  return hasNoContentOfItsOwn(node);
+bool Document::isPlace(const Node* node) const {
+  return node == cursorNode_ || (selections_.size() == 1 && (node == selections_.front()->startNode ||
+                                                             node == selections_.front()->endNode));
 }
+
+bool Document::isEmptyByItself(const Node* node) const { return !isPlace(node) && hasNoContentOfItsOwn(node); }
 
 bool Document::isEmptyNode(Node* node, bool ignoreCursor) {
   if (!node || !(ignoreCursor ? hasNoContentOfItsOwn(node) : isEmptyByItself(node))) return false;

@@ -62,6 +62,10 @@ struct CommentAccess {
   static Comment* create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
                          bool jsp);
   static std::string_view rawData(Comment* comment) { return comment->rawView(); }
+  static std::string_view bodyText(const Comment* comment) {
+    return comment->strings_ && comment->strings_->hasData ? std::string_view(comment->strings_->data)
+                                                           : comment->body_.in(comment->page_);
+  }
   static bool isUntouched(const Comment* comment) {
     return comment->page_ && !comment->rawDirty_ && !(comment->strings_ && comment->strings_->rawOwn);
   }

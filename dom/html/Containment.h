@@ -1,0 +1,51 @@
+// Internal. Direct containment in a live tree, asked of many nodes on one walk.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "dom/dtd/ContentTable.h"
+
+namespace zeldom40 {
+
+class Document;
+class Element;
+class ElementDefinition;
+class Node;
+
+// Answers as Document::canContain(parent, child) does. That call climbs over all ancestors for their exclusions; here
+// the exclusions along the way to the node asked last are kept, so that a walk over a deep tree climbs each step once.
+class Containment {
+ public:
+  // `root` is the top of the tree that most questions are about.
+  Containment(Document& document, const Node* root);
+
+  bool canContain(Node* parent, Node* child);
+  // The same for a new element of that definition.
+  bool canContain(Node* parent, const ElementDefinition* child);
+  // Whether the innermost of a chain of new elements (outermost first), in no tree yet, can contain it.
+  bool chainCanContain(const std::vector<const ElementDefinition*>& chain, Node* child);
+  bool chainCanContain(const std::vector<const ElementDefinition*>& chain, const ElementDefinition* child);
+  // Call before a node leaves its place.
+  void forget(const Node* node);
+
+ private:
+  struct Subject;
+  struct Step {
+    const Node* node;
+    const ContentTable::OpenSets* sets;
+  };
+  const ContentTable::OpenSets* setsOf(const Element* element);
+  bool answer(const ElementDefinition* definition, const ContentTable::OpenSets* sets, const Subject& subject,
+              const SharedName& askedName);
+  bool ask(Node* parent, const Subject& subject);
+  bool describe(Node* child, Subject& subject) const;
+
+  Document& document_;
+  const Node* root_;
+  ContentTable* table_;
+  std::vector<Step> path_;
+  std::unordered_map<const Node*, std::size_t> places_;
+};
+
+}  // namespace zeldom40

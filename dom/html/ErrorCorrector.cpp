@@ -1,0 +1,457 @@
+// The repair of misplaced nodes and broken tags.
+#include "dom/html/ErrorCorrector.h"
+
+#include <algorithm>
+
+#include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
+#include "dom/document/TreeAdjuster.h"
+#include "dom/dtd/CatalogueTables.h"
+#include "dom/dtd/DocumentType.h"
+#include "dom/dtd/ElementDefinition.h"
+#include "dom/document/NameLookup.h"
+#include "dom/tree/ElementAccess.h"
+#include "dom/tree/NodeAccess.h"
+#include "dom/tree/Text.h"
+
+namespace zeldom40 {
+
+namespace {
+
+constexpr long kStepsPerNode = 48;
+constexpr unsigned long kPlacing = ERR_ELEMENT_CANNOT_BE_CONTAINED | ERR_ELEMENT_NO_PARENT_CAN_ADOPT;
+
+Element* asElement(Node* node) {
+  return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
+}
+
+unsigned long groupOf(Node* node) { return asElement(node) ? asElement(node)->getElementGroup() : 0; }
+
+int idOf(Node* node) { return asElement(node) ? asElement(node)->getElementID() : -1; }
+
+// Comments and empty texts are passed over wherever content is looked for.
+bool isPassed(Node* node, bool ignoreWhite) {
+  if (node->getNodeType() == Node::NODE_COMMENT) return true;
+  return node->getNodeType() == Node::NODE_TEXT && static_cast<Text*>(node)->isEmptyText(ignoreWhite);
+}
+
+bool isUnknown(Node* node) {
+  return asElement(node) && asElement(node)->getElementType() == Element::ELEMENT_UNDEFINED;
+}
+
+}  // namespace
+
+ErrorCorrector::ErrorCorrector(Document& document, Node* top)
+    : document_(document), top_(top), containment_(document, [top] {
+        const Node* root = top;
+        while (root->getParentNode()) root = root->getParentNode();
+        return root;
+      }()) {
+  long nodes = 0;
+  for (const Node* n = top; n; n = NodeAccess::nextInSubtree(n, top)) ++nodes;
+  budget_ = kStepsPerNode * nodes + 4096;
+}
+
+bool ErrorCorrector::spend(long steps) {
+  budget_ -= steps;
+  return budget_ >= 0;
+}
+
+// Before a node leaves its place, what is known about its surroundings is dropped.
+void ErrorCorrector::take(Node* node) {
+  containment_.forget(node);
+  node->getParentNode()->removeChild(node);
+}
+
+void ErrorCorrector::drop(Node* node) {
+  containment_.forget(node);
+  barredAt_ = nullptr;
+  document_.deleteNodes(node);
+}
+
+void ErrorCorrector::insertBehind(Node* parent, Node* node, Node* ref) {
+  // A null reference would mean the front.
+  parent->insertAfter(node, ref);
+}
+
+// A copy without children. It is new, so what the parser said of the place of the original does not hold for it.
+Element* ErrorCorrector::emptyCopy(const Element* element) {
+  auto* copy = static_cast<Element*>(element->makeClone(false));
+  copy->resetError(kPlacing);
+  copy->addRef(false);
+  return copy;
+}
+
+// --- the pass --------------------------------------------------------------------------------------------------------
+
+int ErrorCorrector::correct() {
+  for (Node* n = top_; n;) {
+    Node* next = nullptr;
+    if (Element* element = asElement(n)) {
+      if (element->getError() && correctElement(element, &next)) {
+        n = next;
+        continue;
+      }
+    } else if (n->getNodeType() == Node::NODE_TEXT && (n->getError() & ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST)) {
+      if (relocate(n)) {
+        n->resetError(ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
+        ++count_;
+      }
+    }
+    n = NodeAccess::nextInSubtree(n, top_);
+  }
+  return static_cast<int>(count_);
+}
+
+// True if the element is gone; `next` is then where the pass goes on.
+bool ErrorCorrector::correctElement(Element* element, Node** next) {
+  if ((element->getError() & kPlacing) && relocate(element)) {
+    element->resetError(kPlacing);
+    ++count_;
+  }
+  if ((element->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) && element != top_) {
+    // A stray end tag. That of a row ends the row that a repair made, which takes no more cells then.
+    if (element->getName() == "TR") {
+      for (Node* s = NodeAccess::childBefore(element); s && spend(1); s = NodeAccess::childBefore(s)) {
+        if (idOf(s) != ID_TR) continue;
+        s->resetUpdateFlag(Node::UPDATE_ADAPTED);
+        break;
+      }
+    }
+    *next = NodeAccess::nextInSubtree(element, top_);
+    for (Node* n = *next; n && element->hasChildNodes() && n->isOffspringOf(element);) {
+      n = NodeAccess::nextSkippingChildren(element, top_);
+      *next = n;
+    }
+    drop(element);
+    ++count_;
+    return true;
+  }
+  if (element->getError() & ERR_ELEMENT_END_TAG_MISSING) {
+    Node* parent = element->getParentNode();
+    if (element->getElementID() == ID_A && parent) {
+      Node* child = element->getFirstChild();
+      while (child && !(child->getError() & ERR_ELEMENT_CANNOT_BE_CONTAINED)) child = NodeAccess::childAfter(child);
+      if (child) {
+        containment_.forget(element);
+        insertBehind(parent, element->removeChildren(child, nullptr), element);
+      }
+    }
+    element->setEndTagDirty();
+    element->resetError(ERR_ELEMENT_END_TAG_MISSING);
+    ++count_;
+  }
+  if (element->getError() & ERR_ELEMENT_PARSE_ERROR) {
+    element->setBeginTagDirty();
+    element->resetError(ERR_ELEMENT_PARSE_ERROR);
+    ++count_;
+  }
+  if (element->getError() & ERR_ELEMENT_INVALID_CASE_BEGIN) {
+    element->setBeginTagDirty();
+    element->resetError(ERR_ELEMENT_INVALID_CASE_BEGIN);
+    ++count_;
+  }
+  if (element->getError() & ERR_ELEMENT_INVALID_CASE_END) {
+    element->setEndTagDirty();
+    element->resetError(ERR_ELEMENT_INVALID_CASE_END);
+    ++count_;
+  }
+  return false;
+}
+
+// --- relocate --------------------------------------------------------------------------------------------------------
+
+// Finds the node a legal place by climbing; returns the new parent, or null if there is none.
+Node* ErrorCorrector::relocate(Node* node) {
+  bool restarted = true;
+  while (restarted) {
+    restarted = false;
+    const bool crossing = crossesTable(node);
+    Node* q = node->getParentNode();
+    while (q) {
+      if (!spend(1)) return nullptr;
+      // a. and b. Here, as it is or with what it lacks.
+      if (containment_.canContain(q, node)) return q;
+      if (!crossing) {
+        if (Node* adapted = adaptNode(node)) return adapted;
+      }
+      // Nothing moves unless some place above will do.
+      if (!hasLegalPlaceAbove(q->getParentNode(), node, crossing)) return nullptr;
+      barredAt_ = nullptr;
+      // c. What is no part of a table leaves it to stand before it.
+      if ((groupOf(q) & GROUP_TABLE) && !(groupOf(node) & GROUP_TABLE) && leaveTable(node, q)) {
+        restarted = true;
+        break;
+      }
+      // d.
+      Node* g = q->getParentNode();
+      if (!g) return nullptr;
+      // e.
+      Node* earlier = NodeAccess::childBefore(node);
+      Node* later = NodeAccess::childAfter(node);
+      take(node);
+      if (!crossing && asElement(q) && asElement(node)) spread(static_cast<Element*>(q), static_cast<Element*>(node));
+      // A wrapper may have taken the neighbour in; its place is then the wrapper's.
+      while (later && later->getParentNode() != q) later = later->getParentNode();
+      // f. and g.
+      if (!earlier) {
+        g->insertBefore(node, q);
+      } else if (!later || !asElement(q)) {
+        insertBehind(g, node, q);
+      } else {
+        splitAround(node, static_cast<Element*>(q), earlier, later);
+      }
+      // h.
+      if (q->getParentNode() && document_.isEmptyNode(q, false)) drop(q);
+      q = g;
+    }
+  }
+  return nullptr;
+}
+
+// Puts `node` behind `q` and the children from `later` on into a copy of `q` behind that. The side with fewer children
+// moves; the two elements are alike, so who of them stays is told by nothing but a holder from outside.
+void ErrorCorrector::splitAround(Node* node, Element* q, Node* earlier, Node* later) {
+  Node* g = q->getParentNode();
+  Element* copy = emptyCopy(q);
+  containment_.forget(q);
+  const Node* left = earlier;
+  const Node* right = later;
+  while (left && right) {
+    left = NodeAccess::childBefore(left);
+    right = NodeAccess::childAfter(right);
+  }
+  if (right && NodeAccess::refCount(q) == 1 && !DocumentAccess::isPlace(&document_, q)) {
+    g->insertBefore(copy, q);
+    g->insertBefore(node, q);
+    copy->insertLast(q->removeChildren(nullptr, earlier));
+  } else {
+    insertBehind(g, node, q);
+    insertBehind(g, copy, node);
+    copy->insertLast(q->removeChildren(later, nullptr));
+  }
+  if (document_.isEmptyNode(copy, false)) drop(copy);
+}
+
+// Whether a part of a table would have to pass something that is no table structure on its way up to its table.
+bool ErrorCorrector::crossesTable(Node* node) {
+  if (!(groupOf(node) & GROUP_TABLE_PART)) return false;
+  bool passed = false;
+  for (Node* n = node->getParentNode(); n && spend(1); n = n->getParentNode()) {
+    if (idOf(n) == ID_TABLE || containment_.canContain(n, node)) return passed;
+    if (!(groupOf(n) & GROUP_TABLE) && idOf(n) != ID_CAPTION) passed = true;
+  }
+  return false;
+}
+
+// Looks for a level from `from` up at which climbing would end, without moving anything.
+bool ErrorCorrector::hasLegalPlaceAbove(Node* from, Node* node, bool crossing) {
+  const void* kind = asElement(node) ? static_cast<const void*>(asElement(node)->getElementDefinition()) : this;
+  for (Node* n = from; n; n = n->getParentNode()) {
+    if (n == barredAt_ && kind == barredKind_) break;
+    if (!spend(1)) return false;
+    if (containment_.canContain(n, node)) return true;
+    if (crossing || !asElement(n)) continue;
+    if (plan(n, node, nullptr).way != Plan::NONE) return true;
+  }
+  barredAt_ = from;
+  barredKind_ = kind;
+  return false;
+}
+
+// --- tables ----------------------------------------------------------------------------------------------------------
+
+Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
+  Node* table = from;
+  while (table && idOf(table) != ID_TABLE) table = table->getParentNode();
+  if (!table || !table->getParentNode()) return nullptr;
+  strip(node, from);
+  take(node);
+  table->getParentNode()->insertBefore(node, table);
+  return table->getParentNode();
+}
+
+// Table parts that the node has swallowed stay behind in the table while it goes, in their order.
+void ErrorCorrector::strip(Node* node, Node* parent) {
+  if (!asElement(node)) return;
+  Node* ref = node;
+  for (Node* n = node->getFirstChild(); n && spend(1);) {
+    const bool leaves = isUnknown(n) || isPassed(n, true) || (groupOf(n) & GROUP_TABLE_PART);
+    if (!leaves) {
+      n = asElement(n) ? NodeAccess::nextInSubtree(n, node) : NodeAccess::nextSkippingChildren(n, node);
+      continue;
+    }
+    Node* next = NodeAccess::nextSkippingChildren(n, node);
+    take(n);
+    parent->insertAfter(n, ref);
+    ref = n;
+    n = next;
+  }
+}
+
+// --- spread ----------------------------------------------------------------------------------------------------------
+
+// Makes a misplaced inline element again around what stands in the element that it leaves. Returns whether anything was
+// wrapped.
+bool ErrorCorrector::spread(Element* parent, Element* node) {
+  if (groupOf(node) & GROUP_BLOCK) return false;
+  bool wrapped = false;
+  // The levels that are open: an element whose children are walked, the next of them, and the wrapper that is open.
+  struct Level {
+    Element* element;
+    Node* next;
+    bool fits;
+    Element* wrapper;
+  };
+  std::vector<Level> levels{{parent, parent->getFirstChild(), containment_.canContain(parent, node), nullptr}};
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    Node* c = level.next;
+    if (!c || !spend(1)) {
+      levels.pop_back();
+      continue;
+    }
+    level.next = NodeAccess::childAfter(c);
+    if (isUnknown(c) || isPassed(c, true)) {
+      if (level.wrapper) {
+        take(c);
+        level.wrapper->insertLast(c);
+      }
+      continue;
+    }
+    if (level.fits && containment_.canContain(node, c)) {
+      if (!level.wrapper) {
+        level.wrapper = emptyCopy(node);
+        level.element->insertBefore(level.wrapper, c);
+        wrapped = true;
+      }
+      take(c);
+      level.wrapper->insertLast(c);
+      continue;
+    }
+    level.wrapper = nullptr;
+    if (Element* inner = asElement(c)) {
+      if (inner->hasChildNodes()) {
+        levels.push_back({inner, inner->getFirstChild(), containment_.canContain(inner, node), nullptr});
+      }
+    }
+  }
+  return wrapped;
+}
+
+// --- adapting --------------------------------------------------------------------------------------------------------
+
+Node* ErrorCorrector::adaptNode(Node* node) {
+  Element* parent = asElement(node->getParentNode());
+  if (!parent) return nullptr;
+
+  // 1. Items and elements made by an earlier repair take the next node that belongs to them.
+  Node* lastTried = nullptr;
+  for (Node* s = NodeAccess::childBefore(node); s && spend(1);) {
+    if (isPassed(s, false)) {
+      s = NodeAccess::childBefore(s);
+      continue;
+    }
+    if (!asElement(s)) break;
+    if (!(groupOf(s) & GROUP_ITEM) && !(s->getUpdateFlag() & Node::UPDATE_ADAPTED)) break;
+    if (containment_.canContain(s, node)) {
+      take(node);
+      s->insertLast(node);
+      return s;
+    }
+    lastTried = s;
+    s = s->getLastChild();
+  }
+
+  // 2. to 6.
+  const Plan chosen = plan(parent, node, lastTried);
+  if (chosen.way == Plan::NONE) return nullptr;
+  Element* head = nullptr;
+  Element* innermost = nullptr;
+  if (chosen.way == Plan::BELOW_EXPECTED || chosen.way == Plan::REQUIRED_BELOW_EXPECTED) {
+    for (const ElementDefinition* definition : chosen.expected) {
+      Element* made = create(definition);
+      if (innermost) innermost->insertFirst(made);
+      if (!head) head = made;
+      innermost = made;
+    }
+  }
+  Element* holder = nullptr;
+  Element* outermost = nullptr;
+  for (const ElementDefinition* definition : chosen.required) {
+    Element* made = create(definition);
+    if (outermost) made->insertFirst(outermost);
+    if (!holder) holder = made;
+    outermost = made;
+  }
+  switch (chosen.way) {
+    case Plan::BELOW_EXPECTED:
+      parent->insertBefore(head, node);
+      holder = innermost;
+      break;
+    case Plan::AT_LAST_TRIED:
+      lastTried->insertLast(outermost);
+      break;
+    case Plan::REQUIRED_BELOW_EXPECTED:
+      innermost->insertFirst(outermost);
+      parent->insertBefore(head, node);
+      break;
+    default:
+      parent->insertBefore(outermost, node);
+      break;
+  }
+  take(node);
+  holder->insertFirst(node);
+  barredAt_ = nullptr;
+  return holder;
+}
+
+ErrorCorrector::Plan ErrorCorrector::plan(Node* parent, Node* node, Node* lastTried) {
+  Plan plan;
+  const DocumentType* type = document_.getDocumentTypeObject();
+  auto definitionOf = [&](int id) -> const ElementDefinition* {
+    const char* name = CatalogueTables::name(id);
+    return name ? findVisibleDefinition(type, name) : nullptr;
+  };
+  Node* opaque = parent;
+  while (opaque && (groupOf(opaque) & GROUP_LOOP)) opaque = opaque->getParentNode();
+  const int id = idOf(opaque);
+
+  // 3. Elements that the parent expects to hold.
+  for (int x = CatalogueTables::requiredChildID(id); x >= 0; x = CatalogueTables::requiredChildID(x)) {
+    const ElementDefinition* definition = definitionOf(x);
+    if (!definition) break;
+    plan.expected.push_back(definition);
+    if (containment_.chainCanContain(plan.expected, node)) {
+      plan.way = Plan::BELOW_EXPECTED;
+      return plan;
+    }
+  }
+  // 4. and 5. Peers of one group have nothing to adapt to.
+  if (!asElement(node)) return plan;
+  int y = CatalogueTables::requiredParentID(idOf(node));
+  if (y >= 0 && y == CatalogueTables::requiredParentID(id)) return plan;
+  // 6. Elements that the node requires around it.
+  for (; y >= 0; y = CatalogueTables::requiredParentID(y)) {
+    const ElementDefinition* definition = definitionOf(y);
+    if (!definition) break;
+    plan.required.push_back(definition);
+    if (lastTried && containment_.canContain(lastTried, definition)) {
+      plan.way = Plan::AT_LAST_TRIED;
+    } else if (!plan.expected.empty()) {
+      if (containment_.chainCanContain(plan.expected, definition)) plan.way = Plan::REQUIRED_BELOW_EXPECTED;
+    } else if (containment_.canContain(parent, definition)) {
+      plan.way = Plan::AT_PARENT;
+    }
+    if (plan.way != Plan::NONE) return plan;
+  }
+  return plan;
+}
+
+Element* ErrorCorrector::create(const ElementDefinition* definition) {
+  Element* element = document_.createElement(definition->upperName().str().c_str());
+  NodeAccess::addFlags(element, Node::UPDATE_ADAPTED);
+  return element;
+}
+
+}  // namespace zeldom40
