@@ -5,6 +5,7 @@ set(ZELDOM40_HEADERS
     dom/zeldom40.h
     dom/document/DOM.h
     dom/document/Document.h
+    dom/document/ErrorPacket.h
     dom/dtd/AttributeDefinition.h
     dom/dtd/DTDParser.h
     dom/dtd/DocumentType.h

@@ -151,8 +151,8 @@ Element* Document::removeElement(Element* element, bool joinTexts) {
 }
 
 bool Document::isPlace(const Node* node) const {
-  return node == cursorNode_ || (selections_.size() == 1 && (node == selections_.front()->startNode ||
-                                                             node == selections_.front()->endNode));
+  return node == cursorNode_ ||
+         (selections_.size() == 1 && (node == selections_.front()->startNode || node == selections_.front()->endNode));
 }
 
 bool Document::isEmptyByItself(const Node* node) const { return !isPlace(node) && hasNoContentOfItsOwn(node); }

@@ -24,9 +24,7 @@ constexpr unsigned long kBreakAfter = GROUP_BLOCK | GROUP_STRUCTURE | GROUP_BREA
 // square of its depth.
 constexpr int kMostIndent = 160;
 
-Text* asText(Node* node) {
-  return node && node->getNodeType() == Node::NODE_TEXT ? static_cast<Text*>(node) : nullptr;
-}
+Text* asText(Node* node) { return node && node->getNodeType() == Node::NODE_TEXT ? static_cast<Text*>(node) : nullptr; }
 
 bool isVisibleElement(const Node* node, unsigned long groups) {
   if (!node || node->getNodeType() != Node::NODE_ELEMENT) return false;

@@ -4,9 +4,9 @@
 #include "dom/document/NodeClassifier.h"
 #include "dom/document/TreeAdjuster.h"
 #include "dom/dtd/DocumentType.h"
+#include "dom/dtd/FrameTables.h"
 #include "dom/html/HTMLParser.h"
 #include "dom/source/MarkedText.h"
-#include "dom/dtd/FrameTables.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 

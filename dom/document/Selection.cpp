@@ -111,7 +111,8 @@ void Document::shiftOffsets(Node* parent, int index, int by) {
   if (selections_.size() != 1) return;
   _selection& s = *selections_.front();
   auto shift = [&](const Node* node, unsigned& offset) {
-    if (node == parent && static_cast<long>(offset) > index) offset = static_cast<unsigned>(static_cast<int>(offset) + by);
+    if (node == parent && static_cast<long>(offset) > index)
+      offset = static_cast<unsigned>(static_cast<int>(offset) + by);
   };
   shift(s.startNode, s.startOffset);
   shift(s.endNode, s.endOffset);
@@ -120,18 +121,18 @@ void Document::shiftOffsets(Node* parent, int index, int by) {
 void Document::adjustCursorOnInsert(Node* node) {
   if (!cursorCanMove(node) || !node->getParentNode()) return;
   Node* parent = node->getParentNode();
-  const bool concerned = parent == cursorNode_ ||
-                         (selections_.size() == 1 && (parent == selections_.front()->startNode ||
-                                                      parent == selections_.front()->endNode));
+  const bool concerned =
+      parent == cursorNode_ ||
+      (selections_.size() == 1 && (parent == selections_.front()->startNode || parent == selections_.front()->endNode));
   if (concerned) shiftOffsets(parent, parent->getChildIndex(node), 1);
 }
 
 void Document::adjustCursorOnRemove(Node* node) {
   if (!cursorCanMove(node) || !node->getParentNode()) return;
   Node* parent = node->getParentNode();
-  const bool concerned = parent == cursorNode_ ||
-                         (selections_.size() == 1 && (parent == selections_.front()->startNode ||
-                                                      parent == selections_.front()->endNode));
+  const bool concerned =
+      parent == cursorNode_ ||
+      (selections_.size() == 1 && (parent == selections_.front()->startNode || parent == selections_.front()->endNode));
   if (concerned) shiftOffsets(parent, parent->getChildIndex(node), -1);
   if (selections_.size() < 2) return;
   for (auto it = selections_.begin(); it != selections_.end(); ++it) {
@@ -149,8 +150,8 @@ void Document::adjustCursorOnDelete(Node* node) {
   auto concerns = [&](Node* end) {
     return end && (end == parent || end == node || (node->hasChildNodes() && end->isOffspringOf(node)));
   };
-  const bool selected = selections_.size() == 1 &&
-                        (concerns(selections_.front()->startNode) || concerns(selections_.front()->endNode));
+  const bool selected =
+      selections_.size() == 1 && (concerns(selections_.front()->startNode) || concerns(selections_.front()->endNode));
   // The index costs a search through the list, so it is asked for only where a place is told by it.
   const int index = parent && (parent == cursorNode_ || cursorInside || selected) ? parent->getChildIndex(node) : -1;
   if (parent && parent == cursorNode_) {

@@ -21,9 +21,7 @@ Element* asElement(Node* node) {
   return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
 }
 
-Text* asText(Node* node) {
-  return node && node->getNodeType() == Node::NODE_TEXT ? static_cast<Text*>(node) : nullptr;
-}
+Text* asText(Node* node) { return node && node->getNodeType() == Node::NODE_TEXT ? static_cast<Text*>(node) : nullptr; }
 
 bool isFormatting(Node* node) { return asText(node) && asText(node)->getTextType() == Text::TEXT_FORMATTING; }
 

@@ -131,7 +131,8 @@ class Encoder {
   void putHead(unsigned head, const Node* n, const PageRef& page) {
     put(head);
     if (head & kHasError) putNumber(n->getError());
-    if (head & kHasView) put((const_cast<Node*>(n)->isViewable() ? 1u : 0u) | (const_cast<Node*>(n)->isAbsolute() ? 2u : 0u));
+    if (head & kHasView)
+      put((const_cast<Node*>(n)->isViewable() ? 1u : 0u) | (const_cast<Node*>(n)->isAbsolute() ? 2u : 0u));
     putNumber(indexOf(chunk_->documents, n->getDocument()));
     std::size_t i = 0;
     while (i < chunk_->pages.size() && chunk_->pages[i].get() != page.get()) ++i;
@@ -279,7 +280,8 @@ class Decoder {
         const Slice raw = getSlice();
         const auto from = static_cast<std::uint32_t>(getNumber());
         const auto length = static_cast<std::uint32_t>(getNumber());
-        node = CommentAccess::create(document, DOMAccess::commentName(), page, raw, Slice{raw.offset + from, length}, jsp);
+        node =
+            CommentAccess::create(document, DOMAccess::commentName(), page, raw, Slice{raw.offset + from, length}, jsp);
         break;
       }
     }

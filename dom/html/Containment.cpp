@@ -25,8 +25,7 @@ const Element* asElement(const Node* node) {
 
 }  // namespace
 
-Containment::Containment(Document& document, const Node* root)
-    : document_(document), root_(root), table_(nullptr) {
+Containment::Containment(Document& document, const Node* root) : document_(document), root_(root), table_(nullptr) {
   const DocumentType* type = document.getDocumentTypeObject();
   if (type && type->getDTDFrame()) table_ = &contentTable(*type->getDTDFrame());
 }

@@ -5,11 +5,11 @@
 
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
+#include "dom/document/NameLookup.h"
 #include "dom/document/TreeAdjuster.h"
 #include "dom/dtd/CatalogueTables.h"
 #include "dom/dtd/DocumentType.h"
 #include "dom/dtd/ElementDefinition.h"
-#include "dom/document/NameLookup.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/Text.h"

@@ -149,7 +149,8 @@ void HTMLLexer::scanDeclaration() {
   }
 }
 
-// Emits the token and behind it an empty closer, `extra` bytes and the ">" further on; at the end of the text no closer.
+// Emits the token and behind it an empty closer, `extra` bytes and the ">" further on; at the end of the text no
+// closer.
 int HTMLLexer::finish(Token kind, std::uint32_t start, std::uint32_t end, std::uint32_t extra) {
   addToken(kind, start, end);
   if (end == NO_POSITION) {

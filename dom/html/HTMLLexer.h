@@ -41,7 +41,15 @@ class HTMLLexer : public Lexer {
   void skipTo(std::uint32_t position) { position_ = position; }
 
  private:
-  enum Terminator { COMMENT_END, SERVER_COMMENT_END, SECTION_END, PROCESSING_END, SERVER_TAG_END, TAG_END, TERMINATORS };
+  enum Terminator {
+    COMMENT_END,
+    SERVER_COMMENT_END,
+    SECTION_END,
+    PROCESSING_END,
+    SERVER_TAG_END,
+    TAG_END,
+    TERMINATORS
+  };
 
   void add(LexerType::LexToken kind, std::uint32_t end) { addToken(kind, tokenStart_, end); }
   void scanDeclaration();

@@ -71,9 +71,9 @@ int PageParser::parse(Token stop) {
     }
     const LexRecord next = lexer_.peekToken(0);
     // KEPT: the bounds are 1 to 8, so <0 and <9 open a tag.
-    const bool isText = next.kind == LexerType::LEX_SPACE ||
-                        (next.kind == LexerType::LEX_NAME && lexer_.text()[next.start] > '0' &&
-                         lexer_.text()[next.start] < '9');
+    const bool isText =
+        next.kind == LexerType::LEX_SPACE ||
+        (next.kind == LexerType::LEX_NAME && lexer_.text()[next.start] > '0' && lexer_.text()[next.start] < '9');
     if (isText) {
       addToText(token);
       continue;

@@ -64,14 +64,14 @@ class PageParser {
     bool endOmittable = false;
     bool isElement = false;
     bool isLoop = false;
-    int owner = 0;                    // AS_OWNER: whom to ask
-    int previousOfName = -1;          // the next open node below that has the same name
-    int tableBarrier = -1;            // nearest open table from here down that an item's end tag cannot cross
-    std::uint32_t time = 0;           // when it was opened
+    int owner = 0;            // AS_OWNER: whom to ask
+    int previousOfName = -1;  // the next open node below that has the same name
+    int tableBarrier = -1;    // nearest open table from here down that an item's end tag cannot cross
+    std::uint32_t time = 0;   // when it was opened
     PageName* name = nullptr;
     const ElementDefinition* definition = nullptr;
     const ContentTable::OpenSets* sets = nullptr;
-    Node* passed = nullptr;           // loop: last child that a search for content has passed over
+    Node* passed = nullptr;  // loop: last child that a search for content has passed over
   };
 
   // What is to be placed.

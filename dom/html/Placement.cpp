@@ -97,8 +97,8 @@ void PageParser::describe(Open& open, Node* node, int index) {
   } else {
     open.answers = Answers::ALIKE;
     const Element::ElementType type = element->getElementType();
-    open.alikeAnswer = type == Element::ELEMENT_TYPE_1 || type == Element::ELEMENT_TYPE_2 ||
-                       (document_ && !document_->isHTML());
+    open.alikeAnswer =
+        type == Element::ELEMENT_TYPE_1 || type == Element::ELEMENT_TYPE_2 || (document_ && !document_->isHTML());
   }
 }
 
@@ -178,8 +178,8 @@ int PageParser::findAdopter(int from, const Subject& subject, PageName& name, co
 bool PageParser::hasContentBeside(int index, const Node* chain) {
   Open& open = open_[static_cast<std::size_t>(index)];
   Node* node = (*nodes_)[static_cast<std::size_t>(index)];
-  Node* child = open.passed && open.passed->getParentNode() == node ? NodeAccess::childAfter(open.passed)
-                                                                    : node->getFirstChild();
+  Node* child =
+      open.passed && open.passed->getParentNode() == node ? NodeAccess::childAfter(open.passed) : node->getFirstChild();
   for (; child; child = NodeAccess::childAfter(child)) {
     if (child == chain) continue;
     const bool empty = child->getNodeType() == Node::NODE_COMMENT ||

@@ -71,8 +71,9 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
   std::size_t position = from;
   ScannedAttribute found;
   auto sliceOfView = [&](std::string_view part) {
-    return part.empty() ? Slice{} : Slice{static_cast<std::uint32_t>(part.data() - text.data()),
-                                          static_cast<std::uint32_t>(part.size())};
+    return part.empty()
+               ? Slice{}
+               : Slice{static_cast<std::uint32_t>(part.data() - text.data()), static_cast<std::uint32_t>(part.size())};
   };
   while (scanAttribute(text, to, position, found)) {
     if (found.name.empty()) continue;

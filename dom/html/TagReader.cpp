@@ -86,8 +86,8 @@ void PageParser::readBeginTag() {
         } else if (token.kind == LexerType::LEX_EOF) {
           state = BAD;
         } else {
-          const Slice written = collectUntil(token, LexerType::LEX_SPACE, LexerType::LEX_TAG_CLOSE,
-                                             LexerType::LEX_EQUALS);
+          const Slice written =
+              collectUntil(token, LexerType::LEX_SPACE, LexerType::LEX_TAG_CLOSE, LexerType::LEX_EQUALS);
           const std::string_view text = written.in(lexer_.page());
           if (text == "/") {
             state = ATTRIBUTE_END;
@@ -136,8 +136,7 @@ void PageParser::readBeginTag() {
           state = BAD;
         } else {
           // KEPT: whatever stands here begins the value, also a ">".
-          attribute_.value =
-              collectUntil(token, LexerType::LEX_SPACE, LexerType::LEX_TAG_CLOSE, LexerType::LEX_EOF);
+          attribute_.value = collectUntil(token, LexerType::LEX_SPACE, LexerType::LEX_TAG_CLOSE, LexerType::LEX_EOF);
           state = ATTRIBUTE_END;
         }
         break;
@@ -189,8 +188,8 @@ void PageParser::readBeginTag() {
   if (attributeCase) element->setError(ERR_ELEMENT_INVALID_CASE_ATTR);
   element->setEndTagExistence(element->isEmptyTag());
   if (!attributes_.empty()) {
-    ElementAccess::installAttributes(
-        element, AttributeBlock::create(lexer_.page(), attributes_.data(), attributes_.size()));
+    ElementAccess::installAttributes(element,
+                                     AttributeBlock::create(lexer_.page(), attributes_.data(), attributes_.size()));
   }
   ElementAccess::installBeginTag(element, lexer_.page(), sliceOf(start, end));
   placeElement(element, *name, selfClosed);

@@ -10,9 +10,9 @@ namespace zeldom40 {
 
 namespace {
 
-const LexerType::LexToken kOddTokens[] = {LexerType::LEX_COMMENT,        LexerType::LEX_SERVER_COMMENT,
-                                          LexerType::LEX_SERVER_TAG,     LexerType::LEX_PROCESSING,
-                                          LexerType::LEX_CDATA_SECTION,  LexerType::LEX_DOCTYPE};
+const LexerType::LexToken kOddTokens[] = {LexerType::LEX_COMMENT,       LexerType::LEX_SERVER_COMMENT,
+                                          LexerType::LEX_SERVER_TAG,    LexerType::LEX_PROCESSING,
+                                          LexerType::LEX_CDATA_SECTION, LexerType::LEX_DOCTYPE};
 
 // Tokens that reach running text only behind a declaration that gave up: their text is not what their source assembles
 // to.
@@ -66,7 +66,8 @@ void PageParser::readTextRun() {
 void PageParser::addToText(const LexRecord& token) {
   if (!pending_) beginText(textStart_);
   if (!pendingOwnForm_ && isOdd(token)) {
-    pendingText_ = assemblePlainText(sliceOf(rawStart_, rawEnd_).in(lexer_.page()), pendingContext_, FrameTables::entities(frame_));
+    pendingText_ = assemblePlainText(sliceOf(rawStart_, rawEnd_).in(lexer_.page()), pendingContext_,
+                                     FrameTables::entities(frame_));
     pendingOwnForm_ = true;
   }
   const bool isSpace = token.kind == LexerType::LEX_SPACE;

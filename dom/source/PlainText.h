@@ -10,7 +10,7 @@ class EntityTable;
 
 // How white space at and after the start of a text counts.
 struct TextContext {
-  bool dropLeading = false;   // white space stood before it, or a block began or ended there: leading space adds nothing
+  bool dropLeading = false;  // white space stood before it, or a block began or ended there: leading space adds nothing
   bool preformatted = false;  // white space stays as written
 };
 

@@ -69,5 +69,4 @@ class ZELDOM40_API Attribute {
   AttributeType type_ = ATTRIBUTE_UNDECLARED;
 };
 
-
 }  // namespace zeldom40

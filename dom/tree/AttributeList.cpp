@@ -35,7 +35,9 @@ const Attribute* AttributeList::getAttribute(const std::string& name) const {
 }
 
 Attribute* AttributeList::item(unsigned long index) { return attributes_ ? (*attributes_)[index] : nullptr; }
-const Attribute* AttributeList::item(unsigned long index) const { return attributes_ ? (*attributes_)[index] : nullptr; }
+const Attribute* AttributeList::item(unsigned long index) const {
+  return attributes_ ? (*attributes_)[index] : nullptr;
+}
 
 Attribute* AttributeList::setAttribute(Attribute* attribute) { return put(attribute, /*markDirty=*/true); }
 

@@ -49,7 +49,8 @@ Element::Element(const Element& source, bool) : Node(source) {
   alternative_ = source.alternative_;
   contentAtTag_ = source.contentAtTag_;
   definition_ = source.definition_;
-  if (definition_ && NodeAccess::refCount(definition_) < std::numeric_limits<int>::max() / 2) definition_->addRef(false);
+  if (definition_ && NodeAccess::refCount(definition_) < std::numeric_limits<int>::max() / 2)
+    definition_->addRef(false);
   page_ = source.page_;
   beginTag_ = source.beginTag_;
   endTag_ = source.endTag_;

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "dom/export.h"
 #include "dom/dtd/ElementCatalogue.h"
+#include "dom/export.h"
 #include "dom/tree/Node.h"
 #include "dom/tree/PageBuffer.h"
 
@@ -131,7 +131,7 @@ class ZELDOM40_API Element : public Node {
   bool beginTagDirty_ : 1 = false;
   bool endTagDirty_ : 1 = false;
   bool alternative_ : 1 = false;
-  bool contentAtTag_ : 1 = false;      // whether there were children when the raw tags were stored
+  bool contentAtTag_ : 1 = false;  // whether there were children when the raw tags were stored
   bool attributesInBlock_ : 1 = false;
   ElementDefinition* definition_ = nullptr;
   PageRef page_;

@@ -336,8 +336,7 @@ Node* Node::getChildNode(int index) {
 
 // `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
 // the end that has no neighbour).
-Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef,
-                            bool record) {
+Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool record) {
   // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
   // a node that would come to stand below itself.
   if (head->parent_ || head == parent) return head;

@@ -67,19 +67,19 @@ class ZELDOM40_API Node {
 
   // Update flags: what changed since a host last called clearUpdateFlag.
   static constexpr unsigned long UPDATE_NONE = 0;
-  static constexpr unsigned long UPDATE_CHILD_MODIFIED = 0x1;       // a descendant changed
-  static constexpr unsigned long UPDATE_CONTENT_MODIFIED = 0x2;     // raw tag or text changed
-  static constexpr unsigned long UPDATE_ATTRIBUTE_MODIFIED = 0x4;   // an attribute changed
-  static constexpr unsigned long UPDATE_CREATED = 0x8;              // fresh element, text or comment
-  static constexpr unsigned long UPDATE_ADDED = 0x10;               // entered a tree
-  static constexpr unsigned long UPDATE_REMOVED = 0x20;             // left a tree
-  static constexpr unsigned long UPDATE_CHILD_REMOVED = 0x40;       // a child left
-  static constexpr unsigned long UPDATE_SELECTION_CHANGED = 0x80;   // on the document
-  static constexpr unsigned long UPDATE_CURSOR_CHANGED = 0x100;     // on the document
-  static constexpr unsigned long UPDATE_STYLE_CHANGED = 0x200;      //
-  static constexpr unsigned long UPDATE_SIBLING_CHANGED = 0x400;    // a sibling link changed; never rises
-  static constexpr unsigned long UPDATE_META_DATA_MODIFIED = 0x800; // the element's metadata changed
-  static constexpr unsigned long UPDATE_ADAPTED = 0x1000;           // made by a repair
+  static constexpr unsigned long UPDATE_CHILD_MODIFIED = 0x1;        // a descendant changed
+  static constexpr unsigned long UPDATE_CONTENT_MODIFIED = 0x2;      // raw tag or text changed
+  static constexpr unsigned long UPDATE_ATTRIBUTE_MODIFIED = 0x4;    // an attribute changed
+  static constexpr unsigned long UPDATE_CREATED = 0x8;               // fresh element, text or comment
+  static constexpr unsigned long UPDATE_ADDED = 0x10;                // entered a tree
+  static constexpr unsigned long UPDATE_REMOVED = 0x20;              // left a tree
+  static constexpr unsigned long UPDATE_CHILD_REMOVED = 0x40;        // a child left
+  static constexpr unsigned long UPDATE_SELECTION_CHANGED = 0x80;    // on the document
+  static constexpr unsigned long UPDATE_CURSOR_CHANGED = 0x100;      // on the document
+  static constexpr unsigned long UPDATE_STYLE_CHANGED = 0x200;       //
+  static constexpr unsigned long UPDATE_SIBLING_CHANGED = 0x400;     // a sibling link changed; never rises
+  static constexpr unsigned long UPDATE_META_DATA_MODIFIED = 0x800;  // the element's metadata changed
+  static constexpr unsigned long UPDATE_ADAPTED = 0x1000;            // made by a repair
 
   // Which sibling links `isolate` clears.
   static constexpr unsigned long ISOLATE_PREV = 1;
@@ -101,7 +101,8 @@ class ZELDOM40_API Node {
   // Returns the new count; after 0 the pointer is dead.
   virtual int releaseRef(bool deep);
   // The first node below this one whose name equals that of `name`, or null. Model groups and tokens look further,
-  // through the elements of `definitions` whose start tag may be omitted, and record the way in `path`; both may be null.
+  // through the elements of `definitions` whose start tag may be omitted, and record the way in `path`; both may be
+  // null.
   virtual Node* findFirstByName(Node* name, Hash<ElementDefinition>* definitions, std::vector<Node*>* path);
   // The node's name: tag name in upper case, or a fixed word ("TEXT", "COMMENT"). Lives until the next setName.
   virtual const std::string& getName() const;
@@ -187,9 +188,7 @@ class ZELDOM40_API Node {
   friend struct NodeAccess;
 
   enum : std::uint8_t { kViewable = 1, kAbsolute = 2 };
-  void setViewBit(std::uint8_t bit, bool on) {
-    viewFlags_ = (on ? viewFlags_ | bit : viewFlags_ & ~bit) & 3;
-  }
+  void setViewBit(std::uint8_t bit, bool on) { viewFlags_ = (on ? viewFlags_ | bit : viewFlags_ & ~bit) & 3; }
 
   // Members of derived classes that must go before the children do; called once, by the destruction of a subtree.
   virtual void releaseOwned();

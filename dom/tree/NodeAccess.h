@@ -16,7 +16,8 @@ struct ChildListHolder {
 
 // Sibling and child links are the truth about a tree, so that a leaf costs nothing and moving a run costs nothing. The
 // list by index is made by the first question about indices and kept in step from then on. Two calls (isolate on an
-// attached node, replaceChild) leave links that no longer tell the list; its parent then asks the list (`listIsTruth_`).
+// attached node, replaceChild) leave links that no longer tell the list; its parent then asks the list
+// (`listIsTruth_`).
 struct NodeAccess {
   // --- plain fields -------------------------------------------------------------------------------------------------
   static void setName(Node* node, const SharedName& name) { node->name_ = name; }

@@ -1,4 +1,4 @@
-// Internal. The parser's copy of a page, kept as long as a node refers to a stretch of it.
+// The parser's copy of a page, kept as long as a node refers to a stretch of it.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,9 @@ class EntityTable;
 class PageBuffer {
  public:
   // `entities` are those of the page's document type; they outlive every document.
-  static PageBuffer* create(std::string_view text, const EntityTable* entities) { return new PageBuffer(text, entities); }
+  static PageBuffer* create(std::string_view text, const EntityTable* entities) {
+    return new PageBuffer(text, entities);
+  }
   void addRef() { ++count_; }
   void release() {
     if (--count_ == 0) delete this;

@@ -91,7 +91,7 @@ class ZELDOM40_API Text : public Node {
   bool assembled_ : 1 = false;    // by assembling references and white space; else it equals the slice
   bool dropLeading_ : 1 = false;  // white space at the start adds nothing
   bool preformatted_ : 1 = false;
-  bool trimmed_ : 1 = false;      // white space at the end adds nothing
+  bool trimmed_ : 1 = false;  // white space at the end adds nothing
   PageRef page_;
   Slice raw_;
   mutable TextStrings* strings_ = nullptr;
