@@ -90,6 +90,8 @@ class ZELDOM40_API Document : public Node {
   // True for a text without data, and for a text-level element that holds nothing but such; the place of the cursor
   // and of a single selection counts as content unless `ignoreCursor` (for the node itself).
   bool isEmptyNode(Node* node, bool ignoreCursor);
+  // The answer of a node, which a document never is: no.
+  using Node::canContain;
   // May `child` stand directly below `parent`, with no element between that only the DTD implies?
   bool canContain(Node* parent, Node* child);
   // May an element of that name, a text of that type, stand below, also through implied elements? A null pointer: no.
