@@ -27,6 +27,11 @@ int convertOffset(const Text& text, int offset, bool fromPlain) {
       skipWhite();
     } else if (plain[p] == kPairMark || plain[p] == kQuadMark) {
       p += markedLength(plain, p);
+      // A bare quote or bracket is marked too, but stands as itself in the source.
+      if (raw[r] != '&') {
+        ++r;
+        continue;
+      }
       std::size_t end = r + 1;
       while (end < raw.size() && raw[end] != ';' && !isNameDelimiter(raw[end])) ++end;
       if (end >= raw.size()) return static_cast<int>(to.size());
