@@ -92,7 +92,6 @@ class ZELDOM40_API Document : public Node {
   bool isEmptyNode(Node* node, bool ignoreCursor);
   // The answer of a node, which a document never is: no.
   using Node::canContain;
-  using Node::canContain;
   // May `child` stand directly below `parent`, with no element between that only the DTD implies?
   bool canContain(Node* parent, Node* child);
   // May an element of that name, a text of that type, stand below, also through implied elements? A null pointer: no.
