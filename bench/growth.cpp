@@ -1,0 +1,226 @@
+// The growth table: how the time for each hostile shape grows when the page doubles, all of it on a small stack.
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <pthread.h>
+#include <string>
+#include <vector>
+
+#include "bench/Shapes.h"
+#include "dom/tree/NodePool.h"
+#include "dom/zeldom40.h"
+
+namespace zeldom40::bench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+enum Phase { PARSE, WRITE, CLONE, RELEASE, PHASES };
+constexpr const char* kPhaseNames[PHASES] = {"parse", "write", "clone", "release"};
+constexpr std::size_t kSmallStack = 256 * 1024;
+// Growth that is called linear: caches and page tables cost more for the larger page.
+constexpr double kSteepest = 1.15;
+// What takes less time than this in all is too short to have a slope.
+constexpr double kTooShort = 0.004;
+// A size that would take longer than this is not tried; the slope is known by then.
+constexpr double kTooLong = 60;
+
+struct Run {
+  const char* documentType;
+  const std::string* text;
+  double seconds[PHASES] = {};
+  long nodes = 0;
+  bool same = false;
+};
+
+double lap(Clock::time_point& last) {
+  const Clock::time_point now = Clock::now();
+  const double seconds = std::chrono::duration<double>(now - last).count();
+  last = now;
+  return seconds;
+}
+
+bool writtenAs(const Document& document, Node* node, const std::string& text) {
+  const char* written = document.getSourceBuf(node, Document::SOURCE_ALL, /*compact=*/false);
+  const unsigned long length = document.getSourceBufLen(nullptr, Document::SOURCE_ALL, /*compact=*/false);
+  return std::string_view(written, length) == text;
+}
+
+// The life of one page: release is that of the clone and of the page.
+void* live(void* argument) {
+  Run& run = *static_cast<Run*>(argument);
+  // A page may add to the DTD, so each has a DOM of its own.
+  DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  Document* document = dom->createDocument(run.documentType);
+  const long before = liveNodes::count;
+  Clock::time_point last = Clock::now();
+  Node* root = document->createNodes(run.text->data(), static_cast<unsigned>(run.text->size()), nullptr, false);
+  run.seconds[PARSE] = lap(last);
+  run.nodes = liveNodes::count - before;
+  run.same = writtenAs(*document, root, *run.text);
+  run.seconds[WRITE] = lap(last);
+  Node* clone = root->makeClone(/*deep=*/true);
+  clone->addRef(true);
+  run.seconds[CLONE] = lap(last);
+  run.same = run.same && writtenAs(*document, clone, *run.text);
+  last = Clock::now();
+  clone->releaseRef(true);
+  dom->deleteDocument(document);
+  run.seconds[RELEASE] = lap(last);
+  DOM::destroyDOM(dom);
+  return nullptr;
+}
+
+bool onSmallStack(Run& run) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kSmallStack);
+  pthread_t thread;
+  const bool started = pthread_create(&thread, &attributes, live, &run) == 0;
+  if (started) pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+  return started;
+}
+
+// The best of some runs: others use the machine too.
+Run best(const char* documentType, const std::string& text, int most) {
+  Run result{documentType, &text};
+  double spent = 0;
+  for (int i = 0; i < most && (i == 0 || spent < 1.5); ++i) {
+    Run run{documentType, &text};
+    if (!onSmallStack(run)) break;
+    for (int p = 0; p < PHASES; ++p) {
+      spent += run.seconds[p];
+      result.seconds[p] = i ? std::min(result.seconds[p], run.seconds[p]) : run.seconds[p];
+    }
+    result.nodes = run.nodes;
+    result.same = run.same && (i == 0 || result.same);
+  }
+  return result;
+}
+
+// Measures one shape at an eighth, a quarter, a half and the whole of its size; false if a phase grows too fast or the
+// page comes back changed.
+bool measure(const Shape& shape, std::size_t divideBy) {
+  std::vector<Run> runs;
+  std::size_t bytes = 0;
+  bool cut = false;
+  for (std::size_t part = 8; part >= 1 && !cut; part /= 2) {
+    const std::string text = shape.make(std::max<std::size_t>(1, shape.full / divideBy / part));
+    bytes = text.size();
+    runs.push_back(best(shape.documentType, text, 5));
+    const double* now = runs.back().seconds;
+    cut = part > 1 && *std::max_element(now, now + PHASES) * 4 > kTooLong;
+  }
+  const Run& last = runs.back();
+  std::printf("%-34s %9zu B %8ld nodes ", shape.name, bytes, last.nodes);
+  bool steep = cut;
+  for (int p = 0; p < PHASES; ++p) {
+    std::printf(" %8.3f", last.seconds[p]);
+    if (last.seconds[p] < kTooShort || runs.size() < 2) {
+      std::printf("    - ");
+      continue;
+    }
+    const double slope =
+        std::log2(last.seconds[p] / std::max(runs.front().seconds[p], 1e-9)) / static_cast<double>(runs.size() - 1);
+    std::printf(" %4.2f%c", slope, slope > kSteepest ? '!' : ' ');
+    steep = steep || slope > kSteepest;
+  }
+  bool same = true;
+  for (const Run& run : runs) same = same && run.same;
+  std::printf("%s%s%s\n", same ? "" : "  DIFFERS", steep ? "  STEEP" : "", cut ? "  (larger ones not tried)" : "");
+  std::fflush(stdout);
+  return same && !steep;
+}
+
+// Every element with every other in three patterns, at a small size and four times that: finds steep shapes that
+// nobody thought of. Prints those that more than double again what four times the page should take.
+bool measurePairs(std::size_t n) {
+  DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  std::vector<std::string> names;
+  for (const ElementDefinition* definition : dom->getDocumentType()->getElementDefinitions()) {
+    if (definition->getElementID() != ID_ZELX_ATV) names.push_back(definition->getName());
+  }
+  DOM::destroyDOM(dom);
+  names.push_back("zz");
+  bool fine = true;
+  for (const std::string& outer : names) {
+    for (const std::string& inner : names) {
+      const std::string a = "<" + outer + ">";
+      const std::string b = "<" + inner + ">";
+      const std::string end = "</" + inner + ">";
+      for (int pattern = 0; pattern < 4; ++pattern) {
+        Run runs[2] = {};
+        std::string shown;
+        for (int i = 0; i < 2; ++i) {
+          const std::size_t count = i ? 4 * n : n;
+          std::string text;
+          switch (pattern) {
+            case 0:
+              text = repeated((a + b).c_str(), count);
+              shown = a + b + " repeated";
+              break;
+            case 1:
+              text = repeated(a.c_str(), count) + repeated(b.c_str(), count);
+              shown = a + " repeated, then " + b;
+              break;
+            case 2:
+              text = repeated(a.c_str(), count) + repeated(end.c_str(), count);
+              shown = a + " repeated, then " + end;
+              break;
+            default:
+              text = repeated((a + "x" + b + "</" + outer + ">").c_str(), count);
+              shown = a + "x" + b + "</" + outer + "> repeated";
+          }
+          runs[i] = best("HTML", text, 1);
+        }
+        const auto total = [](const Run& run) {
+          return run.seconds[0] + run.seconds[1] + run.seconds[2] + run.seconds[3];
+        };
+        const double slope = std::log2(total(runs[1]) / total(runs[0])) / 2;
+        if (runs[0].same && runs[1].same && (slope < 1.4 || total(runs[1]) < 0.02)) continue;
+        fine = false;
+        std::printf("%-50s %.4f s, %.4f s: %.2f%s\n", shown.c_str(), total(runs[0]), total(runs[1]), slope,
+                    runs[0].same && runs[1].same ? "" : " DIFFERS");
+        std::fflush(stdout);
+      }
+    }
+  }
+  return fine;
+}
+
+}  // namespace
+
+int runGrowth(const std::vector<std::string>& arguments) {
+  std::size_t divideBy = 1;
+  std::vector<std::string> wanted;
+  for (const std::string& argument : arguments) {
+    if (argument.rfind("--divide=", 0) == 0) {
+      divideBy = std::max<std::size_t>(1, std::strtoul(argument.c_str() + 9, nullptr, 10));
+    } else if (argument.rfind("--pairs=", 0) == 0) {
+      return measurePairs(std::max<std::size_t>(1, std::strtoul(argument.c_str() + 8, nullptr, 10))) ? 0 : 1;
+    } else {
+      wanted.push_back(argument);
+    }
+  }
+  std::printf("Seconds at the full size and the exponent over the last three doublings; a stack of %zu KB\n",
+              kSmallStack / 1024);
+  std::printf("%-34s %11s %14s ", "shape", "", "");
+  for (const char* phase : kPhaseNames) std::printf(" %8s  exp.", phase);
+  std::printf("\n");
+  int bad = 0;
+  for (const Shape& shape : shapes()) {
+    const std::string name = shape.name;
+    const bool asked = wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](const std::string& word) {
+                         return name.find(word) != std::string::npos;
+                       });
+    if (asked && !measure(shape, divideBy)) ++bad;
+  }
+  std::printf("%d of the shapes grow too fast or come back changed\n", bad);
+  return bad ? 1 : 0;
+}
+
+}  // namespace zeldom40::bench
