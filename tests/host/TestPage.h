@@ -22,7 +22,7 @@ enum DumpParts : unsigned {
 };
 
 // Printable bytes as they are, all others as \xHH; quotes and backslashes escaped.
-inline std::string quoted(std::string_view text, char quote = '"') {
+inline std::string quotedBytes(std::string_view text, char quote = '"') {
   std::string out(1, quote);
   for (char c : text) {
     const auto byte = static_cast<unsigned char>(c);
@@ -58,16 +58,16 @@ inline std::string dumpNode(Node* node, unsigned parts = kDumpNames) {
       auto* text = static_cast<Text*>(node);
       const std::string& shown = parts & kDumpPlain ? text->getData() : text->getRawData();
       if (text->getTextType() == Text::TEXT_FORMATTING) out += '~';
-      out += quoted(shown, text->getTextType() == Text::TEXT_LITERAL ? '\'' : '"');
+      out += quotedBytes(shown, text->getTextType() == Text::TEXT_LITERAL ? '\'' : '"');
       break;
     }
     case Node::NODE_COMMENT: {
-      const std::string raw = quoted(static_cast<Comment*>(node)->getRawString());
+      const std::string raw = quotedBytes(static_cast<Comment*>(node)->getRawString());
       out += raw.substr(1, raw.size() - 2);
       break;
     }
     case Node::NODE_PI:
-      out += '?' + node->getName() + quoted(static_cast<PI*>(node)->getData());
+      out += '?' + node->getName() + quotedBytes(static_cast<PI*>(node)->getData());
       break;
     default:
       out += node->getName().empty() ? "_" : node->getName();
