@@ -39,8 +39,12 @@ Node::~Node() {
     // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
     NodeAccess::unlinkChild(parent_, this);
   }
+  // Who still points here is given a living neighbour.
+  Node* left = prev_;
+  Node* right = next_;
   NodeAccess::setPrev(this, nullptr);
   NodeAccess::setNext(this, nullptr);
+  if (left && right) NodeAccess::join(left, right);
   liveNodes::remove();
 }
 
@@ -273,13 +277,18 @@ std::size_t NodeAccess::indexInList(const Node* child) {
   return static_cast<std::size_t>(std::find(list.begin(), list.end(), child) - list.begin());
 }
 
+// Two children that know one another are neighbours in the list too, so that only the broken places cost a search.
 Node* NodeAccess::childAfterByList(const Node* child) {
+  Node* next = child->next_;
+  if (next && next->parent_ == child->parent_ && next->prev_ == child) return next;
   const std::vector<Node*>& list = child->parent_->children_->list;
   const std::size_t index = indexInList(child) + 1;
   return index < list.size() ? list[index] : nullptr;
 }
 
 Node* NodeAccess::childBeforeByList(const Node* child) {
+  Node* prev = child->prev_;
+  if (prev && prev->parent_ == child->parent_ && prev->next_ == child) return prev;
   const std::size_t index = indexInList(child);
   return index > 0 ? child->parent_->children_->list[index - 1] : nullptr;
 }
@@ -296,6 +305,11 @@ void NodeAccess::setPrev(Node* node, Node* prev) {
   Node* old = node->prev_;
   if (old && old != prev && old->next_ == node) old->next_ = nullptr;
   node->prev_ = prev;
+}
+
+void NodeAccess::join(Node* left, Node* right) {
+  setNext(left, right);
+  setPrev(right, left);
 }
 
 void NodeAccess::link(Node* left, Node* right) {
@@ -361,12 +375,21 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   if (oldLeft || oldRight) {
     setPrev(head, nullptr);
     setNext(end, nullptr);
-    if (oldLeft && oldRight && oldLeft->parent_ && oldLeft->parent_ == oldRight->parent_) {
-      setNext(oldLeft, oldRight);
-      setPrev(oldRight, oldLeft);
-    }
+    if (oldLeft && oldRight && oldLeft->parent_ && oldLeft->parent_ == oldRight->parent_) join(oldLeft, oldRight);
     if (ref && !behindRef) left = ref->prev_;
     if (ref && behindRef) right = ref->next_;
+  }
+  // A neighbour whose link to `ref` was left by isolate alone would keep it past the node between them, and past the
+  // life of `ref`.
+  if (ref && parent->listIsTruth_) {
+    if (!behindRef && !left) {
+      Node* before = childBeforeByList(ref);
+      if (before && before->next_ == ref) left = before;
+    }
+    if (behindRef && !right) {
+      Node* after = childAfterByList(ref);
+      if (after && after->prev_ == ref) right = after;
+    }
   }
 
   link(left, head);
@@ -597,14 +620,16 @@ Node* Node::replaceChild(Node* oldChild, Node* newChild) {
 }
 
 void Node::isolate(unsigned long which) {
+  if (!(which & ISOLATE_SIBLINGS)) return;
   if (parent_) NodeAccess::trustList(parent_);
-  // Outside a list nobody else would remember the neighbour's link to this node, so it goes too.
+  // A neighbour in the same list keeps its link to this node, and the list remembers both. Nobody would remember the
+  // link of any other, so it goes too.
   if (which & ISOLATE_PREV) {
-    if (!parent_) NodeAccess::setPrev(this, nullptr);
+    if (!parent_ || (prev_ && prev_->parent_ != parent_)) NodeAccess::setPrev(this, nullptr);
     prev_ = nullptr;
   }
   if (which & ISOLATE_NEXT) {
-    if (!parent_) NodeAccess::setNext(this, nullptr);
+    if (!parent_ || (next_ && next_->parent_ != parent_)) NodeAccess::setNext(this, nullptr);
     next_ = nullptr;
   }
 }

@@ -80,6 +80,7 @@ struct NodeAccess {
   static std::size_t indexInList(const Node* child);
   static void setNext(Node* node, Node* next);
   static void setPrev(Node* node, Node* prev);
+  static void join(Node* left, Node* right);
   static void link(Node* left, Node* right);
   static void trustList(Node* parent);
   static void forgetList(Node* parent);
