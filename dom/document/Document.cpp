@@ -51,6 +51,8 @@ Node* Document::deleteNodes(Node* node) {
   } else if (Node* parent = node->getParentNode()) {
     recordChange(node);
     adjustCursorOnDelete(node);
+    // CHOICE: without a cursor the adjustment does nothing, which would leave selections on dead nodes.
+    if (!cursorNode_) dropSelectionsInside(node);
     // Once is enough: the removal itself must not move the cursor again.
     adjustCursors_ = false;
     parent->removeChild(node);
@@ -66,25 +68,12 @@ Node* Document::deleteNodes(Node* node) {
 }
 
 // Nodes that left the tree with the cursor or a selection in them are about to die.
-void Document::forgetCursorInside(const Node* top) {
-  auto inside = [top](const Node* node) {
-    for (; node; node = node->getParentNode()) {
-      if (node == top) return true;
-    }
-    return false;
-  };
-  if (inside(cursorNode_)) {
+void Document::forgetCursorInside(Node* top) {
+  if (cursorNode_ && cursorNode_->isOffspringOf(top)) {
     cursorNode_ = nullptr;
     layoutOffset_ = sourceOffset_ = 0;
   }
-  for (auto it = selections_.begin(); it != selections_.end();) {
-    if (inside((*it)->startNode) || inside((*it)->endNode)) {
-      delete *it;
-      it = selections_.erase(it);
-    } else {
-      ++it;
-    }
-  }
+  dropSelectionsInside(top);
 }
 
 void Document::clearUpdateFlag() {

@@ -199,7 +199,8 @@ class ZELDOM40_API Document : public Node {
   bool isInTree(const Node* node) const;
   bool hasSevereError() const { return (getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
   Element* prepareScratchElement(const char* name);
-  void forgetCursorInside(const Node* top);
+  void forgetCursorInside(Node* top);
+  void dropSelectionsInside(Node* top);
   bool isEmptyByItself(const Node* node) const;
   bool isPlace(const Node* node) const;
   bool dropLeftBehind(Node* node);

@@ -22,9 +22,9 @@ void Document::select(Node* a, unsigned aOffset, Node* b, unsigned bOffset, unsi
   if (a == b) {
     swapped = aOffset > bOffset;
   } else if (Node* towardB = childToward(a, b)) {
-    swapped = a->getChildIndex(towardB) < static_cast<int>(aOffset);
+    swapped = a->getChildIndex(towardB) < static_cast<long>(aOffset);
   } else if (Node* towardA = childToward(b, a)) {
-    swapped = b->getChildIndex(towardA) >= static_cast<int>(bOffset);
+    swapped = b->getChildIndex(towardA) >= static_cast<long>(bOffset);
   } else {
     swapped = compareNode(a, b) >= 1;
   }
@@ -57,13 +57,21 @@ bool Document::isSelected(Node* node) {
   if (compareNode(s.startNode, node) > 0 || compareNode(s.endNode, node) < 0) return false;
   for (Node* n = node; n->getParentNode(); n = n->getParentNode()) {
     Node* parent = n->getParentNode();
-    if (parent == s.startNode && parent->getChildIndex(n) < static_cast<int>(s.startOffset)) return false;
-    if (parent == s.endNode && parent->getChildIndex(n) >= static_cast<int>(s.endOffset)) return false;
+    if (parent == s.startNode && parent->getChildIndex(n) < static_cast<long>(s.startOffset)) return false;
+    if (parent == s.endNode && parent->getChildIndex(n) >= static_cast<long>(s.endOffset)) return false;
   }
   return true;
 }
 
 int Document::compareNode(Node* a, Node* b) { return compare(a, b); }
+
+void Document::dropSelectionsInside(Node* top) {
+  selections_.remove_if([top](const _selection* selection) {
+    if (!selection->startNode->isOffspringOf(top) && !selection->endNode->isOffspringOf(top)) return false;
+    delete selection;
+    return true;
+  });
+}
 
 // --- cursor ----------------------------------------------------------------------------------------------------------
 
@@ -178,13 +186,10 @@ void Document::adjustCursorOnDelete(Node* node) {
     };
     if (selected) adjust(s.startNode, s.startOffset);
     if (selected) adjust(s.endNode, s.endOffset);
-  } else {
-    for (auto it = selections_.begin(); it != selections_.end(); ++it) {
-      if ((*it)->startNode != node) continue;
-      delete *it;
-      selections_.erase(it);
-      return;
-    }
+  } else if (!selections_.empty()) {
+    // CHOICE: of several selections all that begin or end in the dying subtree go, not only the first that begins at
+    // its top: they would be left on dead nodes.
+    dropSelectionsInside(node);
   }
 }
 
