@@ -76,10 +76,10 @@ void Attribute::setValue(const std::string& value) {
 
 const char* Attribute::getParsedValue(bool plain) const {
   parsedValue_ = value_;
-  if (parsedValue_.empty()) return parsedValue_.c_str();
+  if (parsedValue_.empty() || !document_) return parsedValue_.c_str();
   if (plain) {
     unescapeMarkup(parsedValue_, FrameTables::entitiesOfCurrentDOM(), CodeConv::GetCodepage());
-  } else if (document_ && document_->getDocumentTypeObject()) {
+  } else if (document_->getDocumentTypeObject()) {
     expandReferences(parsedValue_, 0, static_cast<int>(parsedValue_.size()),
                      FrameTables::entities(document_->getDocumentTypeObject()));
   }

@@ -44,8 +44,8 @@ class ZELDOM40_API Attribute {
   void setName(const std::string& name);
   void setValue(const char* value);
   void setValue(const std::string& value);
-  // The value with references expanded: to marked text by the DTD, or to single bytes if `plain`. Lives until the next
-  // call on this attribute.
+  // The value with references expanded: to marked text by the DTD, or to single bytes if `plain`; as it is without a
+  // document. Lives until the next call on this attribute.
   const char* getParsedValue(bool plain) const;
 
  private:

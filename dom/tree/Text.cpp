@@ -412,8 +412,9 @@ int Text::replace(int offset, int count, const char* text, bool moveCursor) {
 int Text::splice(Element* element, int offset, int count, bool moveCursor) {
   Document* document = getDocument();
   Node* parent = getParentNode();
-  // CHOICE: an element that stands in a tree already could not be put here, and the texts would be lost.
-  if (!element || !document || !parent || element->getParentNode()) return -1;
+  // CHOICE: an element that stands in a tree already, or that this text stands in, could not be put here, and the texts
+  // would be lost.
+  if (!element || !document || !parent || element->getParentNode() || isOffspringOf(element)) return -1;
   const std::string before = getData();
   const std::size_t from = std::min(clampOffset(offset), before.size());
   const std::size_t length = std::min(clampOffset(count), before.size() - from);
