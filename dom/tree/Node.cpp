@@ -348,9 +348,10 @@ Node* Node::getChildNode(int index) {
 
 // --- insertion -------------------------------------------------------------------------------------------------------
 
+// A call of the library's own brings one node that is known to be no ancestor, and its record is taken care of.
 // `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
 // the end that has no neighbour).
-Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool record) {
+Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool byHost) {
   // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
   // a node that would come to stand below itself.
   if (head->parent_ || head == parent) return head;
@@ -362,12 +363,13 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
     }
     return node == top;
   };
-  if (holdsParent(head)) return head;
+  if (byHost && holdsParent(head)) return head;
 
-  if (record && parent->document_) parent->document_->recordChange(parent);
+  if (byHost && parent->document_) parent->document_->recordChange(parent);
 
   Node* end = head;
-  while (end->next_ && !end->next_->parent_ && end->next_ != head && !holdsParent(end->next_)) end = end->next_;
+  while (byHost && end->next_ && !end->next_->parent_ && end->next_ != head && !holdsParent(end->next_))
+    end = end->next_;
 
   // Neighbours that a stray run still has elsewhere are joined to one another again.
   Node* oldLeft = head->prev_;
@@ -428,13 +430,13 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
 Node* Node::insertLast(Node* newNode) {
   if (!newNode) return nullptr;
   return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true,
-                               /*record=*/true);
+                               /*byHost=*/true);
 }
 
 Node* Node::insertFirst(Node* newNode) {
   if (!newNode) return nullptr;
   return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false,
-                               /*record=*/true);
+                               /*byHost=*/true);
 }
 
 Node* Node::insertBefore(Node* newNode, Node* ref) {
@@ -442,7 +444,7 @@ Node* Node::insertBefore(Node* newNode, Node* ref) {
   if (!ref) return insertLast(newNode);
   if (ref->parent_ != this) return newNode;
   return NodeAccess::insertRun(this, newNode, ref->prev_, ref, ref, /*behindRef=*/false,
-                               /*record=*/true);
+                               /*byHost=*/true);
 }
 
 Node* Node::insertAfter(Node* newNode, Node* ref) {
@@ -450,12 +452,12 @@ Node* Node::insertAfter(Node* newNode, Node* ref) {
   if (!ref) return insertFirst(newNode);
   if (ref->parent_ != this) return newNode;
   return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true,
-                               /*record=*/true);
+                               /*byHost=*/true);
 }
 
 void NodeAccess::append(Node* parent, Node* child) {
   if (parent->listIsTruth_ || child->firstChild_) {
-    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, /*record=*/false);
+    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, /*byHost=*/false);
     return;
   }
   if (Node* left = parent->lastChild_) {

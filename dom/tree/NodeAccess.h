@@ -84,7 +84,7 @@ struct NodeAccess {
   static void link(Node* left, Node* right);
   static void trustList(Node* parent);
   static void forgetList(Node* parent);
-  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool record);
+  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool byHost);
   static void unlinkChild(Node* parent, Node* child);
   static void drain(Node* top);
 };
