@@ -157,19 +157,22 @@ class Elements {
     return static_cast<std::size_t>(std::find(definitions_.begin(), definitions_.end(), wanted) - definitions_.begin());
   }
 
+  struct Releaser {
+    void operator()(Node* node) const { node->releaseRef(true); }
+  };
+
   Answer holds(std::size_t parent, std::size_t child) const {
     if (document_->canContain(elements_[parent].get(), elements_[child].get())) return Answer::kDirect;
     return elements_[parent]->canContain(elements_[child].get(), nullptr, nullptr) ? Answer::kImplied : Answer::kNo;
   }
-  bool holdsText(std::size_t parent, Text::TextType type) const {
-    return document_->canContain(elements_[parent].get(), type);
+  Answer holdsText(std::size_t parent, Text::TextType type) const {
+    const std::unique_ptr<Text, Releaser> text(document_->createTextNode(nullptr));
+    text->setTextType(type);
+    if (document_->canContain(elements_[parent].get(), text.get())) return Answer::kDirect;
+    return elements_[parent]->canContain(text.get(), nullptr, nullptr) ? Answer::kImplied : Answer::kNo;
   }
 
  private:
-  struct Releaser {
-    void operator()(Element* element) const { element->releaseRef(true); }
-  };
-
   DOM* dom_;
   Document* document_;
   std::vector<const ElementDefinition*> definitions_;
@@ -178,10 +181,8 @@ class Elements {
 
 std::vector<std::string> heldNames(const Elements& elements, std::size_t parent, Answer answer) {
   std::vector<std::string> names;
-  if (answer == Answer::kDirect) {
-    for (const TextKind& text : kTexts) {
-      if (elements.holdsText(parent, text.type)) names.emplace_back(text.name);
-    }
+  for (const TextKind& text : kTexts) {
+    if (elements.holdsText(parent, text.type) == answer) names.emplace_back(text.name);
   }
   for (std::size_t child = 0; child < elements.size(); ++child) {
     if (elements.holds(parent, child) == answer) names.push_back(elements.name(child));
@@ -299,11 +300,11 @@ void printMatrix(Output& out, const Elements& elements) {
   for (std::size_t parent = 0; parent < elements.size(); ++parent) {
     out.paint(Colour::kName, elements.name(parent)).pad(elements.name(parent).size(), width + 1);
     std::string answers;
-    for (const TextKind& text : kTexts) answers += elements.holdsText(parent, text.type) ? 'x' : '.';
-    for (std::size_t child = 0; child < elements.size(); ++child) {
-      const Answer answer = elements.holds(parent, child);
+    auto add = [&answers](Answer answer) {
       answers += answer == Answer::kDirect ? 'x' : answer == Answer::kImplied ? 'i' : '.';
-    }
+    };
+    for (const TextKind& text : kTexts) add(elements.holdsText(parent, text.type));
+    for (std::size_t child = 0; child < elements.size(); ++child) add(elements.holds(parent, child));
     out << answers << "\n";
   }
 }
