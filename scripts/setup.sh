@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # Sourced by the other scripts: goes to the project's root and installs the Debian packages that are missing.
 
 cd "$(dirname "$0")/.." || exit 2
