@@ -18,6 +18,7 @@ set(ZELDOM40_HEADERS
     dom/source/CodeConv.h
     dom/source/DocumentStyle.h
     dom/source/MappedFile.h
+    dom/source/SourceMap.h
     dom/source/pclen.h
     dom/tree/Attribute.h
     dom/tree/AttributeList.h

@@ -15,6 +15,7 @@
 #include "dom/source/CodeConv.h"
 #include "dom/source/DocumentStyle.h"
 #include "dom/source/MappedFile.h"
+#include "dom/source/SourceMap.h"
 #include "dom/source/pclen.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/AttributeList.h"
