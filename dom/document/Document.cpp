@@ -4,18 +4,40 @@
 #include <vector>
 
 #include "dom/document/DOM.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/dtd/DocumentType.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 
 namespace zeldom40 {
 
-Document::Document() = default;
+namespace {
+
+// All documents, so that a node which was held longer than its own can ask.
+Document* newestDocument = nullptr;
+
+}  // namespace
+
+bool DocumentAccess::isLive(const Document* document) {
+  const Document* d = newestDocument;
+  while (d && d != document) d = d->olderDocument_;
+  return d != nullptr;
+}
+
+// Any document, for a cursor may stand at any node.
+void DocumentAccess::forgetPlace(const Node* node) {
+  for (Document* d = newestDocument; d; d = d->olderDocument_) d->forgetPlace(node);
+}
+
+Document::Document() : Document(nullptr, nullptr) {}
 
 Document::Document(const char* documentTypeName, DOM* dom)
     : dom_(dom),
       html_(documentTypeName && std::string_view(documentTypeName) == "HTML"),
-      documentType_(dom ? dom->getDocumentType() : nullptr) {}
+      documentType_(dom ? dom->getDocumentType() : nullptr),
+      olderDocument_(newestDocument) {
+  newestDocument = this;
+}
 
 Document::~Document() {
   clearErrors();
@@ -24,6 +46,9 @@ Document::~Document() {
   delete scratchElement_;
   delete scratchText_;
   clearRecord();
+  Document** link = &newestDocument;
+  while (*link != this) link = &(*link)->olderDocument_;
+  *link = olderDocument_;
 }
 
 Node* Document::getDocumentType() { return documentType_; }
@@ -51,8 +76,6 @@ Node* Document::deleteNodes(Node* node) {
   } else if (Node* parent = node->getParentNode()) {
     recordChange(node);
     adjustCursorOnDelete(node);
-    // CHOICE: without a cursor the adjustment does nothing, which would leave selections on dead nodes.
-    if (!cursorNode_) dropSelectionsInside(node);
     // Once is enough: the removal itself must not move the cursor again.
     adjustCursors_ = false;
     parent->removeChild(node);
@@ -65,6 +88,19 @@ Node* Document::deleteNodes(Node* node) {
   }
   node->releaseRef(true);
   return nullptr;
+}
+
+// The net below the adjustments: a subtree may have left the tree with a place in it and die later, unseen.
+void Document::forgetPlace(const Node* node) {
+  if (cursorNode_ == node) {
+    cursorNode_ = nullptr;
+    layoutOffset_ = sourceOffset_ = 0;
+  }
+  selections_.remove_if([node](const _selection* selection) {
+    if (selection->startNode != node && selection->endNode != node) return false;
+    delete selection;
+    return true;
+  });
 }
 
 // Nodes that left the tree with the cursor or a selection in them are about to die.

@@ -201,12 +201,15 @@ class ZELDOM40_API Document : public Node {
   Element* prepareScratchElement(const char* name);
   void forgetCursorInside(Node* top);
   void dropSelectionsInside(Node* top);
+  void forgetPlace(const Node* node);
+  bool countsIn(const Node* parent) const;
   bool isEmptyByItself(const Node* node) const;
   bool isPlace(const Node* node) const;
   bool dropLeftBehind(Node* node);
   void replaceDocumentElement(Element* root);
   void shiftOffsets(Node* parent, int index, int by);
-  bool cursorCanMove(const Node* node) const { return node && cursorNode_ && documentElement_ && adjustCursors_; }
+  // CHOICE: a page without a cursor may have selections all the same, so a missing cursor ends no adjustment.
+  bool placesCanMove(const Node* node) const { return node && documentElement_ && adjustCursors_; }
 
   DOM* dom_ = nullptr;
   bool html_ = false;
@@ -228,6 +231,7 @@ class ZELDOM40_API Document : public Node {
   UndoStack* undoStack_ = nullptr;
   unsigned recordFlags_ = 0;
   long recordCount_ = 0;
+  Document* olderDocument_;
 };
 
 }  // namespace zeldom40

@@ -12,6 +12,10 @@ class ElementDefinition;
 struct NameEntry;
 
 struct DocumentAccess {
+  // Whether `document`, which may be dead memory, is one of the process.
+  static bool isLive(const Document* document);
+  // A node that a cursor or selection stands at is about to die.
+  static void forgetPlace(const Node* node);
   static bool isInTree(const Document* document, const Node* node) { return document->isInTree(node); }
   static void recordChange(Document* document, const Node* node) { document->recordChange(node); }
   // Neither content of its own nor the place of the cursor or of a single selection; children are not looked at.

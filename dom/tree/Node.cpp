@@ -5,6 +5,7 @@
 #include <cassert>
 
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/NodeIterator.h"
 #include "dom/tree/NodePool.h"
@@ -30,6 +31,7 @@ Node::Node(const Node& other)
 }
 
 Node::~Node() {
+  if (place_) DocumentAccess::forgetPlace(this);
   NodeAccess::drain(this);
   if (children_) {
     children_->list.clear();
@@ -70,7 +72,12 @@ int Node::dropRef(bool deep) {
 int Node::releaseRef(bool deep) {
   const int left = dropRef(deep);
   if (left > 0) return left;
-  if (parent_) parent_->removeChild(this);
+  if (parent_ && parent_->document_ && !DocumentAccess::isLive(parent_->document_)) {
+    // Both were held longer than their page.
+    NodeAccess::detach(this);
+  } else if (parent_) {
+    parent_->removeChild(this);
+  }
   delete this;
   return 0;
 }

@@ -1,0 +1,520 @@
+// Child lists, links, counts, flags and questions of the node base.
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/host/TestPage.h"
+
+namespace zeldom40 {
+namespace {
+
+// Elements named by letters, outside of the document's tree.
+class NodeTest : public PageTest {
+ protected:
+  Element* make(const char* name) { return doc_->createElement(name); }
+  // A parent with one child per letter.
+  Element* family(const char* parent, const std::string& children) {
+    Element* top = make(parent);
+    for (char c : children) top->insertLast(make(std::string(1, c).c_str()));
+    return top;
+  }
+  // A detached run with one node per letter.
+  Node* run(const std::string& names) {
+    Element* holder = family("HOLDER", names);
+    Node* first = holder->removeChildren(nullptr, nullptr);
+    holder->releaseRef(false);
+    return first;
+  }
+  static Node* child(Node* parent, const std::string& name) {
+    for (Node* n = parent->getFirstChild(); n; n = n->getNextSibling()) {
+      if (n->getName() == name) return n;
+    }
+    return nullptr;
+  }
+  // The children by index, by the links forward and by the links backward.
+  static std::string list(Node* parent) {
+    std::string byIndex;
+    for (unsigned i = 0; i < parent->getNumOfChildNodes(); ++i) {
+      Node* n = parent->getChildNode(static_cast<int>(i));
+      EXPECT_EQ(n->getParentNode(), parent);
+      EXPECT_EQ(parent->getChildIndex(n), static_cast<int>(i));
+      byIndex += n->getName();
+    }
+    std::string forward;
+    for (Node* n = parent->getFirstChild(); n; n = n->getNextSibling()) forward += n->getName();
+    std::string backward;
+    for (Node* n = parent->getLastChild(); n; n = n->getPreviousSibling()) backward.insert(0, n->getName());
+    EXPECT_EQ(forward, byIndex);
+    EXPECT_EQ(backward, byIndex);
+    return byIndex;
+  }
+  static std::string chain(Node* first) {
+    std::string names;
+    for (; first; first = first->getNextSibling()) names += first->getName();
+    return names;
+  }
+};
+
+TEST_F(NodeTest, InsertsARunWhole) {
+  using Insert = std::function<Node*(Node * parent, Node * run)>;
+  const struct {
+    const char* what;
+    const char* children;
+    Insert insert;
+    const char* result;
+  } cases[] = {
+      {"last", "ABC", [](Node* p, Node* r) { return p->insertLast(r); }, "ABCXY"},
+      {"first", "ABC", [](Node* p, Node* r) { return p->insertFirst(r); }, "XYABC"},
+      {"before B", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, child(p, "B")); }, "AXYBC"},
+      {"after B", "ABC", [](Node* p, Node* r) { return p->insertAfter(r, child(p, "B")); }, "ABXYC"},
+      {"before A", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, child(p, "A")); }, "XYABC"},
+      {"after C", "ABC", [](Node* p, Node* r) { return p->insertAfter(r, child(p, "C")); }, "ABCXY"},
+      {"before nothing", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, nullptr); }, "ABCXY"},
+      {"after nothing", "ABC", [](Node* p, Node* r) { return p->insertAfter(r, nullptr); }, "XYABC"},
+      {"before no child", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, p); }, "ABC"},
+      {"after no child", "", [](Node* p, Node* r) { return p->insertAfter(r, p); }, ""},
+      {"into none", "", [](Node* p, Node* r) { return p->insertLast(r); }, "XY"},
+  };
+  // A list that was asked for an index before is kept in step, one that was not is made afterwards.
+  for (const bool listed : {false, true}) {
+    for (const auto& c : cases) {
+      SCOPED_TRACE(c.what);
+      Element* parent = family("P", c.children);
+      if (listed) list(parent);
+      Node* r = run("XY");
+      EXPECT_EQ(c.insert(parent, r), r);
+      EXPECT_EQ(list(parent), c.result);
+      if (!r->getParentNode()) {
+        EXPECT_EQ(chain(r), "XY");
+        parent->insertLast(r);
+      }
+      parent->releaseRef(true);
+    }
+  }
+}
+
+TEST_F(NodeTest, InsertsNeitherAttachedNodesNorAncestors) {
+  Element* a = family("A", "BC");
+  Node* b = a->getFirstChild();
+  Node* c = a->getLastChild();
+  EXPECT_EQ(c->insertLast(nullptr), nullptr);
+  EXPECT_EQ(c->insertLast(b), b);
+  EXPECT_EQ(a->insertFirst(c), c);
+  EXPECT_EQ(b->insertLast(a), a);
+  EXPECT_EQ(a->insertLast(a), a);
+  EXPECT_EQ(dumpTree(a), "A(B C)");
+  // A run ends before the node that holds the new parent.
+  Node* r = run("XY");
+  Node* y = r->getNextSibling();
+  y->insertLast(make("Z"));
+  y->getFirstChild()->insertLast(r);
+  EXPECT_EQ(dumpTree(y), "Y(Z(X))");
+  y->releaseRef(true);
+  a->releaseRef(true);
+}
+
+TEST_F(NodeTest, DetachesARange) {
+  const struct {
+    const char* first;
+    const char* last;
+    const char* run;
+    const char* left;
+  } cases[] = {
+      {"B", "C", "BC", "AD"}, {"C", "B", "BC", "AD"}, {"A", "A", "A", "BCD"}, {"", "B", "AB", "CD"},
+      {"C", "", "CD", "AB"},  {"", "", "ABCD", ""},   {"Q", "B", "", "ABCD"}, {"B", "Q", "", "ABCD"},
+  };
+  Element* stranger = make("Q");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.first) + " to " + c.last);
+    Element* parent = family("P", "ABCD");
+    auto named = [&](const std::string& name) {
+      return name == "Q" ? stranger : name.empty() ? nullptr : child(parent, name);
+    };
+    Node* r = parent->removeChildren(named(c.first), named(c.last));
+    EXPECT_EQ(chain(r), c.run);
+    EXPECT_EQ(list(parent), c.left);
+    for (Node* n = r; n; n = n->getNextSibling()) EXPECT_EQ(n->getParentNode(), nullptr);
+    parent->insertLast(r);
+    parent->releaseRef(true);
+  }
+  EXPECT_EQ(stranger->removeChildren(nullptr, nullptr), nullptr);
+  EXPECT_EQ(stranger->removeChild(nullptr), nullptr);
+  stranger->releaseRef(true);
+}
+
+TEST_F(NodeTest, RemovingAStrangerLeavesItsListAlone) {
+  Element* p = family("P", "ABC");
+  Element* other = make("O");
+  Node* b = child(p, "B");
+  p->clearUpdateFlag();
+  EXPECT_EQ(other->removeChild(b), b);
+  EXPECT_EQ(list(p), "ABC");
+  EXPECT_EQ(dumpTree(p, kDumpFlags), "P(A B C)");
+  p->releaseRef(true);
+  other->releaseRef(true);
+}
+
+TEST_F(NodeTest, ReplacingLeavesTheNewNodeBesideTheList) {
+  Element* p = family("P", "ABC");
+  Node* b = child(p, "B");
+  Element* x = make("X");
+  EXPECT_EQ(p->replaceChild(b, x), b);
+  EXPECT_EQ(b->getNextSibling(), nullptr);
+  EXPECT_EQ(x->getParentNode(), nullptr);
+  EXPECT_EQ(chain(p->getFirstChild()), "AXC");
+  EXPECT_EQ(p->getNumOfChildNodes(), 2u);
+  EXPECT_EQ(p->getChildIndex(x), -1);
+  // Neither clones nor counts nor writing meet the stray.
+  Node* clone = p->makeClone(true);
+  EXPECT_EQ(list(clone), "AC");
+  clone->addRef(true);
+  clone->releaseRef(true);
+  EXPECT_EQ(source(p).find('X'), std::string::npos);
+
+  EXPECT_EQ(p->replaceChild(b, b), b);
+  EXPECT_EQ(p->replaceChild(nullptr, b), nullptr);
+  // An insertion takes it in, and not the attached siblings that it points to.
+  p->insertLast(x);
+  EXPECT_EQ(list(p), "ACX");
+
+  // A stray that dies gives its neighbours back to one another.
+  EXPECT_EQ(p->replaceChild(child(p, "C"), b)->releaseRef(true), 0);
+  EXPECT_EQ(chain(p->getFirstChild()), "ABX");
+  b->releaseRef(true);
+  EXPECT_EQ(list(p), "AX");
+  p->releaseRef(true);
+}
+
+TEST_F(NodeTest, AListThatLostItsLinksIsStillWhole) {
+  const struct {
+    unsigned long which;
+    const char* forwardFromA;
+    const char* backwardFromC;
+  } cases[] = {
+      {Node::ISOLATE_PREV, "ABC", "C B"}, {Node::ISOLATE_NEXT, "AB", "CBA"}, {Node::ISOLATE_SIBLINGS, "AB", "CB"}};
+  for (const auto& c : cases) {
+    Element* p = family("P", "ABC");
+    Node* b = child(p, "B");
+    p->clearUpdateFlag();
+    b->isolate(c.which);
+    EXPECT_EQ(dumpNode(b, kDumpFlags), "B");
+    EXPECT_EQ(chain(p->getFirstChild()), c.forwardFromA);
+    EXPECT_EQ(p->getNumOfChildNodes(), 3u);
+    EXPECT_EQ(p->getChildIndex(p->getLastChild()), 2);
+    Node* clone = p->makeClone(true);
+    EXPECT_EQ(list(clone), "ABC");
+    clone->addRef(true);
+    clone->releaseRef(true);
+    // A place between two that do not know one another, and the end of both.
+    p->insertBefore(make("X"), b);
+    p->insertAfter(make("Y"), b);
+    EXPECT_EQ(p->getChildIndex(b), 2);
+    p->removeChild(b)->releaseRef(true);
+    EXPECT_EQ(p->getNumOfChildNodes(), 4u);
+    p->releaseRef(true);
+  }
+}
+
+// --- counts ----------------------------------------------------------------------------------------------------------
+
+TEST_F(NodeTest, CountsGuardWhatSomebodyElseHolds) {
+  Element* top = family("T", "AB");
+  Node* a = top->getFirstChild();
+  a->insertLast(make("C"));
+  EXPECT_EQ(a->addRef(false), 2);
+  EXPECT_EQ(top->addRef(true), 2);
+  EXPECT_EQ(top->dropRef(true), 1);
+  EXPECT_EQ(top->releaseRef(true), 0);
+  // The survivor stands alone, with its own children, whose counts the release has taken.
+  EXPECT_EQ(a->getParentNode(), nullptr);
+  EXPECT_EQ(a->getNextSibling(), nullptr);
+  EXPECT_TRUE(a->getUpdateFlag() & Node::UPDATE_REMOVED);
+  ASSERT_EQ(list(a), "C");
+  EXPECT_EQ(a->getFirstChild()->addRef(false), 1);
+  EXPECT_EQ(a->releaseRef(true), 0);
+}
+
+TEST_F(NodeTest, ReleasingAnAttachedNodeTakesItOut) {
+  Element* p = family("P", "ABC");
+  EXPECT_EQ(child(p, "B")->releaseRef(true), 0);
+  EXPECT_EQ(list(p), "AC");
+  EXPECT_EQ(child(p, "A")->dropRef(false), 0);  // nothing goes, even at zero
+  EXPECT_EQ(list(p), "AC");
+  p->releaseRef(true);
+}
+
+class Witness : public Element {
+ public:
+  Witness(const char* name, std::string* log) : Element(name, nullptr), log_(log) { addRef(false); }
+  ~Witness() override { *log_ += getName(); }
+
+ private:
+  std::string* log_;
+};
+
+TEST_F(NodeTest, SubtreesDieFromTheTopAndTheLastChild) {
+  std::string log;
+  auto* a = new Witness("A", &log);
+  for (const char* name : {"B", "C", "D"}) a->insertLast(new Witness(name, &log));
+  a->getFirstChild()->insertLast(new Witness("E", &log));
+  a->getChildNode(1)->insertLast(new Witness("F", &log));
+  a->getChildNode(1)->insertLast(new Witness("G", &log));
+  a->releaseRef(true);
+  EXPECT_EQ(log, "ADCGFBE");
+}
+
+TEST_F(NodeTest, AHeldNodeOutlivesItsDocument) {
+  load("<P>a<B>b</B></P>");
+  Node* p = find("P");
+  p->addRef(false);
+  Node* b = find("B");
+  b->addRef(false);
+  dropDocument();
+  EXPECT_EQ(b->releaseRef(false), 0);
+  EXPECT_EQ(p->getNumOfChildNodes(), 1u);
+  EXPECT_EQ(p->releaseRef(false), 0);
+}
+
+TEST_F(NodeTest, DepthAndWidthCostNoStackAndNoSearch) {
+  constexpr int kMany = 200000;
+  auto* top = new Element("A", nullptr);
+  Node* deep = top;
+  for (int i = 0; i < kMany; ++i) deep = deep->insertLast(new Element("A", nullptr));
+  for (int i = 0; i < kMany; ++i) top->insertFirst(new Element("B", nullptr));
+  top->addRef(true);
+  Node* clone = top->makeClone(true);
+  clone->addRef(true);
+  EXPECT_EQ(clone->getNumOfChildNodes(), kMany + 1u);
+  EXPECT_EQ(top->compare(deep, top->getFirstChild()), 1);
+  EXPECT_EQ(doc_->getSourceBufLen(clone, Document::SOURCE_ALL, false), 0u);
+  clone->setError(ERR_ELEMENT_UNKNOWN);
+  clone->clearUpdateFlag();
+  clone->releaseRef(true);
+  // Also where the list alone knows the order.
+  top->getLastChild()->isolate(Node::ISOLATE_PREV);
+  while (top->hasChildNodes()) top->getLastChild()->releaseRef(true);
+  top->releaseRef(true);
+}
+
+// --- flags and errors ------------------------------------------------------------------------------------------------
+
+constexpr unsigned long kChild = Node::UPDATE_CHILD_MODIFIED;
+
+TEST_F(NodeTest, ChangesRiseToTheRoot) {
+  const struct {
+    const char* what;
+    std::function<void(NodeTest*, Node*, Node*)> change;  // with B and its child C
+    const char* flags;
+  } cases[] = {
+      {"text flag", [](NodeTest*, Node*, Node* c) { c->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED); },
+       "A^1(B^1(C^2 D) E)"},
+      {"sibling flag stays", [](NodeTest*, Node*, Node* c) { c->setUpdateFlag(Node::UPDATE_SIBLING_CHANGED); },
+       "A(B(C^400 D) E)"},
+      {"an ancestor that knows stops it",
+       [](NodeTest*, Node* b, Node* c) {
+         b->setUpdateFlag(kChild);
+         b->getParentNode()->resetUpdateFlag(~0ul);
+         c->setUpdateFlag(Node::UPDATE_STYLE_CHANGED);
+       },
+       "A(B^1(C^200 D) E)"},
+      {"a child leaves", [](NodeTest*, Node* b, Node* c) { b->removeChild(c); }, "A^1(B^40(D^400) E)"},
+      {"children leave", [](NodeTest*, Node* b, Node*) { b->removeChildren(nullptr, nullptr); }, "A^1(B^40 E)"},
+      {"a child is added",
+       [](NodeTest*, Node* b, Node*) {
+         auto* x = new Element("X", nullptr);
+         x->clearUpdateFlag();
+         b->insertLast(x);
+       },
+       "A^1(B^1(C D^400 X^410) E)"},
+      {"a subtree is added whole",
+       [](NodeTest*, Node* b, Node*) {
+         auto* x = new Element("X", nullptr);
+         x->insertLast(new Element("Y", nullptr));
+         x->clearUpdateFlag();
+         b->insertFirst(x);
+       },
+       "A^1(B^1(X^410(Y^10) C^400 D) E)"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Element* a = family("A", "BE");
+    Node* b = a->getFirstChild();
+    Node* first = b->insertLast(make("C"));
+    Node* second = b->insertLast(make("D"));
+    a->clearUpdateFlag();
+    c.change(this, b, first);
+    EXPECT_EQ(dumpTree(a, kDumpFlags), c.flags);
+    const bool both = !second->getParentNode();
+    if (!first->getParentNode()) first->releaseRef(true);
+    if (both) second->releaseRef(true);
+    a->releaseRef(true);
+  }
+}
+
+TEST_F(NodeTest, ClearingPassesOverCleanNodes) {
+  Element* a = family("A", "B");
+  a->getFirstChild()->insertLast(make("C"));
+  a->clearUpdateFlag();
+  EXPECT_EQ(dumpTree(a, kDumpFlags), "A(B(C))");
+  a->getFirstChild()->getFirstChild()->setUpdateFlag(Node::UPDATE_SIBLING_CHANGED);
+  a->clearUpdateFlag();
+  EXPECT_EQ(dumpTree(a, kDumpFlags), "A(B(C^400))");
+  a->releaseRef(true);
+}
+
+TEST_F(NodeTest, FlagsOfFreshNodes) {
+  Element* a = make("A");
+  EXPECT_EQ(dumpNode(a, kDumpFlags), "A^8");
+  Node* pi = doc_->createPI("X", "y");
+  EXPECT_EQ(pi->getUpdateFlag(), 0u);
+  a->insertLast(make("B"));
+  a->insertLast(doc_->createTextNode(nullptr));
+  a->setViewable(true);
+  a->setError(ERR_ELEMENT_UNKNOWN);
+  EXPECT_EQ(dumpTree(a, kDumpFlags), "A^9(B^418 \"\"^418)");
+  Node* clone = a->makeClone(true);
+  EXPECT_EQ(dumpTree(clone, kDumpFlags | kDumpErrors), "A!200^9(B^418 \"\"^418)");
+  EXPECT_TRUE(clone->isViewable() && !clone->isAbsolute());
+  EXPECT_EQ(clone->addRef(true), 1);
+  clone->releaseRef(true);
+  a->releaseRef(true);
+  pi->releaseRef(true);
+}
+
+TEST_F(NodeTest, SevereErrorsReachTheDocumentAlone) {
+  load("<P>x</P>");
+  Node* p = find("P");
+  p->setError(ERR_ELEMENT_INVALID_ATTR);
+  EXPECT_EQ(doc_->getError(), ERR_NONE);
+  p->setError(ERR_ELEMENT_END_TAG_MISSING);
+  EXPECT_EQ(doc_->getError(), ERR_DOC_SEVERE_PARSE_ERROR);
+  EXPECT_EQ(p->getParentNode()->getError(), ERR_NONE);
+  p->resetError(ERR_ELEMENT_END_TAG_MISSING);
+  EXPECT_EQ(p->getError(), ERR_ELEMENT_INVALID_ATTR);
+  EXPECT_EQ(doc_->getError(), ERR_DOC_SEVERE_PARSE_ERROR);
+  doc_->setError(ERR_DOC_DOCTYPE_MISSING);
+  doc_->clearError();
+  EXPECT_EQ(doc_->getError(), ERR_NONE);
+}
+
+// --- questions -------------------------------------------------------------------------------------------------------
+
+TEST_F(NodeTest, DocumentOrder) {
+  Element* a = family("A", "BE");
+  Node* b = a->getFirstChild();
+  b->insertLast(make("C"));
+  b->insertLast(make("D"));
+  Element* other = make("O");
+  auto named = [&](const std::string& name) -> Node* {
+    if (name == "A") return a;
+    if (name == "O") return other;
+    return name.empty() ? nullptr : name < "C" || name > "D" ? child(a, name) : child(b, name);
+  };
+  const struct {
+    const char* a;
+    const char* b;
+    int order;
+    const char* common;  // the common parent and the branches; "-" for none
+  } cases[] = {
+      {"C", "D", -1, "BCD"}, {"D", "C", 1, "BDC"}, {"C", "E", -1, "ABE"}, {"E", "D", 1, "AEB"},  {"A", "D", 0, "AAB"},
+      {"D", "A", 0, "ABA"},  {"C", "C", 0, "CCC"}, {"B", "D", 0, "BBD"},  {"C", "O", -2, "-AO"}, {"", "C", -2, "---"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.a) + " and " + c.b);
+    EXPECT_EQ(a->compare(named(c.a), named(c.b)), c.order);
+    Node* aBranch = a;
+    Node* bBranch = a;
+    Node* common = a->findCommonParent(named(c.a), named(c.b), &aBranch, &bBranch);
+    std::string answer;
+    for (Node* n : {common, aBranch, bBranch}) answer += n ? n->getName() : "-";
+    EXPECT_EQ(answer, c.common);
+    EXPECT_EQ(a->findCommonParent(named(c.a), named(c.b), nullptr, nullptr), common);
+  }
+  EXPECT_TRUE(b->isOffspringOf(b) && b->isOffspringOf(a) && !a->isOffspringOf(b));
+  a->releaseRef(true);
+  other->releaseRef(true);
+}
+
+TEST_F(NodeTest, IndicesOutsideGiveTheLastChild) {
+  Element* p = family("P", "ABC");
+  for (int index : {-1, 2, 3, 1000}) EXPECT_EQ(p->getChildNode(index), p->getLastChild());
+  EXPECT_EQ(p->getFirstChild()->getChildNode(0), nullptr);
+  EXPECT_EQ(p->getChildIndex(nullptr), -1);
+  p->releaseRef(true);
+}
+
+TEST_F(NodeTest, DefaultsOfThePlainNode) {
+  auto* node = new Node;
+  Node* blocking = node;
+  EXPECT_FALSE(node->canContain(node, &blocking, nullptr));
+  EXPECT_EQ(blocking, nullptr);
+  EXPECT_TRUE(node->isEndOmittable() && node->isEmptyTag());
+  node->setName("top");
+  auto* below = new Node;
+  below->setName("x");
+  node->insertLast(below);
+  auto* last = new Node;
+  last->setName("top");
+  below->insertLast(last);
+  EXPECT_EQ(node->findFirstByName(node, nullptr, nullptr), last);
+  EXPECT_EQ(last->findFirstByName(node, nullptr, nullptr), nullptr);
+  delete node;
+}
+
+// --- iterators -------------------------------------------------------------------------------------------------------
+
+TEST_F(NodeTest, IteratorsWalkALiveList) {
+  Element* p = family("P", "ABC");
+  NodeIterator it = p->getChildNodes();
+  EXPECT_TRUE(it.atFirst());
+  EXPECT_EQ(it.toPrevNode(), nullptr);
+  EXPECT_EQ(it.toNextNode()->getName(), "B");
+  EXPECT_EQ(it.toLastNode()->getName(), "C");
+  EXPECT_TRUE(it.atLast());
+  EXPECT_EQ(it.toNextNode(), nullptr);
+  EXPECT_EQ(it.getCurrent()->getName(), "C");
+  EXPECT_EQ(it.moveTo(3), nullptr);
+  EXPECT_EQ(it.moveTo(-1), nullptr);
+  EXPECT_EQ(it.toNth(1)->getName(), "B");
+
+  NodeIterator copy(it);
+  EXPECT_TRUE(copy.atFirst());
+  NodeIterator assigned;
+  EXPECT_EQ(assigned.getLength(), 0);
+  EXPECT_EQ(assigned.getCurrent(), nullptr);
+  EXPECT_EQ(assigned.toFirstNode(), nullptr);
+  EXPECT_EQ(assigned.toLastNode(), nullptr);
+  EXPECT_FALSE(assigned.atLast());
+  assigned = it;
+  EXPECT_TRUE(assigned.atFirst());
+  it = copy;
+  EXPECT_EQ(it.getCurrent()->getName(), "B");
+  it = *&it;
+
+  p->insertAfter(make("X"), p->getFirstChild());
+  EXPECT_EQ(it.getCurrent()->getName(), "X");
+  Node* a = p->removeChild(p->getFirstChild());
+  EXPECT_EQ(it.getCurrent()->getName(), "B");
+  Node* b = it.toNode(a);
+  EXPECT_EQ(b->getName(), "B");
+  b->releaseRef(true);
+  EXPECT_EQ(it.getLength(), 2);
+  a->releaseRef(true);
+  p->releaseRef(true);
+  // The node is gone; its list is empty and still there.
+  EXPECT_EQ(it.getLength(), 0);
+  EXPECT_EQ(it.toFirstNode(), nullptr);
+  EXPECT_EQ(it.toNode(nullptr), nullptr);
+}
+
+TEST_F(NodeTest, SearchResultsAreACopy) {
+  load("<B>x</B><B>y</B>");
+  NodeIterator results = doc_->getElementsByTagName("B");
+  ASSERT_EQ(results.getLength(), 2);
+  doc_->deleteNodes(results.getCurrent());
+  EXPECT_EQ(results.getLength(), 2);
+  EXPECT_EQ(results.toNode(nullptr), nullptr);
+}
+
+}  // namespace
+}  // namespace zeldom40
