@@ -288,6 +288,7 @@ std::size_t NodeAccess::indexInList(const Node* child) {
 Node* NodeAccess::childAfterByList(const Node* child) {
   Node* next = child->next_;
   if (next && next->parent_ == child->parent_ && next->prev_ == child) return next;
+  if (child == child->parent_->lastChild_) return nullptr;
   const std::vector<Node*>& list = child->parent_->children_->list;
   const std::size_t index = indexInList(child) + 1;
   return index < list.size() ? list[index] : nullptr;
@@ -296,6 +297,7 @@ Node* NodeAccess::childAfterByList(const Node* child) {
 Node* NodeAccess::childBeforeByList(const Node* child) {
   Node* prev = child->prev_;
   if (prev && prev->parent_ == child->parent_ && prev->next_ == child) return prev;
+  if (child == child->parent_->firstChild_) return nullptr;
   const std::size_t index = indexInList(child);
   return index > 0 ? child->parent_->children_->list[index - 1] : nullptr;
 }
