@@ -42,6 +42,31 @@ struct DtdOptions {
   bool json = false;
 };
 
+enum class CheckFormat { kText, kGnu, kJson, kSarif, kGitHub };
+
+struct CheckOptions {
+  std::vector<std::string> files;
+  CheckFormat format = CheckFormat::kText;
+  bool severeOnly = false;  // warnings are shown, but are no findings
+  bool excerpts = false;    // also where no terminal shows them
+  int codepage = 0;         // 0: guessed for each page
+};
+
+// What fix and format do with their result.
+struct RewriteOptions {
+  std::vector<std::string> files;
+  bool inPlace = false;
+  bool diff = false;
+  bool dryRun = false;
+  int codepage = 0;
+};
+
+struct FormatOptions {
+  RewriteOptions rewrite;
+  int indent = 2;
+  int columns = 72;
+};
+
 // Prints each page as a tree. Findings: a node with an error bit.
 ExitCode runTree(const TreeOptions& options, DOM::JSPVersion version);
 // Parses and writes each page. Findings (with `verify`): what is written differs from what was read.
@@ -50,5 +75,11 @@ ExitCode runCat(const CatOptions& options, DOM::JSPVersion version);
 ExitCode runConvert(const ConvertOptions& options);
 // Prints what the built-in DTD says.
 ExitCode runDtd(const DtdOptions& options);
+// Prints what is wrong with each page. Findings: an error, a severe one with `severeOnly`.
+ExitCode runCheck(const CheckOptions& options, DOM::JSPVersion version);
+// Repairs each page. Findings: severe errors that remain; with `diff` or `dryRun`, a page that would change.
+ExitCode runFix(const RewriteOptions& options, DOM::JSPVersion version);
+// Lays each page out anew. Findings: as for runFix, and a page that must be repaired first.
+ExitCode runFormat(const FormatOptions& options, DOM::JSPVersion version);
 
 }  // namespace zeldom40::tool

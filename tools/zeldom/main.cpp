@@ -25,6 +25,12 @@ const std::map<std::string, CodeConv::Newline> kNewlines = {{"auto", CodeConv::N
                                                             {"crlf", CodeConv::NEWLINE_CRLF},
                                                             {"lf", CodeConv::NEWLINE_LF},
                                                             {"cr", CodeConv::NEWLINE_CR}};
+const std::map<std::string, CheckFormat> kFormats = {{"text", CheckFormat::kText},
+                                                     {"gnu", CheckFormat::kGnu},
+                                                     {"json", CheckFormat::kJson},
+                                                     {"sarif", CheckFormat::kSarif},
+                                                     {"github", CheckFormat::kGitHub}};
+const std::map<std::string, bool> kSeverities = {{"any", false}, {"severe", true}};
 const std::map<std::string, DOM::JSPVersion> kVersions = {{"0", DOM::JSP_VERSION_0}, {"1", DOM::JSP_VERSION_1}};
 
 // An option whose words are the keys of `words`.
@@ -45,6 +51,21 @@ void addChoice(CLI::App* app, const std::string& name, Value* value, const std::
 
 void addFiles(CLI::App* command, std::vector<std::string>* files) {
   command->add_option("FILE", *files, "Files to read; - is standard input")->required()->type_name("");
+}
+
+void addCodepage(CLI::App* command, int* codepage) {
+  command
+      ->add_option("--codepage", *codepage, "Code page (0, the default: 932 for Japanese, 65001 for UTF-8, else 1252)")
+      ->check(CLI::NonNegativeNumber);
+}
+
+void addRewriteOptions(CLI::App* command, RewriteOptions* options) {
+  addFiles(command, &options->files);
+  CLI::Option* inPlace = command->add_flag("-i,--in-place", options->inPlace, "Change the files themselves");
+  CLI::Option* diff = command->add_flag("--diff", options->diff, "Print a unified diff and change nothing");
+  command->add_flag("--dry-run", options->dryRun, "Say which files would change, and change nothing")->excludes(diff);
+  inPlace->excludes(diff);
+  addCodepage(command, &options->codepage);
 }
 
 // What a command says with --help beyond its options.
@@ -75,6 +96,31 @@ int run(int argc, char** argv) {
   addFiles(catCommand, &cat.files);
   catCommand->add_flag("--verify", cat.verify, "Write nothing, but compare with the input and report differences");
   catCommand->callback([&] { command = [&] { return runCat(cat, version); }; });
+
+  CheckOptions check;
+  CLI::App* checkCommand = app.add_subcommand("check", "Report what is wrong with pages");
+  addFiles(checkCommand, &check.files);
+  addChoice(checkCommand, "--format", &check.format, kFormats, "Form of the report (text)");
+  addChoice(checkCommand, "--fail-on", &check.severeOnly, kSeverities, "Which findings make the exit code 1 (any)");
+  checkCommand->add_flag("--excerpts", check.excerpts, "Show the lines of the page even if no terminal shows them");
+  addCodepage(checkCommand, &check.codepage);
+  checkCommand->callback([&] { command = [&] { return runCheck(check, version); }; });
+
+  RewriteOptions fix;
+  CLI::App* fixCommand = app.add_subcommand("fix", "Repair pages; lines that need no repair keep their bytes");
+  addRewriteOptions(fixCommand, &fix);
+  fixCommand->callback([&] { command = [&] { return runFix(fix, version); }; });
+
+  FormatOptions format;
+  CLI::App* formatCommand = app.add_subcommand("format", "Lay out the source of pages anew");
+  addRewriteOptions(formatCommand, &format.rewrite);
+  formatCommand->add_option("--indent", format.indent, "Blanks for each level")
+      ->capture_default_str()
+      ->check(CLI::Range(0, 100));
+  formatCommand->add_option("--columns", format.columns, "Column from which the next blank becomes a line break")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  formatCommand->callback([&] { command = [&] { return runFormat(format, version); }; });
 
   ConvertOptions convert;
   CLI::App* convertCommand = app.add_subcommand("convert", "Write files in another charset or with other line ends");

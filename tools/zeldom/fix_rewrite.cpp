@@ -1,0 +1,146 @@
+// From the changed text of a page to the new bytes of its file.
+#include "tools/zeldom/fix_rewrite.h"
+
+#include <string_view>
+#include <vector>
+
+#include "tools/zeldom/diff.h"
+#include "tools/zeldom/fix_replace.h"
+#include "tools/zeldom/output.h"
+#include "tools/zeldom/source_file.h"
+
+namespace zeldom40::tool {
+
+namespace {
+
+constexpr char kEndMark = 0x1A;  // closes files of old editors; the import drops it
+
+// A file before and after a change, line by line.
+struct Versions {
+  std::vector<std::string_view> before;
+  std::vector<std::string> written;
+  std::vector<std::string_view> after;
+  std::vector<LineMatch> matches;
+  std::size_t changedLines = 0;
+
+  std::string bytes() const {
+    std::string all;
+    for (const std::string_view line : after) all += line;
+    return all;
+  }
+};
+
+// The bytes of each line of the text in the file. Together they are the whole file.
+std::vector<std::string_view> fileLines(const SourceFile& file, const SourceMap& map,
+                                        const std::vector<std::string_view>& lines) {
+  const std::string_view bytes = file.bytes;
+  std::vector<std::string_view> out;
+  std::size_t offset = 0, begin = 0;
+  for (const std::string_view& line : lines) {
+    offset += line.size();
+    // Escape sequences stand before the characters that they are for, so they belong to the line that follows.
+    const std::size_t end = &line == &lines.back() ? bytes.size() : map.toFile(SourceMap::Range{begin, offset}).end;
+    const std::size_t from =
+        out.empty() ? 0 : static_cast<std::size_t>(out.back().data() - bytes.data()) + out.back().size();
+    out.push_back(bytes.substr(from, end - from));
+    begin = offset;
+  }
+  return out;
+}
+
+// Lines that did not change keep their bytes: another conversion of the same text may be spelled otherwise.
+Versions compare(const SourceFile& file, const SourceMap& map, const std::string& text) {
+  Versions versions;
+  const std::vector<std::string_view> old = splitLines(file.text);
+  const std::vector<std::string_view> now = splitLines(text);
+  versions.before = fileLines(file, map, old);
+  versions.matches = matchLines(old, now);
+  versions.written.reserve(now.size());
+  versions.after.resize(now.size());
+  std::size_t next = 0;
+  const auto write = [&](std::size_t end) {
+    for (; next < end; ++next) {
+      versions.written.push_back(exportText(file, now[next]));
+      if (next + 1 == now.size() && !file.bytes.empty() && file.bytes.back() == kEndMark) {
+        versions.written.back() += kEndMark;
+      }
+      versions.after[next] = versions.written.back();
+      ++versions.changedLines;
+    }
+  };
+  for (const LineMatch& match : versions.matches) {
+    write(match.b);
+    for (std::size_t i = 0; i < match.length; ++i) versions.after[next++] = versions.before[match.a + i];
+  }
+  write(now.size());
+  return versions;
+}
+
+}  // namespace
+
+std::size_t severeErrors(const Page& page) {
+  std::size_t count = 0;
+  for (const _dom_error_packet* packet : page.document()->getErrorList()) {
+    for (unsigned long bits = packet->error & ERR_DOC_SEVERE_PARSE_ERROR; bits; bits &= bits - 1) ++count;
+  }
+  return count;
+}
+
+ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change) {
+  Output out;
+  ExitCode result = kFine;
+  for (const std::string& path : options.files) {
+    SourceFile file;
+    if (options.inPlace && path == "-") {
+      complain(path, "standard input cannot be changed in place");
+      result = kFailed;
+      continue;
+    }
+    if (!readSource(path, options.codepage, &file)) {
+      result = kFailed;
+      continue;
+    }
+    const Page page(library, file.text);
+    if (!page.root()) {
+      complain(path, "too large for a page");
+      result = kFailed;
+      continue;
+    }
+    const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
+    if (!map.hasFile()) {
+      complain(path, "cannot be written in the form in which it was read");
+      result = kFailed;
+      continue;
+    }
+    const ChangeResult changed = change(library, page, file.text);
+    if (!changed.left.empty()) {
+      complain(path, changed.left);
+      result = worse(result, kFindings);
+    }
+    const bool same = changed.text == file.text;
+    const bool asks = options.diff || options.dryRun;
+    if (same && (options.inPlace || asks)) continue;
+    if (same) {
+      out << file.bytes;
+      continue;
+    }
+    const Versions versions = compare(file, map, changed.text);
+    if (asks) result = worse(result, kFindings);
+    if (options.diff) {
+      out << unifiedDiff(path, versions.before, versions.after, versions.matches);
+    } else if (!options.dryRun && !options.inPlace) {
+      out << versions.bytes();
+    } else {
+      if (!options.dryRun && !replaceFile(path, versions.bytes())) {
+        result = kFailed;
+        continue;
+      }
+      out.paint(Colour::kName, path) << ": " << changed.done << ", " << versions.changedLines
+                                     << (versions.changedLines == 1 ? " line" : " lines")
+                                     << (options.dryRun ? " would change\n" : " changed\n");
+    }
+  }
+  return out.flush() ? result : kFailed;
+}
+
+}  // namespace zeldom40::tool

@@ -1,0 +1,27 @@
+// What fix and format share: a page is changed, and its file keeps every line that was not.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "tools/zeldom/commands.h"
+#include "tools/zeldom/page.h"
+
+namespace zeldom40::tool {
+
+struct ChangeResult {
+  std::string text;  // the page's new text, or its old one
+  std::string done;  // what was done, for people: "3 repairs"
+  std::string left;  // what is left to do; empty: nothing
+};
+
+// Changes a page. `text` is the text that it was parsed from.
+using PageChange = std::function<ChangeResult(const Library& library, const Page& page, const std::string& text)>;
+
+// Runs `change` on each file and does with the result what the options say.
+ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change);
+
+// How many severe errors a page has.
+std::size_t severeErrors(const Page& page);
+
+}  // namespace zeldom40::tool
