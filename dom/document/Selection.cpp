@@ -28,6 +28,8 @@ void Document::select(Node* a, unsigned aOffset, Node* b, unsigned bOffset, unsi
   } else {
     swapped = compareNode(a, b) >= 1;
   }
+  NodeAccess::markAsPlace(a);
+  NodeAccess::markAsPlace(b);
   const _selection chosen = swapped ? _selection{b, bOffset, a, aOffset} : _selection{a, aOffset, b, bOffset};
   if (!append && selections_.size() > 1) eraseSelections();
   if (!append && selections_.size() == 1) {
@@ -87,6 +89,7 @@ void Document::setLayoutCursor(Node* node, int offset) {
       }
     }
     cursorNode_ = node;
+    NodeAccess::markAsPlace(node);
     layoutOffset_ = offset;
   }
   if (!(recordFlags_ & kRecordSuspended)) recordFlags_ &= ~unsigned{kRecordInGroup};
@@ -100,6 +103,7 @@ void Document::getLayoutCursor(Node** node, int* offset) {
 void Document::setSourceCursor(Node* node, int offset) {
   layoutOffset_ = -1;
   cursorNode_ = node;
+  NodeAccess::markAsPlace(node);
   sourceOffset_ = offset;
 }
 
@@ -126,22 +130,22 @@ void Document::shiftOffsets(Node* parent, int index, int by) {
   shift(s.endNode, s.endOffset);
 }
 
+// Whether a place is told by an index in this node. To find an index costs a search, so it is asked for only then.
+bool Document::countsIn(const Node* parent) const {
+  return parent == cursorNode_ || (selections_.size() == 1 && (parent == selections_.front()->startNode ||
+                                                               parent == selections_.front()->endNode));
+}
+
 void Document::adjustCursorOnInsert(Node* node) {
-  if (!cursorCanMove(node) || !node->getParentNode()) return;
+  if (!placesCanMove(node) || !node->getParentNode()) return;
   Node* parent = node->getParentNode();
-  const bool concerned =
-      parent == cursorNode_ ||
-      (selections_.size() == 1 && (parent == selections_.front()->startNode || parent == selections_.front()->endNode));
-  if (concerned) shiftOffsets(parent, parent->getChildIndex(node), 1);
+  if (countsIn(parent)) shiftOffsets(parent, parent->getChildIndex(node), 1);
 }
 
 void Document::adjustCursorOnRemove(Node* node) {
-  if (!cursorCanMove(node) || !node->getParentNode()) return;
+  if (!placesCanMove(node) || !node->getParentNode()) return;
   Node* parent = node->getParentNode();
-  const bool concerned =
-      parent == cursorNode_ ||
-      (selections_.size() == 1 && (parent == selections_.front()->startNode || parent == selections_.front()->endNode));
-  if (concerned) shiftOffsets(parent, parent->getChildIndex(node), -1);
+  if (countsIn(parent)) shiftOffsets(parent, parent->getChildIndex(node), -1);
   if (selections_.size() < 2) return;
   for (auto it = selections_.begin(); it != selections_.end(); ++it) {
     if ((*it)->startNode != node) continue;
@@ -152,44 +156,36 @@ void Document::adjustCursorOnRemove(Node* node) {
 }
 
 void Document::adjustCursorOnDelete(Node* node) {
-  if (!cursorCanMove(node)) return;
+  if (!placesCanMove(node)) return;
+  // CHOICE: of several selections all that begin or end in the dying subtree go, not only the first that begins at
+  // its top: they would be left on dead nodes.
+  if (selections_.size() > 1) dropSelectionsInside(node);
   Node* parent = node->getParentNode();
-  const bool cursorInside = node == cursorNode_ || (node->hasChildNodes() && cursorNode_->isOffspringOf(node));
-  auto concerns = [&](Node* end) {
-    return end && (end == parent || end == node || (node->hasChildNodes() && end->isOffspringOf(node)));
+  if (!parent) return;
+  // CHOICE: an end of the selection deeper inside goes where the node's own would, as the cursor does.
+  const auto dies = [node](Node* place) {
+    return place && (place == node || (node->hasChildNodes() && place->isOffspringOf(node)));
   };
-  const bool selected =
-      selections_.size() == 1 && (concerns(selections_.front()->startNode) || concerns(selections_.front()->endNode));
-  // The index costs a search through the list, so it is asked for only where a place is told by it.
-  const int index = parent && (parent == cursorNode_ || cursorInside || selected) ? parent->getChildIndex(node) : -1;
-  if (parent && parent == cursorNode_) {
-    if (layoutOffset_ >= 0 && layoutOffset_ > index) --layoutOffset_;
-    if (sourceOffset_ >= 0 && sourceOffset_ > index) --sourceOffset_;
-  } else if (parent && cursorInside) {
+  _selection* s = selections_.size() == 1 ? selections_.front() : nullptr;
+  const bool cursorDies = dies(cursorNode_);
+  const bool startDies = s && dies(s->startNode);
+  const bool endDies = s && dies(s->endNode);
+  if (!cursorDies && !startDies && !endDies && !countsIn(parent)) return;
+  const int index = parent->getChildIndex(node);
+  shiftOffsets(parent, index, -1);
+  NodeAccess::markAsPlace(parent);
+  if (cursorDies) {
     cursorNode_ = parent;
     if (layoutOffset_ >= 0) layoutOffset_ = index;
     if (sourceOffset_ >= 0) sourceOffset_ = index;
   }
-  if (selections_.size() == 1) {
-    _selection& s = *selections_.front();
-    auto adjust = [&](Node*& end, unsigned& offset) {
-      if (parent && end == parent) {
-        if (static_cast<long>(offset) > index) --offset;
-      } else if (parent && end == node) {
-        end = parent;
-        offset = static_cast<unsigned>(index);
-      } else if (parent && end && end->isOffspringOf(node)) {
-        // CHOICE: an end deeper inside would be left on a dead node; it goes where the node's own would.
-        end = parent;
-        offset = static_cast<unsigned>(index);
-      }
-    };
-    if (selected) adjust(s.startNode, s.startOffset);
-    if (selected) adjust(s.endNode, s.endOffset);
-  } else if (!selections_.empty()) {
-    // CHOICE: of several selections all that begin or end in the dying subtree go, not only the first that begins at
-    // its top: they would be left on dead nodes.
-    dropSelectionsInside(node);
+  if (startDies) {
+    s->startNode = parent;
+    s->startOffset = static_cast<unsigned>(index);
+  }
+  if (endDies) {
+    s->endNode = parent;
+    s->endOffset = static_cast<unsigned>(index);
   }
 }
 

@@ -2,6 +2,7 @@
 #include "dom/document/TextMerge.h"
 
 #include "dom/document/Document.h"
+#include "dom/tree/NodeAccess.h"
 #include "dom/tree/TextAccess.h"
 
 namespace zeldom40 {
@@ -29,11 +30,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   const int lenA = static_cast<int>(a->getData().size());
   const int lenB = static_cast<int>(b->getData().size());
   // The index is only asked for where a place is counted in it; the question costs the length of the list.
-  const auto countsIn = [&](const Node* node) { return node == parent; };
-  const bool indexMatters = countsIn(document.cursorNode_) ||
-                            (document.selections_.size() == 1 && (countsIn(document.selections_.front()->startNode) ||
-                                                                  countsIn(document.selections_.front()->endNode)));
-  const int index = indexMatters ? parent->getChildIndex(b) : -1;
+  const int index = document.countsIn(parent) ? parent->getChildIndex(b) : -1;
   TextAccess::append(a, b);
 
   auto moved = [&](Node* node, long offset, long* to) {
@@ -50,10 +47,12 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   long to = 0;
   if (document.cursorNode_ && moved(document.cursorNode_, document.layoutOffset_, &to)) {
     document.cursorNode_ = a;
+    NodeAccess::markAsPlace(a);
     document.layoutOffset_ = static_cast<int>(to);
     document.sourceOffset_ = -1;
   }
   if (document.selections_.size() == 1) {
+    NodeAccess::markAsPlace(a);
     Document::_selection& s = *document.selections_.front();
     if (moved(s.startNode, s.startOffset, &to)) {
       s.startNode = a;

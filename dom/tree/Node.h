@@ -212,6 +212,7 @@ class ZELDOM40_API Node {
   std::uint8_t viewFlags_ : 2 = 0;
   bool listIsTruth_ : 1 = false;  // sibling links of the children were tampered with: the list decides
   bool released_ : 1 = false;
+  bool place_ : 1 = false;  // a cursor or the end of a selection was set here: documents must learn of the node's end
 };
 
 }  // namespace zeldom40

@@ -27,6 +27,9 @@ struct NodeAccess {
   static void addFlags(Node* node, unsigned long flags) { node->updateFlags_ |= static_cast<std::uint16_t>(flags); }
   static void setParent(Node* node, Node* parent) { node->parent_ = parent; }
   static void addError(Node* node, unsigned long bits) { node->error_ |= static_cast<std::uint32_t>(bits); }
+  static void markAsPlace(Node* node) {
+    if (node) node->place_ = true;
+  }
   static void releaseOwned(Node* node) {
     if (!node->released_) {
       node->released_ = true;
