@@ -49,17 +49,14 @@ class EditCloser {
       return;
     }
     if (group & GROUP_SKELETON) {
-      if (Element* earlier = siblingOfID(element, /*forward=*/false)) {
+      if (Element* earlier = earlierOfID(element)) {
         walk_.toSibling(earlier);
         mergeElements(document_, earlier, element);
         changed_ = true;
         walk_.next(!full_, false);
         return;
       }
-      while (Element* later = siblingOfID(element, /*forward=*/true)) {
-        mergeElements(document_, element, later);
-        changed_ = true;
-      }
+      mergeLater(element);
     }
     format(element);
   }
@@ -102,10 +99,18 @@ class EditCloser {
     walk_.next(!full_, false);
   }
 
-  static Element* siblingOfID(Element* element, bool forward) {
-    if (!element->getParentNode()) return nullptr;
-    Node* n = element;
-    while ((n = forward ? NodeAccess::childAfter(n) : NodeAccess::childBefore(n))) {
+  void mergeLater(Element* element) {
+    for (Node* n = NodeAccess::childAfter(element); n;) {
+      Element* later = asElement(n);
+      n = NodeAccess::childAfter(n);
+      if (!later || later->getElementID() != element->getElementID()) continue;
+      mergeElements(document_, element, later);
+      changed_ = true;
+    }
+  }
+
+  static Element* earlierOfID(Element* element) {
+    for (Node* n = NodeAccess::childBefore(element); n; n = NodeAccess::childBefore(n)) {
       Element* other = asElement(n);
       if (other && other->getElementID() == element->getElementID()) return other;
     }
@@ -137,13 +142,15 @@ bool Document::adjustNodes(Node* node, bool full) {
   if (!dom_->getDocumentStyle()) return false;
   enableRecord(false);
   bool changed = false;
+  // What the cursor has left may hold the start.
+  const HeldNode held(node);
+  const bool hadParent = node->getParentNode() != nullptr;
   if (retainedCursorNode_ && retainedCursorNode_ != cursorNode_) {
     changed = dropLeftBehind(retainedCursorNode_);
     retainedCursorNode_->releaseRef(false);
     retainedCursorNode_ = nullptr;
   }
-  // The edit may have taken away the start itself.
-  changed |= EditCloser(*this, node, full).run();
+  if (!hadParent || node->getParentNode()) changed |= EditCloser(*this, node, full).run();
   if (cursorNode_ != retainedCursorNode_) {
     if (retainedCursorNode_) retainedCursorNode_->releaseRef(false);
     retainedCursorNode_ = cursorNode_;

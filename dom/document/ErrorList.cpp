@@ -4,6 +4,7 @@
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/document/TreeAdjuster.h"
+#include "dom/document/TreeWalker.h"
 #include "dom/html/ErrorCorrector.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
@@ -59,9 +60,12 @@ int Document::correctError(Node* node) {
   if (!node) node = documentElement_;
   if (!node) return 0;
   enableRecord(false);
+  // The node may be a stray end tag itself, or lose all that it held.
+  const HeldNode held(node);
+  const bool hadParent = node->getParentNode() != nullptr;
   const int count = ErrorCorrector(*this, node).correct();
   if (node == documentElement_) resetError(ERR_DOC_SEVERE_PARSE_ERROR);
-  normalizeNodes(*this, node, /*corrected=*/true);
+  if (!hadParent || node->getParentNode()) normalizeNodes(*this, node, /*corrected=*/true);
   enableRecord(true);
   return count;
 }

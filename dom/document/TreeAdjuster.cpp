@@ -84,6 +84,7 @@ class Normalizer {
           break;
       }
     }
+    if (corrected_ && start_->getParentNode()) removePointlessStart();
     return changed_;
   }
 
@@ -147,6 +148,21 @@ class Normalizer {
     }
     changed_ = true;
     return true;
+  }
+
+  // The start goes last, or the walk would lose its bounds. The caller holds it.
+  void removePointlessStart() {
+    Element* element = asElement(start_);
+    if (!element) return;
+    const TreeWalker around(element);
+    if (pointless_.isEmpty(element)) {
+      document_.deleteNodes(element);
+    } else if (PointlessElements::isTransparent(element, around)) {
+      document_.removeElement(element, /*mergeTexts=*/true);
+    } else {
+      return;
+    }
+    changed_ = true;
   }
 
   void visitInstruction(Node* pi) {

@@ -9,6 +9,26 @@
 
 namespace zeldom40 {
 
+// Keeps a node over a call that may delete it from its tree.
+class HeldNode {
+ public:
+  explicit HeldNode(Node* node) : node_(node), counted_(NodeAccess::refCount(node) > 0) { node_->addRef(false); }
+  HeldNode(const HeldNode&) = delete;
+  HeldNode& operator=(const HeldNode&) = delete;
+  ~HeldNode() {
+    // A host's node that nobody counts yet stays the host's.
+    if (counted_) {
+      node_->releaseRef(false);
+    } else {
+      node_->dropRef(false);
+    }
+  }
+
+ private:
+  Node* node_;
+  bool counted_;
+};
+
 // Pre-order over the subtree of `top`. It counts the elements around the current node by identifier and by group, so
 // that a question about ancestors costs the same at any depth. The caller moves it off a node before deleting that.
 class TreeWalker {

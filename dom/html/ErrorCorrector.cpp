@@ -1,7 +1,7 @@
 // The repair of misplaced nodes and broken tags.
 #include "dom/html/ErrorCorrector.h"
 
-#include <algorithm>
+#include <tuple>
 
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
@@ -35,6 +35,11 @@ bool isPassed(Node* node, bool ignoreWhite) {
   return node->getNodeType() == Node::NODE_TEXT && static_cast<Text*>(node)->isEmptyText(ignoreWhite);
 }
 
+Node* rootOf(Node* node) {
+  while (node->getParentNode()) node = node->getParentNode();
+  return node;
+}
+
 bool isUnknown(Node* node) {
   return asElement(node) && asElement(node)->getElementType() == Element::ELEMENT_UNDEFINED;
 }
@@ -42,11 +47,7 @@ bool isUnknown(Node* node) {
 }  // namespace
 
 ErrorCorrector::ErrorCorrector(Document& document, Node* top)
-    : document_(document), top_(top), containment_(document, [top] {
-        const Node* root = top;
-        while (root->getParentNode()) root = root->getParentNode();
-        return root;
-      }()) {
+    : document_(document), top_(top), root_(rootOf(top)), containment_(document, root_) {
   long nodes = 0;
   for (const Node* n = top; n; n = NodeAccess::nextInSubtree(n, top)) ++nodes;
   budget_ = kStepsPerNode * nodes + 4096;
@@ -65,6 +66,7 @@ void ErrorCorrector::take(Node* node) {
 
 void ErrorCorrector::drop(Node* node) {
   containment_.forget(node);
+  keepLandmarks(node);
   barredAt_ = nullptr;
   document_.deleteNodes(node);
 }
@@ -84,49 +86,131 @@ Element* ErrorCorrector::emptyCopy(const Element* element) {
 
 // --- the pass --------------------------------------------------------------------------------------------------------
 
+// In document order through the subtree and what this pass moves out of it. A node that leaves a table comes to stand
+// before it; the walk goes through the node and then on from where it stood. Walking on behind its new place, as the
+// order has it, would meet nothing but rows that are repaired already, and all of them again for each such node.
 int ErrorCorrector::correct() {
+  pushDetour({NodeAccess::nextSkippingChildren(top_, root_), nullptr, nullptr});
   for (Node* n = top_; n;) {
-    Node* next = nullptr;
     if (Element* element = asElement(n)) {
+      Node* next = nullptr;
       if (element->getError() && correctElement(element, &next)) {
         n = next;
         continue;
       }
     } else if (n->getNodeType() == Node::NODE_TEXT && (n->getError() & ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST)) {
-      if (relocate(n)) {
+      if (place(n)) {
         n->resetError(ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
         ++count_;
       }
     }
-    n = NodeAccess::nextInSubtree(n, top_);
+    n = follow(NodeAccess::nextInSubtree(n, root_));
   }
   return static_cast<int>(count_);
 }
 
+// `next` is the next node by document order; returns where the walk goes.
+Node* ErrorCorrector::follow(Node* next) {
+  while (!detours_.empty() && next == detours_.back().end) {
+    const Detour done = detours_.back();
+    detours_.pop_back();
+    for (const Node* landmark : {done.end, done.resume, done.resumeBehind}) {
+      if (landmark) landmarks_.erase(landmarks_.find(landmark));
+    }
+    if (detours_.empty()) return nullptr;
+    next = done.resume ? done.resume : NodeAccess::nextSkippingChildren(done.resumeBehind, root_);
+  }
+  return next;
+}
+
+void ErrorCorrector::pushDetour(const Detour& detour) {
+  detours_.push_back(detour);
+  for (const Node* landmark : {detour.end, detour.resume, detour.resumeBehind}) {
+    if (landmark) landmarks_.insert(landmark);
+  }
+}
+
+// Before `node` is moved away: remembers what stands behind it.
+void ErrorCorrector::noteResume(Node* node) {
+  if (left_) return;
+  left_ = true;
+  Node* later = NodeAccess::childAfter(node);
+  pending_ = {nullptr, later, later ? nullptr : node->getParentNode()};
+}
+
+void ErrorCorrector::keepLandmarks(Node* dying) {
+  bool met = false;
+  for (const Node* n = dying; n; n = NodeAccess::nextInSubtree(n, dying)) {
+    met = met || landmarks_.count(n) || (left_ && (n == pending_.resume || n == pending_.resumeBehind));
+    if (n == rowSearchedFrom_ || n == rowFound_) rowSearchedFrom_ = nullptr;
+  }
+  if (!met) return;
+  Node* sibling = NodeAccess::childAfter(dying);
+  const auto mend = [&](Detour& detour) {
+    const auto dies = [dying](Node* node) { return node && node->isOffspringOf(dying); };
+    if (dies(detour.end)) detour.end = NodeAccess::nextSkippingChildren(dying, root_);
+    if (!dies(detour.resume) && !dies(detour.resumeBehind)) return;
+    detour.resume = sibling;
+    detour.resumeBehind = sibling ? nullptr : dying->getParentNode();
+  };
+  if (left_) mend(pending_);
+  std::vector<Detour> detours;
+  detours.swap(detours_);
+  landmarks_.clear();
+  for (Detour& detour : detours) {
+    mend(detour);
+    pushDetour(detour);
+  }
+}
+
+// Relocates the node and keeps the walk on its way. Returns whether the node stands right now.
+bool ErrorCorrector::place(Node* node) {
+  left_ = false;
+  rowSearchedFrom_ = nullptr;
+  const bool placed = relocate(node) != nullptr;
+  if (left_) {
+    pending_.end = NodeAccess::nextSkippingChildren(node, root_);
+    if (!pending_.resume || pending_.end != pending_.resume) pushDetour(pending_);
+    left_ = false;
+  }
+  // What the node was made again as has its tags, and their faults.
+  std::vector<Element*> copies;
+  copies.swap(copies_);
+  for (Element* copy : copies) {
+    if (copy->getParentNode()) repairTags(copy);
+    copy->releaseRef(false);
+  }
+  return placed;
+}
+
 // True if the element is gone; `next` is then where the pass goes on.
 bool ErrorCorrector::correctElement(Element* element, Node** next) {
-  if ((element->getError() & kPlacing) && relocate(element)) {
+  if ((element->getError() & kPlacing) && place(element)) {
     element->resetError(kPlacing);
     ++count_;
   }
-  if ((element->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) && element != top_) {
-    // A stray end tag. That of a row ends the row that a repair made, which takes no more cells then.
-    if (element->getName() == "TR") {
-      for (Node* s = NodeAccess::childBefore(element); s && spend(1); s = NodeAccess::childBefore(s)) {
-        if (idOf(s) != ID_TR) continue;
-        s->resetUpdateFlag(Node::UPDATE_ADAPTED);
-        break;
-      }
-    }
-    *next = NodeAccess::nextInSubtree(element, top_);
-    for (Node* n = *next; n && element->hasChildNodes() && n->isOffspringOf(element);) {
-      n = NodeAccess::nextSkippingChildren(element, top_);
-      *next = n;
-    }
+  if ((element->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) && element->getParentNode()) {
+    if (element->getName() == "TR") endAdaptedRow(element);
+    *next = follow(NodeAccess::nextSkippingChildren(element, root_));
     drop(element);
     ++count_;
     return true;
   }
+  repairTags(element);
+  return false;
+}
+
+// A stray end tag of a row ends the row that a repair made, which takes no more cells then.
+void ErrorCorrector::endAdaptedRow(Element* strayEnd) {
+  Node* from = NodeAccess::childBefore(strayEnd);
+  Node* s = from;
+  while (s && idOf(s) != ID_TR && s != rowSearchedFrom_) s = NodeAccess::childBefore(s);
+  rowFound_ = s && s == rowSearchedFrom_ ? rowFound_ : s;
+  rowSearchedFrom_ = from;
+  if (rowFound_) rowFound_->resetUpdateFlag(Node::UPDATE_ADAPTED);
+}
+
+void ErrorCorrector::repairTags(Element* element) {
   if (element->getError() & ERR_ELEMENT_END_TAG_MISSING) {
     Node* parent = element->getParentNode();
     if (element->getElementID() == ID_A && parent) {
@@ -156,7 +240,6 @@ bool ErrorCorrector::correctElement(Element* element, Node** next) {
     element->resetError(ERR_ELEMENT_INVALID_CASE_END);
     ++count_;
   }
-  return false;
 }
 
 // --- relocate --------------------------------------------------------------------------------------------------------
@@ -167,6 +250,10 @@ Node* ErrorCorrector::relocate(Node* node) {
   while (restarted) {
     restarted = false;
     const bool crossing = crossesTable(node);
+    const Node* goal = nullptr;
+    // What is left of the node, or right of it, holds something; then all that is around that does.
+    bool leftFilled = false;
+    bool rightFilled = false;
     Node* q = node->getParentNode();
     while (q) {
       if (!spend(1)) return nullptr;
@@ -176,7 +263,8 @@ Node* ErrorCorrector::relocate(Node* node) {
         if (Node* adapted = adaptNode(node)) return adapted;
       }
       // Nothing moves unless some place above will do.
-      if (!hasLegalPlaceAbove(q->getParentNode(), node, crossing)) return nullptr;
+      if (!goal || goal == q) goal = legalPlaceFrom(q->getParentNode(), node, crossing);
+      if (!goal) return nullptr;
       barredAt_ = nullptr;
       // c. What is no part of a table leaves it to stand before it.
       if ((groupOf(q) & GROUP_TABLE) && !(groupOf(node) & GROUP_TABLE) && leaveTable(node, q)) {
@@ -189,20 +277,30 @@ Node* ErrorCorrector::relocate(Node* node) {
       // e.
       Node* earlier = NodeAccess::childBefore(node);
       Node* later = NodeAccess::childAfter(node);
+      if (top_ != root_) noteResume(node);
       take(node);
       if (!crossing && asElement(q) && asElement(node)) spread(static_cast<Element*>(q), static_cast<Element*>(node));
       // A wrapper may have taken the neighbour in; its place is then the wrapper's.
       while (later && later->getParentNode() != q) later = later->getParentNode();
       // f. and g.
+      Node* left = earlier ? q : nullptr;
+      Node* right = earlier ? nullptr : q;
       if (!earlier) {
         g->insertBefore(node, q);
       } else if (!later || !asElement(q)) {
         insertBehind(g, node, q);
       } else {
-        splitAround(node, static_cast<Element*>(q), earlier, later);
+        std::tie(left, right) = splitAround(node, static_cast<Element*>(q), earlier, later);
       }
       // h.
-      if (q->getParentNode() && document_.isEmptyNode(q, false)) drop(q);
+      if (left && !leftFilled) {
+        leftFilled = !document_.isEmptyNode(left, false);
+        if (!leftFilled) drop(left);
+      }
+      if (right && !rightFilled) {
+        rightFilled = !document_.isEmptyNode(right, false);
+        if (!rightFilled) drop(right);
+      }
       q = g;
     }
   }
@@ -210,8 +308,9 @@ Node* ErrorCorrector::relocate(Node* node) {
 }
 
 // Puts `node` behind `q` and the children from `later` on into a copy of `q` behind that. The side with fewer children
-// moves; the two elements are alike, so who of them stays is told by nothing but a holder from outside.
-void ErrorCorrector::splitAround(Node* node, Element* q, Node* earlier, Node* later) {
+// moves; the two elements are alike, so who of them stays is told by nothing but a holder from outside. Returns the
+// elements before and behind the node.
+std::pair<Element*, Element*> ErrorCorrector::splitAround(Node* node, Element* q, Node* earlier, Node* later) {
   Node* g = q->getParentNode();
   Element* copy = emptyCopy(q);
   containment_.forget(q);
@@ -225,12 +324,15 @@ void ErrorCorrector::splitAround(Node* node, Element* q, Node* earlier, Node* la
     g->insertBefore(copy, q);
     g->insertBefore(node, q);
     copy->insertLast(q->removeChildren(nullptr, earlier));
-  } else {
-    insertBehind(g, node, q);
-    insertBehind(g, copy, node);
-    copy->insertLast(q->removeChildren(later, nullptr));
+    // What takes in the next misplaced node is the part before this one.
+    NodeAccess::addFlags(copy, NodeAccess::flags(q) & Node::UPDATE_ADAPTED);
+    q->resetUpdateFlag(Node::UPDATE_ADAPTED);
+    return {copy, q};
   }
-  if (document_.isEmptyNode(copy, false)) drop(copy);
+  insertBehind(g, node, q);
+  insertBehind(g, copy, node);
+  copy->insertLast(q->removeChildren(later, nullptr));
+  return {q, copy};
 }
 
 // Whether a part of a table would have to pass something that is no table structure on its way up to its table.
@@ -244,19 +346,19 @@ bool ErrorCorrector::crossesTable(Node* node) {
   return false;
 }
 
-// Looks for a level from `from` up at which climbing would end, without moving anything.
-bool ErrorCorrector::hasLegalPlaceAbove(Node* from, Node* node, bool crossing) {
+// The first level from `from` up at which climbing would end, null if there is none. Moves nothing.
+Node* ErrorCorrector::legalPlaceFrom(Node* from, Node* node, bool crossing) {
   const void* kind = asElement(node) ? static_cast<const void*>(asElement(node)->getElementDefinition()) : this;
   for (Node* n = from; n; n = n->getParentNode()) {
     if (n == barredAt_ && kind == barredKind_) break;
-    if (!spend(1)) return false;
-    if (containment_.canContain(n, node)) return true;
+    if (!spend(1)) return nullptr;
+    if (containment_.canContain(n, node)) return n;
     if (crossing || !asElement(n)) continue;
-    if (plan(n, node, nullptr).way != Plan::NONE) return true;
+    if (plan(n, node, nullptr).way != Plan::NONE) return n;
   }
   barredAt_ = from;
   barredKind_ = kind;
-  return false;
+  return nullptr;
 }
 
 // --- tables ----------------------------------------------------------------------------------------------------------
@@ -266,6 +368,7 @@ Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
   while (table && idOf(table) != ID_TABLE) table = table->getParentNode();
   if (!table || !table->getParentNode()) return nullptr;
   strip(node, from);
+  noteResume(node);
   take(node);
   table->getParentNode()->insertBefore(node, table);
   return table->getParentNode();
@@ -322,6 +425,8 @@ bool ErrorCorrector::spread(Element* parent, Element* node) {
     if (level.fits && containment_.canContain(node, c)) {
       if (!level.wrapper) {
         level.wrapper = emptyCopy(node);
+        level.wrapper->addRef(false);
+        copies_.push_back(level.wrapper);
         level.element->insertBefore(level.wrapper, c);
         wrapped = true;
       }

@@ -1,6 +1,8 @@
 // Internal. Repairs bad structure that the parser has marked.
 #pragma once
 
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "dom/html/Containment.h"
@@ -21,7 +23,8 @@ class ErrorCorrector {
  public:
   ErrorCorrector(Document& document, Node* top);
 
-  // Repairs the subtree of the top; returns the number of repairs.
+  // Repairs the subtree of the top; returns the number of repairs. The top may leave the tree in its own repair, so the
+  // caller holds a reference on it.
   int correct();
   // Makes one node fit by creating the elements that it lacks; returns its new parent, null if nothing could be done.
   Node* adaptNode(Node* node);
@@ -36,15 +39,30 @@ class ErrorCorrector {
     std::vector<const ElementDefinition*> required;  // innermost first
   };
 
+  // A stretch of the walk that was moved elsewhere: when the walk meets `end` it goes back to `resume`, or, without
+  // one, to what follows `resumeBehind`.
+  struct Detour {
+    Node* end;
+    Node* resume;
+    Node* resumeBehind;
+  };
+
   bool spend(long steps);
+  Node* follow(Node* next);
+  void noteResume(Node* node);
+  void pushDetour(const Detour& detour);
+  void keepLandmarks(Node* dying);
+  bool place(Node* node);
   bool correctElement(Element* element, Node** next);
+  void repairTags(Element* element);
+  void endAdaptedRow(Element* strayEnd);
   Node* relocate(Node* node);
   bool crossesTable(Node* node);
-  bool hasLegalPlaceAbove(Node* from, Node* node, bool crossing);
+  Node* legalPlaceFrom(Node* from, Node* node, bool crossing);
   Node* leaveTable(Node* node, Node* from);
   void strip(Node* node, Node* parent);
   bool spread(Element* parent, Element* node);
-  void splitAround(Node* node, Element* q, Node* earlier, Node* later);
+  std::pair<Element*, Element*> splitAround(Node* node, Element* q, Node* earlier, Node* later);
   Plan plan(Node* parent, Node* node, Node* lastTried);
   Element* create(const ElementDefinition* definition);
   void take(Node* node);
@@ -54,12 +72,23 @@ class ErrorCorrector {
 
   Document& document_;
   Node* top_;
+  Node* root_;
   Containment containment_;
   long budget_ = 0;
   long count_ = 0;
   // A search above this node for a place for such a node failed, and nothing has moved since.
   const Node* barredAt_ = nullptr;
   const void* barredKind_ = nullptr;
+  // The walk. The nodes of detours are landmarks: they are exchanged for others before they die.
+  std::vector<Detour> detours_;
+  std::unordered_multiset<const Node*> landmarks_;
+  // The relocation under way: where the walk goes on behind the node, if it left its place in document order.
+  Detour pending_{};
+  bool left_ = false;
+  std::vector<Element*> copies_;
+  // The row nearest before this sibling, as the last search for one found out.
+  const Node* rowSearchedFrom_ = nullptr;
+  Node* rowFound_ = nullptr;
 };
 
 }  // namespace zeldom40
