@@ -248,10 +248,8 @@ class Decoder {
   Node* next(Node* open, bool* hasChildren) {
     const unsigned head = get();
     if ((head & kKindMask) == CLOSE) {
-      if (open->getNodeType() == Node::NODE_ELEMENT && !isClone(open)) {
-        auto* element = static_cast<Element*>(open);
-        const Slice end = getSlice();
-        ElementAccess::setEndSlice(element, end);
+      if (!isClone(open) && open->getNodeType() == Node::NODE_ELEMENT) {
+        ElementAccess::setEndSlice(static_cast<Element*>(open), getSlice());
       }
       return nullptr;
     }
