@@ -122,7 +122,7 @@ class PageTest : public testing::Test {
 
   // Ends the document before the case does; what the host still holds must outlive it.
   void dropDocument() {
-    dom_->deleteDocument(doc_);
+    if (doc_) dom_->deleteDocument(doc_);
     doc_ = nullptr;
   }
 
