@@ -24,7 +24,7 @@ constexpr double kSteepest = 1.15;
 // What takes less time than this in all is too short to have a slope.
 constexpr double kTooShort = 0.004;
 // A size that would take longer than this is not tried; the slope is known by then.
-constexpr double kTooLong = 60;
+constexpr double kTooLong = 40;
 
 struct Run {
   const char* documentType;
@@ -107,36 +107,53 @@ Run best(const char* documentType, const std::string& text, int most) {
   return result;
 }
 
+double slowest(const Run& run) { return *std::max_element(run.seconds, run.seconds + PHASES); }
+
+// The exponent of a phase over the last doublings that were measured, at most three; 0 if it is too short to have one.
+double slope(const std::vector<Run>& runs, int phase) {
+  const Run& last = runs.back();
+  const std::size_t doublings = std::min<std::size_t>(3, runs.size() - 1);
+  if (doublings == 0 || last.seconds[phase] < kTooShort) return 0;
+  const Run& first = runs[runs.size() - 1 - doublings];
+  return std::log2(last.seconds[phase] / std::max(first.seconds[phase], 1e-9)) / static_cast<double>(doublings);
+}
+
+bool isSteep(const std::vector<Run>& runs) {
+  for (int p = 0; p < PHASES; ++p) {
+    if (slope(runs, p) > kSteepest) return true;
+  }
+  return false;
+}
+
 // Measures one shape at an eighth, a quarter, a half and the whole of its size; false if a phase grows too fast or the
-// page comes back changed.
+// page comes back changed. A tree that outgrows the processor's caches on the way costs more from there on, once: what
+// looks steep is tried at two further sizes, where only true growth stays steep.
 bool measure(const Shape& shape, std::size_t divideBy) {
   std::vector<Run> runs;
   std::size_t bytes = 0;
+  bool same = true;
   bool cut = false;
-  for (std::size_t part = 8; part >= 1 && !cut; part /= 2) {
-    const std::string text = shape.make(std::max<std::size_t>(1, shape.full / divideBy / part));
+  std::size_t n = std::max<std::size_t>(1, shape.full / divideBy / 8);
+  for (int size = 0; !cut && (size < 4 || (size < 6 && isSteep(runs))); ++size, n *= 2) {
+    const std::string text = shape.make(n);
     bytes = text.size();
     runs.push_back(best(shape.documentType, text, 5));
-    const double* now = runs.back().seconds;
-    cut = part > 1 && *std::max_element(now, now + PHASES) * 4 > kTooLong;
+    same = same && runs.back().same;
+    cut = slowest(runs.back()) * 4 > kTooLong;
   }
-  const Run& last = runs.back();
-  std::printf("%-34s %9zu B %8ld nodes ", shape.name, bytes, last.nodes);
-  bool steep = cut;
+  const bool steep = isSteep(runs);
+  std::printf("%-34s %9zu B %8ld nodes ", shape.name, bytes, runs.back().nodes);
   for (int p = 0; p < PHASES; ++p) {
-    std::printf(" %8.3f", last.seconds[p]);
-    if (last.seconds[p] < kTooShort || runs.size() < 2) {
-      std::printf("    - ");
-      continue;
+    const double exponent = slope(runs, p);
+    std::printf(" %8.3f ", runs.back().seconds[p]);
+    if (exponent == 0) {
+      std::printf("   - ");
+    } else {
+      std::printf("%4.2f%c", exponent, exponent > kSteepest ? '!' : ' ');
     }
-    const double slope =
-        std::log2(last.seconds[p] / std::max(runs.front().seconds[p], 1e-9)) / static_cast<double>(runs.size() - 1);
-    std::printf(" %4.2f%c", slope, slope > kSteepest ? '!' : ' ');
-    steep = steep || slope > kSteepest;
   }
-  bool same = true;
-  for (const Run& run : runs) same = same && run.same;
-  std::printf("%s%s%s\n", same ? "" : "  DIFFERS", steep ? "  STEEP" : "", cut ? "  (larger ones not tried)" : "");
+  std::printf("%s%s%s\n", same ? "" : "  DIFFERS", steep ? "  STEEP" : "",
+              cut && steep ? " (no larger one tried)" : "");
   std::fflush(stdout);
   return same && !steep;
 }
@@ -185,10 +202,10 @@ bool measurePairs(std::size_t n) {
         const auto total = [](const Run& run) {
           return run.seconds[0] + run.seconds[1] + run.seconds[2] + run.seconds[3];
         };
-        const double slope = std::log2(total(runs[1]) / total(runs[0])) / 2;
-        if (runs[0].same && runs[1].same && (slope < 1.4 || total(runs[1]) < 0.02)) continue;
+        const double exponent = std::log2(total(runs[1]) / total(runs[0])) / 2;
+        if (runs[0].same && runs[1].same && (exponent < 1.4 || total(runs[1]) < 0.02)) continue;
         fine = false;
-        std::printf("%-50s %.4f s, %.4f s: %.2f%s\n", shown.c_str(), total(runs[0]), total(runs[1]), slope,
+        std::printf("%-50s %.4f s, %.4f s: %.2f%s\n", shown.c_str(), total(runs[0]), total(runs[1]), exponent,
                     runs[0].same && runs[1].same ? "" : " DIFFERS");
         std::fflush(stdout);
       }
@@ -211,8 +228,9 @@ int runGrowth(const std::vector<std::string>& arguments) {
       wanted.push_back(argument);
     }
   }
-  std::printf("Seconds at the full size and the exponent over the last three doublings; a stack of %zu KB\n",
-              kSmallStack / 1024);
+  std::printf(
+      "Processor seconds at the largest size and the exponent over the last three doublings; a stack of %zu KB\n",
+      kSmallStack / 1024);
   std::printf("%-34s %11s %14s ", "shape", "", "");
   for (const char* phase : kPhaseNames) std::printf(" %8s  exp.", phase);
   std::printf("\n");
