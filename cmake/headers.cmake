@@ -27,6 +27,6 @@ set(ZELDOM40_HEADERS
     dom/tree/Node.h
     dom/tree/NodeIterator.h
     dom/tree/PI.h
-    dom/tree/PageBuffer.h
+    dom/tree/PageSlice.h
     dom/tree/SharedName.h
     dom/tree/Text.h)

@@ -36,7 +36,7 @@ ContentTable& contentTable(ParserType::_dtd_frame& frame) {
 bool FrameEntities::find(std::string_view name, EntityText& out) const {
   const GeneralEntityRecord* entity = frame_->generalEntities->find(name);
   if (!entity) return false;
-  out = EntityText{entity->text, entity->publicId, entity->systemId};
+  out = EntityText{entity->text, entity->publicId, entity->systemId, entity->order};
   return true;
 }
 

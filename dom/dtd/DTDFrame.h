@@ -34,6 +34,7 @@ struct GeneralEntityRecord {
   std::string systemId;
   std::string publicId;
   std::string notation;
+  std::size_t order = 0;  // 0-based, among the general entities as they were declared
 };
 
 // The name of a character.

@@ -254,6 +254,7 @@ void DTDParser::parseGeneralEntity() {
     frame_->charEntities->try_emplace(code, CharEntityRecord{code, name, entity.text});
   }
   if (frame_->generalEntities->find(name)) return;
+  entity.order = frame_->generalRecords.size();
   frame_->generalRecords.push_back(std::move(entity));
   frame_->generalEntities->insert(name, &frame_->generalRecords.back());
 }

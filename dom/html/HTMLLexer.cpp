@@ -40,7 +40,8 @@ constexpr std::array<std::uint8_t, 256> kPunctuation = makePunctuation();
 }  // namespace
 
 HTMLLexer::HTMLLexer(const char* text, std::size_t length, ParserType::_dtd_frame* frame) : frame_(frame) {
-  PageBuffer* buffer = PageBuffer::create(std::string_view(text, length), FrameTables::entities(frame));
+  PageBuffer* buffer = PageBuffer::create(std::string_view(text, length), FrameTables::entities(frame),
+                                          frame ? frame->generalEntities->size() : 0);
   page_ = PageRef(buffer);
   buffer->release();
   text_ = buffer->text();

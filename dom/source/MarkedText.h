@@ -13,6 +13,7 @@ struct EntityText {
   std::string_view text;  // the replacement, in the marked form
   std::string_view publicId;
   std::string_view systemId;
+  std::size_t order = 0;  // the number of entities that were declared before it
 };
 
 // The entities of a document type.

@@ -17,6 +17,8 @@ Comment::Comment(const std::string& data, Document* document) : Node(NODE_COMMEN
 
 Comment::Comment(const char* data, Document* document) : Comment(std::string(data ? data : ""), document) {}
 
+Comment::Comment(FromPage, Document* document) : Node(NODE_COMMENT, document) {}
+
 Comment::Comment(const Comment& other)
     : Node(other),
       rawDirty_(other.rawDirty_),

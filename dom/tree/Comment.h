@@ -6,7 +6,7 @@
 
 #include "dom/export.h"
 #include "dom/tree/Node.h"
-#include "dom/tree/PageBuffer.h"
+#include "dom/tree/PageSlice.h"
 
 namespace zeldom40 {
 
@@ -39,7 +39,7 @@ class ZELDOM40_API Comment : public Node {
  private:
   friend struct CommentAccess;
   struct FromPage {};
-  Comment(FromPage, Document* document) : Node(NODE_COMMENT, document) {}
+  Comment(FromPage, Document* document);
   Node* cloneSelf() const override;
   std::string_view rawView();
   TextStrings& strings() const;

@@ -8,7 +8,7 @@
 #include "dom/dtd/ElementCatalogue.h"
 #include "dom/export.h"
 #include "dom/tree/Node.h"
-#include "dom/tree/PageBuffer.h"
+#include "dom/tree/PageSlice.h"
 
 namespace zeldom40 {
 

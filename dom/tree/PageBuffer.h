@@ -1,69 +1,76 @@
-// The parser's copy of a page, kept as long as a node refers to a stretch of it.
+// Internal. The parser's copy of a page, kept as long as a node refers to a stretch of it.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "dom/source/MarkedText.h"
+#include "dom/tree/PageSlice.h"
 
 namespace zeldom40 {
-
-class EntityTable;
 
 // Counted bytes. Raw tags and texts of untouched nodes are slices of it, so that opening and saving a page copies each
 // byte once in and once out.
 class PageBuffer {
  public:
-  // `entities` are those of the page's document type; they outlive every document.
-  static PageBuffer* create(std::string_view text, const EntityTable* entities) {
-    return new PageBuffer(text, entities);
+  // The first `count` entities that a document type was given.
+  class Entities : public EntityTable {
+   public:
+    Entities(const EntityTable* all, std::size_t count) : all_(all), count_(count) {}
+    bool find(std::string_view name, EntityText& out) const override {
+      return all_ && all_->find(name, out) && out.order < count_;
+    }
+
+   private:
+    const EntityTable* all_;
+    std::size_t count_;
+  };
+
+  // `entities` are those of the page's document type, `count` of them so far; they outlive every document.
+  static PageBuffer* create(std::string_view text, const EntityTable* entities, std::size_t count) {
+    return new PageBuffer(text, entities, count);
   }
   void addRef() { ++count_; }
   void release() {
     if (--count_ == 0) delete this;
   }
   std::string_view text() const { return text_; }
-  const EntityTable* entities() const { return entities_; }
+  // The page itself declared entities: from byte `offset` on there are `count`.
+  void setEntityCount(std::uint32_t offset, std::size_t count) { counts_.emplace_back(offset, count); }
+  // What a reference at byte `offset` could mean when the page was parsed. Plain forms are assembled later, when other
+  // pages may have declared more.
+  Entities entitiesAt(std::uint32_t offset) const {
+    std::size_t count = 0;
+    for (const auto& [from, known] : counts_) {
+      if (from <= offset) count = known;
+    }
+    return {entities_, count};
+  }
 
  private:
-  PageBuffer(std::string_view text, const EntityTable* entities) : text_(text), entities_(entities) {}
+  PageBuffer(std::string_view text, const EntityTable* entities, std::size_t count) : text_(text), entities_(entities) {
+    setEntityCount(0, count);
+  }
   ~PageBuffer() = default;
   std::string text_;
   const EntityTable* entities_;
+  std::vector<std::pair<std::uint32_t, std::size_t>> counts_;  // by offset; one but for a page with a subset
   std::size_t count_ = 1;
 };
 
-// One reference on a page buffer; null until a parser installs one.
-class PageRef {
- public:
-  PageRef() = default;
-  explicit PageRef(PageBuffer* buffer) : buffer_(buffer) {
-    if (buffer_) buffer_->addRef();
-  }
-  PageRef(const PageRef& other) : PageRef(other.buffer_) {}
-  PageRef(PageRef&& other) noexcept : buffer_(std::exchange(other.buffer_, nullptr)) {}
-  PageRef& operator=(PageRef other) noexcept {
-    std::swap(buffer_, other.buffer_);
-    return *this;
-  }
-  ~PageRef() {
-    if (buffer_) buffer_->release();
-  }
-  PageBuffer* get() const { return buffer_; }
-  explicit operator bool() const { return buffer_ != nullptr; }
+inline PageRef::PageRef(PageBuffer* buffer) : buffer_(buffer) {
+  if (buffer_) buffer_->addRef();
+}
+inline PageRef::PageRef(const PageRef& other) : PageRef(other.buffer_) {}
+inline PageRef::~PageRef() {
+  if (buffer_) buffer_->release();
+}
 
- private:
-  PageBuffer* buffer_ = nullptr;
-};
-
-// A stretch of a page buffer: byte offset and length. Pages of 2 GiB and more are refused at the door, so 32 bits do.
-struct Slice {
-  std::uint32_t offset = 0;
-  std::uint32_t length = 0;
-
-  std::string_view in(const PageRef& page) const {
-    return length ? page.get()->text().substr(offset, length) : std::string_view();
-  }
-};
+inline std::string_view Slice::in(const PageRef& page) const {
+  return length ? page.get()->text().substr(offset, length) : std::string_view();
+}
 
 }  // namespace zeldom40

@@ -50,6 +50,13 @@ bool endsInWhite(std::string_view text) {
   return isWhite(text, last);
 }
 
+// The first byte that is no white space.
+std::size_t firstContent(std::string_view raw) {
+  std::size_t i = 0;
+  while (i < raw.size() && isSpaceByte(raw[i])) ++i;
+  return i;
+}
+
 std::size_t clampOffset(int value) { return value < 0 ? 0 : static_cast<std::size_t>(value); }
 
 }  // namespace
@@ -67,6 +74,8 @@ Text::Text(const std::string& data, const std::string& rawData, Document* docume
   s.raw = rawData;
   s.hasData = s.hasRaw = s.rawOwn = true;
 }
+
+Text::Text(FromPage, Document* document) : Node(NODE_TEXT, document) {}
 
 Text::Text(const Text& other)
     : Node(other),
@@ -224,8 +233,12 @@ const std::string& Text::getData() const {
   if (strings_ && strings_->hasData) return strings_->data;
   if (!derived_ || raw_.length == 0) return kEmpty;
   TextStrings& s = strings();
-  s.data = assembled_ ? assemblePlainText(raw_.in(page_), {dropLeading_, preformatted_}, page_.get()->entities())
-                      : std::string(raw_.in(page_));
+  if (assembled_) {
+    const PageBuffer::Entities entities = page_.get()->entitiesAt(raw_.offset);
+    s.data = assemblePlainText(raw_.in(page_), {dropLeading_, preformatted_}, &entities);
+  } else {
+    s.data = raw_.in(page_);
+  }
   if (trimmed_) trim(s.data, false, true);
   s.hasData = true;
   return s.data;
@@ -489,7 +502,10 @@ bool Text::isEmptyText(bool ignoreWhitespaceType) const {
   if (textType_ == TEXT_FORMATTING) return true;
   if (textType_ != TEXT_LITERAL && !ignoreWhitespaceType) return TextAccess::hasEmptyData(this);
   if (derived_ && assembled_ && !preformatted_ && !(strings_ && strings_->hasData)) {
-    return isAllSpace(raw_.in(page_));  // every run of white space has become a blank or nothing
+    // Every run of white space has become a blank or nothing; a page's entity may stand for one.
+    const std::string_view raw = raw_.in(page_);
+    const std::size_t content = firstContent(raw);
+    if (content == raw.size() || raw[content] != '&') return content == raw.size();
   }
   const std::string& data = getData();
   return std::all_of(data.begin(), data.end(), isBlankByte);

@@ -7,7 +7,7 @@
 
 #include "dom/export.h"
 #include "dom/tree/Node.h"
-#include "dom/tree/PageBuffer.h"
+#include "dom/tree/PageSlice.h"
 
 namespace zeldom40 {
 
@@ -76,7 +76,7 @@ class ZELDOM40_API Text : public Node {
  private:
   friend struct TextAccess;
   struct FromPage {};
-  Text(FromPage, Document* document) : Node(NODE_TEXT, document) {}
+  Text(FromPage, Document* document);
 
   Node* cloneSelf() const override;
   TextStrings& strings() const;

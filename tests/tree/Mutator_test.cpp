@@ -108,9 +108,6 @@ class Mutator : public PageTest, public testing::WithParamInterface<unsigned> {
   }
 
   void release(Node* node, bool deep) {
-    // Cursor and selections are moved by deleteNodes alone.
-    doc_->setSourceCursor(nullptr, 0);
-    doc_->eraseSelections();
     changeCounts(node, -1, deep);
     const int left = of(node).count;
     EXPECT_EQ(node->releaseRef(deep), std::max(left, 0));
@@ -209,8 +206,9 @@ void Mutator::treeStep(Node* a, Node* b) {
         takeOut(child);
         if (!children.empty()) of(a).tampered = true;
       }
-      if (!child || child == b || of(child).parent == a || !of(child).parent)
+      if (!child || child == b || of(child).parent == a || !of(child).parent) {
         EXPECT_EQ(a->replaceChild(child, b), child);
+      }
       break;
     case 9:
       if (of(b).parent) of(of(b).parent).tampered = true;
@@ -219,7 +217,9 @@ void Mutator::treeStep(Node* a, Node* b) {
     default: {
       NodeIterator children1 = a->getChildNodes();
       const NodeIterator copy = children1;
-      if (Node* wanted = copy.getCurrent()) EXPECT_EQ(wanted, children.front());
+      if (Node* wanted = copy.getCurrent()) {
+        EXPECT_EQ(wanted, children.front());
+      }
       if (child && of(child).parent == a) takeOut(child);
       a->removeChild(child);
       EXPECT_EQ(children1.getLength(), static_cast<int>(of(a).children.size()));
@@ -325,8 +325,6 @@ void Mutator::step() {
     case 4:
       // A host that deletes by hand, against all advice.
       if (b == root_) break;
-      doc_->setSourceCursor(nullptr, 0);
-      doc_->eraseSelections();
       kill(b);
       delete b;
       break;
@@ -353,6 +351,13 @@ void Mutator::step() {
 }
 
 void Mutator::check() {
+  // Cursor and selections stand on living nodes.
+  Node* cursor = nullptr;
+  doc_->getLayoutCursor(&cursor, nullptr);
+  ASSERT_TRUE(!cursor || cursor == root_ || live.count(cursor));
+  for (const Document::_selection* s : doc_->getSelections()) {
+    for (Node* end : {s->startNode, s->endNode}) ASSERT_TRUE(end == root_ || live.count(end));
+  }
   ASSERT_EQ(live.size() + 1, all_.size());
   for (Node* node : all_) {
     const Shape& shape = of(node);
@@ -398,8 +403,6 @@ TEST_P(Mutator, LeavesNoLinkToTheDead) {
     if (HasFatalFailure()) FAIL() << "step " << i;
     if (i % 64 == 0) source();
   }
-  doc_->setSourceCursor(nullptr, 0);
-  doc_->eraseSelections();
   while (of(root_).count-- > 1) root_->releaseRef(false);
   // What is left goes in a random order.
   while (!live.empty()) {
