@@ -36,7 +36,11 @@ class PendingFile {
     action.sa_handler = dropPending;
     // SA_RESETHAND is 0x80000000, which an int takes for negative.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (std::size_t i = 0; i < kSignals; ++i) sigaction(kWatched[i], &action, &old_[i]);
+    for (std::size_t i = 0; i < kSignals; ++i) {
+      sigaction(kWatched[i], &action, &old_[i]);
+      // What whoever started the process told it to ignore is ignored.
+      if (old_[i].sa_handler == SIG_IGN) sigaction(kWatched[i], &old_[i], nullptr);
+    }
   }
   ~PendingFile() {
     if (name_.c_str() == pending) unlink(name_.c_str());
@@ -50,8 +54,8 @@ class PendingFile {
   void done() { pending = nullptr; }
 
  private:
-  static constexpr std::size_t kSignals = 4;
-  static constexpr int kWatched[kSignals] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+  static constexpr std::size_t kSignals = 6;
+  static constexpr int kWatched[kSignals] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ};
 
   const std::string& name_;
   struct sigaction old_[kSignals];

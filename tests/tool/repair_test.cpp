@@ -1,0 +1,241 @@
+// Runs check, fix and format: forms of the report, exit codes, and that a file keeps what no repair touched.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdlib.h>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string readFile(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+struct Result {
+  int code = -1;
+  std::string out;
+  std::string err;
+};
+
+const std::string kBegin = "<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY>\n";
+const std::string kEnd = "</BODY></HTML>\n";
+const std::string kBroken = kBegin + "<P>one</I></P>\n" + kEnd;
+const std::string kRepaired = kBegin + "<P>one</P>\n" + kEnd;
+
+class Repair : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = testing::TempDir() + "zeldomXXXXXX";
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    std::filesystem::create_directory(folder_ + "/pages");
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  std::string path(const std::string& file) { return folder_ + "/pages/" + file; }
+  void write(const std::string& file, const std::string& bytes) {
+    std::ofstream(path(file), std::ios::binary) << bytes;
+  }
+  // Runs "zeldom <arguments>" in the folder of the pages, after a shell command such as a limit.
+  Result run(const std::string& arguments, const std::string& before = "true") {
+    const std::string command = "cd " + folder_ + "/pages && " + before + " && " ZELDOM40_TOOL " " + arguments + " >" +
+                                folder_ + "/out 2>" + folder_ + "/err";
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder_ + "/out"), readFile(folder_ + "/err")};
+  }
+  std::size_t files() {
+    std::size_t count = 0;
+    for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator(folder_ + "/pages")) ++count;
+    return count;
+  }
+
+  std::string folder_;
+};
+
+TEST_F(Repair, ReportsInTheFormThatIsAskedFor) {
+  write("a.html", kBegin + "<P>one</I></P>\n<BLIP a=\"\x1b\">\n" + kEnd);
+  const std::pair<const char*, const char*> cases[] = {
+      {"text",
+       "a.html:2:7: severe: the end tag of <I> has no begin tag [ERR_ELEMENT_BEGIN_TAG_MISSING]\n"
+       "a.html:3:1: warning: <BLIP> is no element of HTML 4.0 [ERR_ELEMENT_UNKNOWN]\n"},
+      {"text --excerpts",
+       "a.html:2:7: severe: the end tag of <I> has no begin tag [ERR_ELEMENT_BEGIN_TAG_MISSING]\n"
+       "    <P>one</I></P>\n"
+       "          ^~~~\n"
+       "a.html:3:1: warning: <BLIP> is no element of HTML 4.0 [ERR_ELEMENT_UNKNOWN]\n"
+       "    <BLIP a=\"\\x1b\">\n"
+       "    ^~~~~~~~~~~~~~~\n"
+       "1 page: 1 severe, 1 warning\n"},
+      {"gnu",
+       "a.html:2.7-2.10: error: the end tag of <I> has no begin tag [ERR_ELEMENT_BEGIN_TAG_MISSING]\n"
+       "a.html:3.1-3.12: warning: <BLIP> is no element of HTML 4.0 [ERR_ELEMENT_UNKNOWN]\n"},
+      {"github | head -n 1",
+       "::error file=a.html,line=2,col=7,endLine=2,endColumn=11,title=ERR_ELEMENT_BEGIN_TAG_MISSING::"
+       "the end tag of <I> has no begin tag\n"},
+      {"json | head -n 2 | tail -n 1",
+       R"({"file":"a.html","line":2,"column":7,"endLine":2,"endColumn":11,"offset":48,"length":4,"severity":"severe",)"
+       R"("id":"ERR_ELEMENT_BEGIN_TAG_MISSING","message":"the end tag of <I> has no begin tag"},)"
+       "\n"},
+  };
+  for (const auto& [format, report] : cases) {
+    EXPECT_EQ(run(std::string("check a.html --format ") + format).out, report) << format;
+  }
+  EXPECT_EQ(run("check --format json a.html").code, 1);
+}
+
+// A review tool recognises a finding in the next version of the page by its print, wherever it has moved to.
+TEST_F(Repair, SarifNamesRulesRegionsAndPrintsThatStay) {
+  write("a b.html", kBroken);
+  write("c.html", "\n\n" + kBroken);
+  const auto print = [&](const std::string& file) {
+    return run("check --format sarif '" + file + "' | grep zeldomFinding").out;
+  };
+  EXPECT_NE(print("a b.html"), "");
+  EXPECT_EQ(print("a b.html"), print("c.html"));
+  const std::string log = run("check --format sarif 'a b.html'").out;
+  for (const char* part : {"\"version\": \"2.1.0\"", "\"ruleId\": \"ERR_ELEMENT_BEGIN_TAG_MISSING\"",
+                           "\"uri\": \"a%20b.html\"", "\"startColumn\": 7", "\"endColumn\": 11", "\"byteOffset\": 48",
+                           "\"byteLength\": 4", "\"shortDescription\"", "\"level\": \"error\""}) {
+    EXPECT_NE(log.find(part), std::string::npos) << part;
+  }
+}
+
+TEST_F(Repair, ColumnsCountCharactersAndOffsetsTheBytesOfTheFile) {
+  const std::string kanji = "\x1b$B$\"%=\x1b(B";
+  const std::pair<std::string, const char*> cases[] = {
+      {"<P>\xC3\xA4</I>", "\"column\":5,\"endLine\":1,\"endColumn\":9,\"offset\":5,"},
+      {"<P>\xE4</I>", "\"column\":5,\"endLine\":1,\"endColumn\":9,\"offset\":4,"},
+      {"<P>" + kanji + "</I>", "\"column\":6,\"endLine\":1,\"endColumn\":10,\"offset\":13,"},
+      {"<META content='charset=EUC-JP'>\n<P>\x8E\xB1\xA4\xA2</I>",
+       "\"column\":6,\"endLine\":2,\"endColumn\":10,\"offset\":39,"},
+  };
+  for (const auto& [page, place] : cases) {
+    write("a", page);
+    EXPECT_NE(run("check --format json a | grep BEGIN_TAG").out.find(place), std::string::npos)
+        << run("check --format json a").out;
+  }
+}
+
+TEST_F(Repair, ExitCodesTellWhatIsLeft) {
+  write("clean", kRepaired);
+  write("broken", kBroken);
+  write("warned", kBegin + "<BLIP>\n" + kEnd);
+  write("hopeless", kBegin + "<FRAME>\n" + kEnd);
+  const std::pair<const char*, int> cases[] = {
+      {"check clean", 0},
+      {"check warned", 1},
+      {"check --fail-on severe warned", 0},
+      {"check --fail-on severe clean broken", 1},
+      {"check broken nowhere", 2},
+      {"fix clean", 0},
+      {"fix broken", 0},
+      {"fix --diff clean", 0},
+      {"fix --diff broken", 1},
+      {"fix --dry-run broken", 1},
+      {"fix hopeless", 1},
+      {"fix -i hopeless", 1},
+      {"fix -i - <broken", 2},
+      {"fix --diff -i broken", 2},
+      {"format clean", 0},
+      {"format broken", 1},
+  };
+  for (const auto& [arguments, code] : cases) EXPECT_EQ(run(arguments).code, code) << arguments;
+  EXPECT_EQ(readFile(path("broken")), kBroken);
+}
+
+// The rest of each file has another form than what an export would give: it must come through as it is.
+TEST_F(Repair, LinesThatNoRepairTouchedKeepTheirBytes) {
+  using namespace std::string_literals;
+  const std::string kanji = "$\"%=";
+  const std::string oldEscapes = "<P>\x1b$@" + kanji + "\x1b(J</P>\n";
+  struct Case {
+    const char* name;
+    std::string before;
+    std::string after;
+  };
+  const Case cases[] = {
+      {"line ends", kBegin + "<P>one</I></P>\r\n<P>t\0o</P>\r"s + kEnd + "\x1a",
+       kBegin + "<P>one</P>\n<P>t\0o</P>\r"s + kEnd + "\x1a"},
+      {"CR LF", "<HTML><BODY>\r\n<P>one</I>\r\n</BODY></HTML>", "<HTML><BODY>\r\n<P>one\r\n</BODY></HTML>"},
+      {"ISO-2022-JP", kBegin + oldEscapes + "<P>\x1b$B" + kanji + "\x1b(B</I></P>\n" + kEnd,
+       kBegin + oldEscapes + "<P>\x1b$B" + kanji + "\x1b(B</P>\n" + kEnd},
+      {"EUC", kBegin + "<META content='charset=euc-jp'>\n<P>\xA4\xA2\x8E\xB1</I></P>\n" + kEnd, ""},
+      {"unknown bytes", kBegin + "<P>\xA4\xFF\x80</I></P>\n\xC3\n" + kEnd,
+       kBegin + "<P>\xA4\xFF\x80</P>\n\xC3\n" + kEnd},
+  };
+  for (const Case& each : cases) {
+    write("a", each.before);
+    const Result result = run("fix a");
+    EXPECT_EQ(result.code, 0) << each.name << result.err;
+    if (!each.after.empty()) {
+      EXPECT_EQ(result.out, each.after) << each.name;
+    } else {
+      EXPECT_NE(result.out.find("<P>\xA4\xA2\x8E\xB1</P>\n"), std::string::npos) << each.name << result.out;
+    }
+    EXPECT_EQ(run("fix -i a").code, 0);
+    EXPECT_EQ(readFile(path("a")), result.out) << each.name;
+    EXPECT_EQ(run("fix a").out, result.out) << each.name;
+  }
+}
+
+TEST_F(Repair, DiffShowsTheLinesWithContext) {
+  write("a", kBegin + "1\n2\n3\n4\n<P>one</I>\n5\n6\n7\n8\n" + kEnd);
+  EXPECT_EQ(run("fix --diff a").out, "--- a\n+++ a\n@@ -3,7 +3,7 @@\n 2\n 3\n 4\n-<P>one</I>\n+<P>one\n 5\n 6\n 7\n");
+  EXPECT_EQ(run("fix --dry-run a").out, "a: 1 repair, 1 line would change\n");
+}
+
+TEST_F(Repair, InPlaceKeepsPermissionsAndLinks) {
+  write("a", kBroken);
+  std::filesystem::create_symlink("a", path("link"));
+  ASSERT_EQ(chmod(path("a").c_str(), 0640), 0);
+  EXPECT_EQ(run("fix -i link").out, "link: 1 repair, 1 line changed\n");
+  EXPECT_EQ(readFile(path("a")), kRepaired);
+  EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
+  struct stat info;
+  ASSERT_EQ(stat(path("a").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0640u);
+  EXPECT_EQ(files(), 2u);
+}
+
+// A file size limit stands for a full disk where its signal is ignored, and for an interrupt where it is not.
+TEST_F(Repair, InPlaceLosesNothingWhenTheWriteFails) {
+  std::string page = kBroken;
+  for (int i = 0; i < 20000; ++i) page += "<P>some text\n";
+  for (const char* before : {"trap '' XFSZ && ulimit -f 8", "ulimit -c 0 && ulimit -f 8"}) {
+    write("a", page);
+    EXPECT_NE(run("fix -i a", before).code, 0) << before;
+    EXPECT_EQ(readFile(path("a")), page) << before;
+    EXPECT_EQ(files(), 1u) << before;
+  }
+}
+
+// A repair writes a tag anew: one that has no end holds the rest of the page.
+TEST_F(Repair, InPlaceRefusesWhatWouldDropTheRestOfThePage) {
+  const std::string page = kBegin + "<P>one <A href=\"x>two</A>\n<P>three\n" + kEnd;
+  write("a", page);
+  const Result result = run("fix -i a");
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.err.find("line 2, column 8"), std::string::npos) << result.err;
+  EXPECT_EQ(readFile(path("a")), page);
+}
+
+TEST_F(Repair, FormatLaysOutTheWholePageAndThenLeavesIt) {
+  write("a", kBegin + "<TABLE><TR><TD>one two three four</TABLE>\n" + kEnd);
+  const std::string wide = run("format a").out;
+  EXPECT_NE(wide.find("\n    <TR>\n      <TD>one two three four</TD>\n"), std::string::npos) << wide;
+  const std::string narrow = run("format --indent 1 --columns 8 a").out;
+  EXPECT_NE(narrow.find("\n  <TR>\n   <TD>one two"), std::string::npos) << narrow;
+  EXPECT_EQ(narrow.find("one two three four"), std::string::npos) << narrow;
+  EXPECT_EQ(run("format -i a").code, 0);
+  EXPECT_EQ(readFile(path("a")), wide);
+  EXPECT_EQ(run("format --diff a").out, "");
+}
+
+}  // namespace
