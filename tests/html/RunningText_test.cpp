@@ -97,7 +97,7 @@ TEST_F(RunningText, AssemblesWhatTheTokensSay) {
   std::mt19937 random(40);
   for (int round = 0; round < 4000; ++round) {
     std::string page;
-    for (unsigned i = random() % 12; i > 0; --i) page += kPieces[random() % std::size(kPieces)];
+    for (auto i = random() % 12; i > 0; --i) page += kPieces[random() % std::size(kPieces)];
     // A construct of its own is no running text.
     if (page.find("<!") != std::string::npos || page.find("<%") != std::string::npos) continue;
     const bool drop = random() % 2;
@@ -131,7 +131,7 @@ TEST_F(RunningText, CarriesTheStateOfWhiteSpaceThroughThePage) {
     bool trailing = false;
     bool broken = true;
     int pre = 0;
-    for (unsigned i = random() % 10; i > 0; --i) {
+    for (auto i = random() % 10; i > 0; --i) {
       std::string run;
       for (unsigned k = random() % 4; k > 0; --k) run += kPieces[random() % std::size(kPieces)];
       if (run.find('<') != std::string::npos) run.clear();
