@@ -117,7 +117,9 @@ TEST_F(CursorTest, DeletingWhatItStandsIn) {
       if (withCursor) doc_->setLayoutCursor(node, 1);
       doc_->select(node, 0, node, 1, 0);
       doc_->deleteNodes(find("I"));
-      if (withCursor) EXPECT_EQ(layoutCursor(), "P 1");
+      if (withCursor) {
+        EXPECT_EQ(layoutCursor(), "P 1");
+      }
       EXPECT_EQ(selections(), "P 1 - P 1");
     }
     loadSpans();

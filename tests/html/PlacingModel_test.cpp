@@ -187,8 +187,8 @@ TEST_P(PlacingModel, AgreesWithTheParserOnRandomTags) {
     PlainPlacing model(doc_, root);
     std::string page;
     bool afterText = false;
-    for (unsigned i = 3 + random() % 14; i > 0; --i) {
-      const unsigned kind = random() % 10;
+    for (auto i = 3 + random() % 14; i > 0; --i) {
+      const auto kind = random() % 10;
       const std::string name = any(names);
       if (kind < 6) {
         page += '<' + name + '>';

@@ -298,7 +298,9 @@ TEST_F(TextTest, Compacting) {
     EXPECT_EQ(t->compact(), c.result);
     EXPECT_EQ(t->getData(), plain(c.after));
     EXPECT_EQ(t->getUpdateFlag() != 0, c.result != 0);
-    if (c.cursor >= 0) EXPECT_EQ(cursor().substr(cursor().rfind(' ') + 1), std::to_string(c.cursorAfter));
+    if (c.cursor >= 0) {
+      EXPECT_EQ(cursor().substr(cursor().rfind(' ') + 1), std::to_string(c.cursorAfter));
+    }
   }
 }
 
