@@ -138,7 +138,8 @@ Element* Document::removeElement(Element* element, bool joinTexts) {
   if (!parent) return element;
   Node* before = element->getPreviousSibling();
   Node* behind = element->getNextSibling();
-  if (element->hasChildNodes()) parent->insertAfter(element->removeChildren(nullptr, nullptr), element);
+  if (element->hasChildNodes())
+    NodeAccess::insertFree(parent, element->removeChildren(nullptr, nullptr), element, /*behindRef=*/true);
   deleteNodes(element);
   if (!joinTexts) return nullptr;
   if (before && before->getNextSibling()) {

@@ -46,7 +46,8 @@ Element* mergeElements(Document& document, Element* first, Element* second) {
     TextAccess::append(end, start);
     document.deleteNodes(start);
   }
-  if (second->hasChildNodes()) first->insertLast(second->removeChildren(nullptr, nullptr));
+  if (second->hasChildNodes())
+    NodeAccess::insertFree(first, second->removeChildren(nullptr, nullptr), nullptr, /*behindRef=*/true);
   document.deleteNodes(second);
   return first;
 }

@@ -71,10 +71,18 @@ void ErrorCorrector::drop(Node* node) {
   document_.deleteNodes(node);
 }
 
-void ErrorCorrector::insertBehind(Node* parent, Node* node, Node* ref) {
-  // A null reference would mean the front.
-  parent->insertAfter(node, ref);
+// What moves was taken out of its place or is new, so it holds nothing that it could come to stand below.
+void ErrorCorrector::insertBefore(Node* parent, Node* run, Node* ref) {
+  DocumentAccess::recordChange(&document_, parent);
+  NodeAccess::insertFree(parent, run, ref, /*behindRef=*/false);
 }
+
+void ErrorCorrector::insertBehind(Node* parent, Node* run, Node* ref) {
+  DocumentAccess::recordChange(&document_, parent);
+  NodeAccess::insertFree(parent, run, ref, /*behindRef=*/true);
+}
+
+void ErrorCorrector::insertLast(Node* parent, Node* run) { insertBefore(parent, run, nullptr); }
 
 // A copy without children. It is new, so what the parser said of the place of the original does not hold for it.
 Element* ErrorCorrector::emptyCopy(const Element* element) {
@@ -286,7 +294,7 @@ Node* ErrorCorrector::relocate(Node* node) {
       Node* left = earlier ? q : nullptr;
       Node* right = earlier ? nullptr : q;
       if (!earlier) {
-        g->insertBefore(node, q);
+        insertBefore(g, node, q);
       } else if (!later || !asElement(q)) {
         insertBehind(g, node, q);
       } else {
@@ -321,9 +329,9 @@ std::pair<Element*, Element*> ErrorCorrector::splitAround(Node* node, Element* q
     right = NodeAccess::childAfter(right);
   }
   if (right && NodeAccess::refCount(q) == 1 && !DocumentAccess::isPlace(&document_, q)) {
-    g->insertBefore(copy, q);
-    g->insertBefore(node, q);
-    copy->insertLast(q->removeChildren(nullptr, earlier));
+    insertBefore(g, copy, q);
+    insertBefore(g, node, q);
+    insertLast(copy, q->removeChildren(nullptr, earlier));
     // What takes in the next misplaced node is the part before this one.
     NodeAccess::addFlags(copy, NodeAccess::flags(q) & Node::UPDATE_ADAPTED);
     q->resetUpdateFlag(Node::UPDATE_ADAPTED);
@@ -331,7 +339,7 @@ std::pair<Element*, Element*> ErrorCorrector::splitAround(Node* node, Element* q
   }
   insertBehind(g, node, q);
   insertBehind(g, copy, node);
-  copy->insertLast(q->removeChildren(later, nullptr));
+  insertLast(copy, q->removeChildren(later, nullptr));
   return {q, copy};
 }
 
@@ -370,7 +378,7 @@ Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
   strip(node, from);
   noteResume(node);
   take(node);
-  table->getParentNode()->insertBefore(node, table);
+  insertBefore(table->getParentNode(), node, table);
   return table->getParentNode();
 }
 
@@ -386,7 +394,7 @@ void ErrorCorrector::strip(Node* node, Node* parent) {
     }
     Node* next = NodeAccess::nextSkippingChildren(n, node);
     take(n);
-    parent->insertAfter(n, ref);
+    insertBehind(parent, n, ref);
     ref = n;
     n = next;
   }
@@ -418,7 +426,7 @@ bool ErrorCorrector::spread(Element* parent, Element* node) {
     if (isUnknown(c) || isPassed(c, true)) {
       if (level.wrapper) {
         take(c);
-        level.wrapper->insertLast(c);
+        insertLast(level.wrapper, c);
       }
       continue;
     }
@@ -431,7 +439,7 @@ bool ErrorCorrector::spread(Element* parent, Element* node) {
         wrapped = true;
       }
       take(c);
-      level.wrapper->insertLast(c);
+      insertLast(level.wrapper, c);
       continue;
     }
     level.wrapper = nullptr;
@@ -461,7 +469,7 @@ Node* ErrorCorrector::adaptNode(Node* node) {
     if (!(groupOf(s) & GROUP_ITEM) && !(s->getUpdateFlag() & Node::UPDATE_ADAPTED)) break;
     if (containment_.canContain(s, node)) {
       take(node);
-      s->insertLast(node);
+      insertLast(s, node);
       return s;
     }
     lastTried = s;
@@ -476,7 +484,7 @@ Node* ErrorCorrector::adaptNode(Node* node) {
   if (chosen.way == Plan::BELOW_EXPECTED || chosen.way == Plan::REQUIRED_BELOW_EXPECTED) {
     for (const ElementDefinition* definition : chosen.expected) {
       Element* made = create(definition);
-      if (innermost) innermost->insertFirst(made);
+      if (innermost) insertBefore(innermost, made, innermost->getFirstChild());
       if (!head) head = made;
       innermost = made;
     }
@@ -485,28 +493,28 @@ Node* ErrorCorrector::adaptNode(Node* node) {
   Element* outermost = nullptr;
   for (const ElementDefinition* definition : chosen.required) {
     Element* made = create(definition);
-    if (outermost) made->insertFirst(outermost);
+    if (outermost) insertBefore(made, outermost, made->getFirstChild());
     if (!holder) holder = made;
     outermost = made;
   }
   switch (chosen.way) {
     case Plan::BELOW_EXPECTED:
-      parent->insertBefore(head, node);
+      insertBefore(parent, head, node);
       holder = innermost;
       break;
     case Plan::AT_LAST_TRIED:
-      lastTried->insertLast(outermost);
+      insertLast(lastTried, outermost);
       break;
     case Plan::REQUIRED_BELOW_EXPECTED:
-      innermost->insertFirst(outermost);
-      parent->insertBefore(head, node);
+      insertBefore(innermost, outermost, innermost->getFirstChild());
+      insertBefore(parent, head, node);
       break;
     default:
-      parent->insertBefore(outermost, node);
+      insertBefore(parent, outermost, node);
       break;
   }
   take(node);
-  holder->insertFirst(node);
+  insertBefore(holder, node, holder->getFirstChild());
   barredAt_ = nullptr;
   return holder;
 }

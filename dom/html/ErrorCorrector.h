@@ -67,7 +67,9 @@ class ErrorCorrector {
   Element* create(const ElementDefinition* definition);
   void take(Node* node);
   void drop(Node* node);
-  void insertBehind(Node* parent, Node* node, Node* ref);
+  void insertBefore(Node* parent, Node* run, Node* ref);
+  void insertBehind(Node* parent, Node* run, Node* ref);
+  void insertLast(Node* parent, Node* run);
   Element* emptyCopy(const Element* element);
 
   Document& document_;

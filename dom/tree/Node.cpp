@@ -360,7 +360,9 @@ Node* Node::getChildNode(int index) {
 // A call of the library's own brings one node that is known to be no ancestor, and its record is taken care of.
 // `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
 // the end that has no neighbour).
-Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool byHost) {
+Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef,
+                            Insertion how) {
+  const bool byHost = how == BY_HOST;
   // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
   // a node that would come to stand below itself.
   if (head->parent_ || head == parent) return head;
@@ -377,8 +379,10 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   if (byHost && parent->document_) parent->document_->recordChange(parent);
 
   Node* end = head;
-  while (byHost && end->next_ && !end->next_->parent_ && end->next_ != head && !holdsParent(end->next_))
+  while (how != OF_ONE && end->next_ && !end->next_->parent_ && end->next_ != head &&
+         !(byHost && holdsParent(end->next_))) {
     end = end->next_;
+  }
 
   // Neighbours that a stray run still has elsewhere are joined to one another again.
   Node* oldLeft = head->prev_;
@@ -438,35 +442,40 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
 
 Node* Node::insertLast(Node* newNode) {
   if (!newNode) return nullptr;
-  return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true,
-                               /*byHost=*/true);
+  return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true, NodeAccess::BY_HOST);
 }
 
 Node* Node::insertFirst(Node* newNode) {
   if (!newNode) return nullptr;
-  return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false,
-                               /*byHost=*/true);
+  return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false, NodeAccess::BY_HOST);
 }
 
 Node* Node::insertBefore(Node* newNode, Node* ref) {
   if (!newNode) return nullptr;
   if (!ref) return insertLast(newNode);
   if (ref->parent_ != this) return newNode;
-  return NodeAccess::insertRun(this, newNode, ref->prev_, ref, ref, /*behindRef=*/false,
-                               /*byHost=*/true);
+  return NodeAccess::insertRun(this, newNode, ref->prev_, ref, ref, /*behindRef=*/false, NodeAccess::BY_HOST);
 }
 
 Node* Node::insertAfter(Node* newNode, Node* ref) {
   if (!newNode) return nullptr;
   if (!ref) return insertFirst(newNode);
   if (ref->parent_ != this) return newNode;
-  return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true,
-                               /*byHost=*/true);
+  return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true, NodeAccess::BY_HOST);
+}
+
+void NodeAccess::insertFree(Node* parent, Node* head, Node* ref, bool behindRef) {
+  if (!head) return;
+  if (!ref) {
+    insertRun(parent, head, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, OF_RUN);
+  } else {
+    insertRun(parent, head, behindRef ? ref : ref->prev_, behindRef ? ref->next_ : ref, ref, behindRef, OF_RUN);
+  }
 }
 
 void NodeAccess::append(Node* parent, Node* child) {
   if (parent->listIsTruth_ || child->firstChild_) {
-    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, /*byHost=*/false);
+    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, OF_ONE);
     return;
   }
   if (Node* left = parent->lastChild_) {

@@ -62,6 +62,9 @@ struct NodeAccess {
   // --- building -----------------------------------------------------------------------------------------------------
   // Appends an unattached node with the flags of insertLast, without undo record.
   static void append(Node* parent, Node* child);
+  // Inserts a run, as the insertion calls do, of which is known that it holds no ancestor of `parent`: those calls
+  // climb to the top to find out. No undo record. Behind or before `ref`, a child; null means last.
+  static void insertFree(Node* parent, Node* head, Node* ref, bool behindRef);
   // Detaches the children from `first` to `last` and returns them as a run: no record, no cursor, no flags.
   static Node* detachRange(Node* parent, Node* first, Node* last);
   // Detaches one child with the flags of removeChild, without record or cursor work.
@@ -77,6 +80,8 @@ struct NodeAccess {
 
  private:
   friend class Node;
+  // Who inserts: a host, whose nodes may be anything; the library a single node; the library a run.
+  enum Insertion { BY_HOST, OF_ONE, OF_RUN };
   static ChildListHolder* holder(const Node* node);
   static Node* childAfterByList(const Node* child);
   static Node* childBeforeByList(const Node* child);
@@ -87,7 +92,7 @@ struct NodeAccess {
   static void link(Node* left, Node* right);
   static void trustList(Node* parent);
   static void forgetList(Node* parent);
-  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, bool byHost);
+  static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, Insertion how);
   static void unlinkChild(Node* parent, Node* child);
   static void drain(Node* top);
 };
