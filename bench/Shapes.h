@@ -26,5 +26,6 @@ std::string ordinaryPage(std::size_t bytes);
 
 // Times and prints what `arguments` ask for; the exit code of the program.
 int runGrowth(const std::vector<std::string>& arguments);
+int runEditGrowth(const std::vector<std::string>& arguments);
 
 }  // namespace zeldom40::bench
