@@ -1,0 +1,245 @@
+// Listing and repairing the errors of a page.
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/host/TestPage.h"
+
+namespace zeldom40 {
+namespace {
+
+class CorrectTest : public PageTest {
+ protected:
+  // The body of the page after its repair, and the number of repairs before it: "1: P("x")".
+  std::string repaired(std::string_view page, unsigned parts = kDumpNames) {
+    load(page);
+    const int repairs = doc_->correctError(nullptr);
+    Node* top = find("BODY") ? find("BODY") : doc_->getDocumentElement();
+    std::string content;
+    for (Node* n = top->getFirstChild(); n; n = n->getNextSibling()) {
+      content += (content.empty() ? "" : " ") + dumpTree(n, parts);
+    }
+    return std::to_string(repairs) + ": " + content;
+  }
+  std::vector<unsigned> lines() {
+    std::vector<unsigned> found;
+    for (const _dom_error_packet* packet : doc_->getErrorList()) found.push_back(packet->line);
+    return found;
+  }
+};
+
+// --- repair ----------------------------------------------------------------------------------------------------------
+
+TEST_F(CorrectTest, EachRuleOfRepair) {
+  const struct {
+    const char* rule;
+    const char* page;
+    const char* repaired;
+  } cases[] = {
+      {"a stray end tag goes", "x</I>", "1: \"x\""},
+      {"what A cannot hold moves behind it, and A gets its end tag", "<A HREF=x>t<DIV>y</DIV>",
+       "2: A(\"t\") DIV(\"y\")"},
+      {"an A left empty by that goes as well", "<A HREF=x><DIV>y</DIV>", "2: DIV(\"y\")"},
+      {"all children behind the misplaced one move too", "<A HREF=x>t<DIV>y</DIV>u<I>i</I>",
+       "2: A(\"t\") DIV(\"y\") \"u\" I(\"i\")"},
+      {"loose content leaves its table", "<TABLE><B>x</B><TR><TD>y</TABLE>", "1: B(\"x\") TABLE(TBODY(TR(TD(\"y\"))))"},
+      {"in the order in which it stood", "<TABLE><TR><TD>r</TR>a<TR><TD>s</TR>b<I>c</I></TABLE>",
+       "3: \"a\" \"b\" I(\"c\") TABLE(TBODY(TR(TD(\"r\")) TR(TD(\"s\"))))"},
+      {"rows that it swallowed stay", "<TABLE><B>x<TR><TD>y</TABLE>", "3: B(\"x\") TABLE(TBODY(TR(TD(\"y\"))))"},
+      {"a cell gets row, body and table", "<BODY><TD>x", "1: TABLE(TBODY(TR(TD(\"x\"))))"},
+      {"the next cell joins it", "<BODY><TD>x</TD><!-- c --><TD>y</TD>",
+       "2: TABLE(TBODY(TR(TD(\"x\") TD(\"y\")))) <!-- c -->"},
+      {"text ends the search for a made element", "<BODY><TD>x</TD>t<TD>y</TD>",
+       "2: TABLE(TBODY(TR(TD(\"x\")))) \"t\" TABLE(TBODY(TR(TD(\"y\"))))"},
+      {"a cell in a table gets body and row", "<TABLE><TD>x</TABLE>", "1: TABLE(TBODY(TR(TD(\"x\"))))"},
+      {"a stray row end closes only a made row beside it", "<TABLE><TD>a</TD></TR><TD>b</TD>",
+       "4: TABLE(TBODY(TR(TD(\"a\") TD(\"b\"))))"},
+      {"in a body it does", "<TABLE><TBODY><TD>a</TD></TR><TD>b</TD></TBODY></TABLE>",
+       "3: TABLE(TBODY(TR(TD(\"a\")) TR(TD(\"b\"))))"},
+      {"an item gets a list", "<BODY><LI>a</LI><LI>b</LI>", "2: UL(LI(\"a\") LI(\"b\"))"},
+      {"a term gets a definition list", "<BODY><DT>a", "1: DL(DT(\"a\"))"},
+      {"an option gets a SELECT", "<BODY><OPTION>a", "1: SELECT(OPTION(\"a\"))"},
+      {"an inline element is made again inside what it cannot hold", "<UL><I>x</I><LI>y</UL>",
+       "1: I(\"x\") UL(LI(I(\"y\")))"},
+      {"a block element is not", "<B><DIV ALIGN=center>x</DIV>t<DIV>y</DIV></B>", "2: DIV(\"x\") B(\"t\") DIV(\"y\")"},
+      {"what stands around a misplaced node is split", "<B>1<I>2<DIV>3</DIV>4</I>5</B>",
+       "1: B(\"1\" I(\"2\")) DIV(\"3\") B(I(\"4\") \"5\")"},
+      {"an empty half of a split goes", "<B><DIV>3</DIV>4</B>", "1: DIV(\"3\") B(\"4\")"},
+      {"markup without effect goes with any repair", "a</I><SPAN>b</SPAN><B></B>", "1: \"ab\""},
+      {"a transparent element answers as its parent does", "<TABLE><ZELX:LOOP><TR><TD>x</TABLE>",
+       "1: TABLE(TBODY(ZELX:LOOP(TR(TD(\"x\")))))"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(repaired(c.page), c.repaired) << c.rule << ": " << c.page;
+}
+
+TEST_F(CorrectTest, RepairedTagsAreWrittenAnew) {
+  const struct {
+    const char* page;
+    const char* source;
+  } cases[] = {
+      {"<B>x", "<HTML><BODY><B>x</B></BODY></HTML>"},
+      {"<P ALIGN=left>x</I>", "<HTML><BODY><P ALIGN=left>x</BODY></HTML>"},
+      // A copy of a misplaced element has the faults of its tags, and is repaired like it.
+      {"<UL><I>x<B>y</B></I><LI>z</UL>", "<HTML><BODY><I>x<B>y</B></I><UL><LI><I>z</I></UL></BODY></HTML>"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    doc_->correctError(nullptr);
+    EXPECT_EQ(source(), c.source) << c.page;
+  }
+}
+
+TEST_F(CorrectTest, ANodeWithoutAPlaceStaysWhereItIsWithItsMark) {
+  const std::string page = "<BODY><B>x<FRAME>y</B>";
+  load(page);
+  EXPECT_EQ(doc_->correctError(nullptr), 0);
+  EXPECT_EQ(dumpTree(find("B"), kDumpErrors), "B(\"x\" FRAME!8 \"y\")");
+}
+
+TEST_F(CorrectTest, TheMarkOfThePageGoesWithARepairOfThePage) {
+  load("<B>x</B></I><I>y</I></B>");
+  EXPECT_EQ(doc_->getError() & ERR_DOC_SEVERE_PARSE_ERROR, ERR_DOC_SEVERE_PARSE_ERROR);
+  doc_->correctError(find("B"));
+  EXPECT_EQ(doc_->getError() & ERR_DOC_SEVERE_PARSE_ERROR, ERR_DOC_SEVERE_PARSE_ERROR);
+  doc_->correctError(nullptr);
+  EXPECT_EQ(doc_->getError() & ERR_DOC_SEVERE_PARSE_ERROR, 0u);
+}
+
+TEST_F(CorrectTest, ARepairOfAPartEndsWithThePart) {
+  const struct {
+    const char* rule;
+    const char* page;
+    const char* top;
+    int repairs;
+    const char* body;
+  } cases[] = {
+      {"what stands behind is left", "<P><B>a</I>b</B></P>c</U>", "B", 1, "BODY(P(B(\"a\" \"b\")) \"c\" U!20)"},
+      {"what stands before is left", "x</U><P>a</I></P>", "P", 1, "BODY(\"x\" U!20 P(\"a\"))"},
+      {"what moved out is part of it", "<P>a</P><B>b<DIV>c</I></DIV>d</I></B>e</U>", "B", 3,
+       "BODY(P(\"a\") B(\"b\") DIV(\"c\") B(\"d\") \"e\" U!20)"},
+      {"a table before which it moved is not", "<TABLE><TR></I><TD>x</TR><B>b</U></B></TABLE>y</S>", "B", 2,
+       "BODY(B(\"b\") TABLE(TBODY(TR(I!20 TD(\"x\")))) \"y\" S!20)"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    EXPECT_EQ(doc_->correctError(find(c.top)), c.repairs) << c.rule;
+    EXPECT_EQ(dumpTree(find("BODY"), kDumpErrors), c.body) << c.rule;
+  }
+}
+
+TEST_F(CorrectTest, ThePartMayVanishInItsRepair) {
+  const struct {
+    const char* rule;
+    const char* page;
+    const char* top;
+    const char* body;
+  } cases[] = {
+      {"a stray end tag", "a</I>b</U>", "I", "BODY(\"a\" \"b\" U!20)"},
+      {"an element that only held a misplaced one", "<B><DIV>x</DIV></B>y</U>", "B", "BODY(DIV(\"x\") \"y\" U!20)"},
+      {"an empty text-level element", "a<B></B>b</U>", "B", "BODY(\"a\" \"b\" U!20)"},
+      {"an element without effect", "a<FONT><I>x</I></FONT>b</U>", "FONT", "BODY(\"a\" I(\"x\") \"b\" U!20)"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    doc_->correctError(find(c.top));
+    EXPECT_EQ(dumpTree(find("BODY"), kDumpErrors), c.body) << c.rule;
+  }
+}
+
+TEST_F(CorrectTest, TakesNoRecordAndLeavesRecordingOn) {
+  load("a</I>");
+  doc_->enableRecord(false);
+  EXPECT_EQ(doc_->correctError(nullptr), 1);
+  EXPECT_EQ(doc_->canUndo(), 0);
+  doc_->record();
+  EXPECT_EQ(doc_->canUndo(), 1);
+}
+
+TEST_F(CorrectTest, WithoutATreeThereIsNothingToRepair) {
+  EXPECT_EQ(doc_->correctError(nullptr), 0);
+  EXPECT_EQ(doc_->adaptNode(nullptr), nullptr);
+  EXPECT_TRUE(doc_->getErrorList().empty());
+}
+
+// --- adapting --------------------------------------------------------------------------------------------------------
+
+TEST_F(CorrectTest, AdaptedNodesStandInMarkedElements) {
+  load("<BODY><TD>x</TD></BODY>");
+  Node* row = doc_->adaptNode(find("TD"));
+  ASSERT_EQ(row, find("TR"));
+  for (const char* made : {"TR", "TBODY", "TABLE"}) {
+    EXPECT_TRUE(find(made)->getUpdateFlag() & Node::UPDATE_ADAPTED) << made;
+    EXPECT_EQ(find(made)->addRef(false), 2) << made;
+    find(made)->dropRef(false);
+  }
+  EXPECT_FALSE(find("BODY")->getUpdateFlag() & Node::UPDATE_ADAPTED);
+}
+
+TEST_F(CorrectTest, WhatCannotBeAdaptedStaysUntouched) {
+  const struct {
+    const char* page;
+    const char* node;
+  } cases[] = {
+      {"<BODY><FRAME></BODY>", "FRAME"},
+      // Peers of one group.
+      {"<TABLE><TBODY><THEAD><TR><TD>x</TABLE>", "THEAD"},
+      {"<BODY><B><DIV>x</DIV></B></BODY>", "DIV"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    const std::string before = dumpTree(doc_->getDocumentElement());
+    EXPECT_EQ(doc_->adaptNode(find(c.node)), nullptr) << c.page;
+    EXPECT_EQ(dumpTree(doc_->getDocumentElement()), before) << c.page;
+  }
+}
+
+// --- list ------------------------------------------------------------------------------------------------------------
+
+TEST_F(CorrectTest, ACleanPageHasAnEmptyList) {
+  load("<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY><P>x</P></BODY></HTML>");
+  EXPECT_TRUE(doc_->getErrorList().empty());
+}
+
+TEST_F(CorrectTest, TheListIsMadeAnewByEachCall) {
+  load("a</I>b</U>");
+  const auto& list = doc_->getErrorList();
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_EQ(list.front()->node, find("I"));
+  EXPECT_EQ(list.front()->error, ERR_ELEMENT_BEGIN_TAG_MISSING);
+  EXPECT_EQ(doc_->getErrorList().size(), 2u);
+  doc_->correctError(nullptr);
+  // The packets hold what the repair has taken out.
+  EXPECT_EQ(list.size(), 2u);
+  EXPECT_TRUE(doc_->getErrorList().empty());
+}
+
+TEST_F(CorrectTest, LinesAreCountedInTextAndCommentsAlone) {
+  const struct {
+    const char* rule;
+    const char* page;
+    std::vector<unsigned> lines;
+  } cases[] = {
+      {"texts", "a\r\nb</I>c\r\n\r\n</U>", {2, 4}},
+      {"comments", "<!--\r\n\r\n-->x</I>", {3}},
+      {"tags do not count", "<P\r\n\r\nALIGN=left>x</I>", {1}},
+      {"a text is where its first letter stands", "<TABLE>\r\n\r\nloose\r\n</TABLE></I>", {3, 4}},
+      {"only CR LF moves it on", "<TABLE>\n\nloose</TABLE></I>", {1, 3}},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    EXPECT_EQ(lines(), c.lines) << c.rule;
+  }
+}
+
+TEST_F(CorrectTest, ErrorsOfAttributesShowOnTheirElement) {
+  load("<P ALIGN=left ALIGN=right>x</P>");
+  ASSERT_EQ(doc_->getErrorList().size(), 1u);
+  EXPECT_EQ(doc_->getErrorList().front()->error, ERR_ELEMENT_INVALID_ATTR);
+  // A tag that is to be written anew loses the repetition.
+  element("P")->setBeginTagDirty();
+  EXPECT_TRUE(doc_->getErrorList().empty());
+}
+
+}  // namespace
+}  // namespace zeldom40

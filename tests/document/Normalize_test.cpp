@@ -1,0 +1,93 @@
+// The normal form that a page takes when it is read with adjustment.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/host/TestPage.h"
+
+namespace zeldom40 {
+namespace {
+
+class NormalizeTest : public PageTest {
+ protected:
+  Element* read(std::string_view page) {
+    doc_->createNodes(page.data(), static_cast<unsigned>(page.size()), nullptr, /*adjust=*/true);
+    return doc_->getDocumentElement();
+  }
+};
+
+TEST_F(NormalizeTest, SourceAfterReading) {
+  const struct {
+    const char* rule;
+    const char* page;
+    const char* source;
+  } cases[] = {
+      {"implied skeleton tags are written, the root's never", "x", "<HTML><BODY>x</BODY></HTML>"},
+      {"an implied HEAD too", "<TITLE>t</TITLE><P>x", "<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY><P>x</BODY></HTML>"},
+      {"written tags stay as they are", "<P>x</body ></html>", "<HTML><BODY><P>x</body ></html>"},
+      {"the second declaration goes", "<!DOCTYPE HTML><P>x<!DOCTYPE HTML>",
+       "<!DOCTYPE HTML><HTML><BODY><P>x</BODY></HTML>"},
+      {"also behind white space", "\r\n<!DOCTYPE HTML><P>x<!DOCTYPE HTML>",
+       "\r\n<!DOCTYPE HTML><HTML><BODY><P>x</BODY></HTML>"},
+      {"a comment changes places with the declaration", "<!-- c --><!DOCTYPE HTML><P>x",
+       "<!DOCTYPE HTML><!-- c --><HTML><BODY><P>x</BODY></HTML>"},
+      {"two bodies of a table become one",
+       "<BODY><TABLE><TBODY><TR><TD>a</TBODY><TBODY ALIGN=left><TR><TD>b</TBODY></TABLE></BODY>",
+       "<HTML><BODY><TABLE><TBODY align=\"left\"><TR><TD>a<TR><TD>b</TBODY></TABLE></BODY></HTML>"},
+      {"white space stays where it stands", "<HTML><BODY><UL><LI>a  b \r\n<LI>c</UL><P>d \r\n<P>e</BODY></HTML>",
+       "<HTML><BODY><UL><LI>a  b \r\n<LI>c</UL><P>d \r\n<P>e</BODY></HTML>"},
+      {"tabs of preformatted text stay", "<HTML><BODY><PRE>\r\na\tb</PRE></BODY></HTML>",
+       "<HTML><BODY><PRE>\r\na\tb</PRE></BODY></HTML>"},
+      {"a page with severe errors is left alone", "x</I>", "x</I>"},
+  };
+  for (const auto& c : cases) {
+    read(c.page);
+    EXPECT_EQ(source(), c.source) << c.rule;
+  }
+}
+
+TEST_F(NormalizeTest, TreeAndPlainTextAfterReading) {
+  const struct {
+    const char* rule;
+    const char* page;
+    const char* body;
+  } cases[] = {
+      {"the white space behind an item belongs to its list", "<UL><LI>a \r\n<LI>b</UL>",
+       "BODY(UL(LI(\"a\") ~\" \" LI(\"b\")))"},
+      {"a block's last white space is out of the layout", "<P>a \r\n<P>b ", "BODY(P(\"a\") P(\"b\"))"},
+      {"so is that before a block", "<DIV>a <P>b</P></DIV>", "BODY(DIV(\"a\" P(\"b\")))"},
+      {"not that before inline content", "<P>a <B>b</B> c</P>", "BODY(P(\"a \" B(\"b\") \" c\"))"},
+      {"a reference is no white space", "<P>a&#32;</P><P>b&dagger;</P>", "BODY(P(\"a\\x1B \") P(\"b\\x1C\\x1C  \"))"},
+      {"line ends at the rim of PRE go", "<PRE>\r\na\r\nb\r\n</PRE>", "BODY(PRE(\"a\\r\\nb\"))"},
+      {"only right below it", "<PRE><B>\r\na</B>\r\n</PRE>", "BODY(PRE(B(\"\\r\\na\") \"\"))"},
+      {"tabs become blanks", "<PRE>a\tb</PRE>", "BODY(PRE(\"a       b\"))"},
+      {"columns run on through elements", "<PRE>ab<B>c</B>\td</PRE>", "BODY(PRE(\"ab\" B(\"c\") \"     d\"))"},
+      {"BR begins a line", "<PRE>ab<BR>\td</PRE>", "BODY(PRE(\"ab\" BR \"        d\"))"},
+      {"a reference takes one column", "<PRE>&amp;\tb</PRE>", "BODY(PRE(\"\\x1B&       b\"))"},
+      {"the next PRE begins at column 0", "<PRE>abc</PRE><PRE>\tb</PRE>", "BODY(PRE(\"abc\") PRE(\"        b\"))"},
+  };
+  for (const auto& c : cases) {
+    read(c.page);
+    EXPECT_EQ(dumpTree(find("BODY"), kDumpPlain), c.body) << c.rule;
+  }
+}
+
+TEST_F(NormalizeTest, MergedElementsCarryTheirMarks) {
+  load("<BODY><TABLE><TBODY><TR><TD>a</TBODY><TBODY ALIGN=left ALIGN=right><TR><TD>b</TABLE></I></BODY>");
+  doc_->getErrorList();
+  doc_->correctError(nullptr);
+  EXPECT_EQ(dumpTree(find("TABLE"), kDumpErrors | kDumpAttributes),
+            "TABLE(TBODY[ALIGN=left]!4(TR(TD(\"a\")) TR(TD(\"b\"))))");
+}
+
+TEST_F(NormalizeTest, AFragmentHasItsOwnFront) {
+  Element* holder = doc_->createTemporaryElement();
+  const std::string_view text = "<P>a \r\n<P>b";
+  doc_->createNodes(text.data(), static_cast<unsigned>(text.size()), holder, /*adjust=*/true);
+  EXPECT_EQ(dumpTree(holder, kDumpPlain), "ZELTEMP(P(\"a\") P(\"b\"))");
+  EXPECT_EQ(source(holder), text);
+  holder->releaseRef(true);
+}
+
+}  // namespace
+}  // namespace zeldom40
