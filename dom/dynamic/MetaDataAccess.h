@@ -1,0 +1,34 @@
+// Internal. What the classifier and the run-time writer do to a MetaData beyond its interface.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "dom/dynamic/MetaData.h"
+
+namespace zeldom40 {
+
+struct MetaDataAccess {
+  // What is left to do for a run-time text after its first part.
+  enum class Rest {
+    NONE,           // the text has been appended, or there is none
+    WRITE_ELEMENT,  // the element is to be written as a plain one, its metadata ignored; no finish
+    GENERATE        // the dynamic data is to generate behind the present end of the text; then finishRuntimeText
+  };
+  // MetaData::appendRuntimeText up to the generation of a dynamic element, and from its end on, so that a writer can
+  // do what lies between without calling itself. `underStale`: an element above has stale dynamic data, so that stored
+  // text is not good enough. `start` is the length of `out` when the first part returned.
+  static Rest startRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun,
+                               bool underStale);
+  static void finishRuntimeText(MetaData& md, const std::string& out, std::size_t start, const RuntimeTextState& state,
+                                bool dryRun);
+  // Whether the dynamic data of an element above `element` is stale. Climbs to the top.
+  static bool isUnderStale(const Element* element);
+
+  // The dynamic data is made again if the element now asks for another class.
+  static void setObject(MetaData& md, void* object) { md.object_ = object; }
+  static void setLoadedFromPage(MetaData& md) { md.loadedFromPage_ = true; }
+  static void setRuntimeCompared(MetaData& md) { md.runtimeCompared_ = true; }
+};
+
+}  // namespace zeldom40
