@@ -1,0 +1,40 @@
+// Internal. Writes what the server gets: tags made anew from attributes, indented, with the scriptlet state kept.
+#pragma once
+
+#include <map>
+#include <string>
+
+namespace zeldom40 {
+
+class Document;
+class Element;
+class MetaData;
+class Text;
+struct RuntimeTextState;
+
+// Name to value, in the byte order of the names.
+using AttributeMap = std::map<std::string, std::string>;
+
+// All attributes of a non-empty name.
+AttributeMap attributeMap(const Element* element);
+// Names in lower case, values unescaped, so that a JSP expression can stand in a value.
+std::string makeBeginTag(const Element* element, const AttributeMap& attributes);
+// Empty if hasNoEndTag.
+std::string makeEndTag(const Element* element);
+bool hasNoEndTag(const Element* element);
+// Text of the page may not stand in the element. False if it has no end tag.
+bool cannotHoldText(Document* document, const Element* element);
+
+// Write the element, its children, one of its tags or a text, nested dynamic elements by their run-time text.
+void emitBeginTag(Element* element, std::string& out, RuntimeTextState& state);
+void emitBeginTag(Element* element, const AttributeMap& attributes, std::string& out, RuntimeTextState& state);
+void emitEndTag(Element* element, std::string& out, RuntimeTextState& state);
+void emitChildren(Element* element, std::string& out, RuntimeTextState& state);
+void emitElement(Element* element, std::string& out, RuntimeTextState& state, bool ignoreMetaData);
+void emitText(Text* text, std::string& out, RuntimeTextState& state);
+
+// The body of MetaData::appendRuntimeText, for a caller from outside of the walk: asks beginRuntimeText, runs the
+// generator with everything below it on an explicit stack, and ends with endRuntimeText.
+void writeRuntimeText(MetaData* metaData, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun);
+
+}  // namespace zeldom40
