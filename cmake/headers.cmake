@@ -14,6 +14,7 @@ set(ZELDOM40_HEADERS
     dom/dtd/LexerType.h
     dom/dtd/Parser.h
     dom/dtd/ParserType.h
+    dom/dynamic/JavaTypeLookupIF.h
     dom/html/HTMLParser.h
     dom/source/CodeConv.h
     dom/source/DocumentStyle.h

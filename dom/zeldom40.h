@@ -11,6 +11,7 @@
 #include "dom/dtd/LexerType.h"
 #include "dom/dtd/Parser.h"
 #include "dom/dtd/ParserType.h"
+#include "dom/dynamic/JavaTypeLookupIF.h"
 #include "dom/html/HTMLParser.h"
 #include "dom/source/CodeConv.h"
 #include "dom/source/DocumentStyle.h"

@@ -1,13 +1,14 @@
 // Life of the DOM and its list in the process.
 #include "dom/document/DOM.h"
 
-#include <cstring>
+#include <algorithm>
 #include <new>
 
 #include "dom/document/Document.h"
 #include "dom/dtd/BuiltInDTD.h"
 #include "dom/dtd/DTDParser.h"
 #include "dom/dtd/DocumentType.h"
+#include "dom/dynamic/JavaTypes.h"
 #include "dom/source/CodeConv.h"
 #include "dom/source/DocumentStyle.h"
 
@@ -34,9 +35,10 @@ DOM::DOM(JSPVersion version)
 }
 
 DOM::~DOM() {
-  // The document type points into the tables of the parser, so it goes first.
-  delete documentType_;
-  delete dtdParser_;
+  // A document type points into the tables of its parser, so it goes first.
+  retireDTD();
+  for (DocumentType* type : olderTypes_) delete type;
+  for (DTDParser* parser : olderParsers_) delete parser;
   delete documentStyle_;
   delete codeConv_;
   (prev_ ? prev_->next_ : newestDOM) = next_;
@@ -57,9 +59,18 @@ void DOM::setDTDPath(const char*) {}
 void DOM::addDTDFile(const char*, const char*) {}
 void DOM::setDTDFile(const char*, const char*) {}
 
+void DOM::retireDTD() {
+  if (documentType_) olderTypes_.push_back(documentType_);
+  if (dtdParser_) olderParsers_.push_back(dtdParser_);
+}
+
+void DOM::setJavaTypeLookupIF(const JavaTypeLookupIF* lookup) {
+  javaTypeLookup_ = lookup;
+  clearTypeCache();
+}
+
 void DOM::loadDTD() {
-  delete documentType_;
-  delete dtdParser_;
+  retireDTD();
   dtdParser_ = new DTDParser(builtInDTD().data(), static_cast<unsigned>(builtInDTD().size()));
   dtdParser_->parse(LexerType::LEX_EOF);
   documentType_ = new DocumentType;
@@ -72,7 +83,8 @@ DocumentType* DOM::createDocumentType(const char* name, const char* dtdText, int
 }
 
 void DOM::destroyDocumentType(DocumentType* type) {
-  if (type != documentType_) delete type;
+  if (type != documentType_ && std::find(olderTypes_.begin(), olderTypes_.end(), type) == olderTypes_.end())
+    delete type;
 }
 
 Document* DOM::createDocument(const char* documentTypeName) { return new Document(documentTypeName, this); }

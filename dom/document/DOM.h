@@ -1,8 +1,7 @@
 // The root object: the built-in DTD, the settings, and the factory of documents.
 #pragma once
 
-#include <memory>
-#include <string>
+#include <vector>
 
 #include "dom/export.h"
 #include "dom/tree/SharedName.h"
@@ -35,7 +34,8 @@ class ZELDOM40_API DOM {
   void setDTDPath(const char* path);
   void addDTDFile(const char* publicId, const char* file);
   void setDTDFile(const char* publicId, const char* file);
-  // Parses the built-in DTD; createDOM has done it.
+  // Parses the built-in DTD anew; createDOM has done it once. Documents keep the document type that they were made
+  // with.
   void loadDTD();
 
   // Owned by the DOM.
@@ -45,7 +45,7 @@ class ZELDOM40_API DOM {
   // Takes effect on the next look-up of a name; nothing that exists changes.
   void setJSPVersion(JSPVersion version) { jspVersion_ = version; }
   // Borrowed; null until set.
-  void setJavaTypeLookupIF(const JavaTypeLookupIF* lookup) { javaTypeLookup_ = lookup; }
+  void setJavaTypeLookupIF(const JavaTypeLookupIF* lookup);
   // Adds bits to a word that is kept for hosts and decides nothing.
   void enableExtension(unsigned long mask) { extensions_ |= static_cast<unsigned>(mask); }
 
@@ -65,8 +65,13 @@ class ZELDOM40_API DOM {
   DOM(const DOM&) = delete;
   DOM& operator=(const DOM&) = delete;
 
+  void retireDTD();
+
   DocumentType* documentType_ = nullptr;
   DTDParser* dtdParser_ = nullptr;
+  // Of earlier calls of loadDTD: documents and their nodes may point into them.
+  std::vector<DocumentType*> olderTypes_;
+  std::vector<DTDParser*> olderParsers_;
   DocumentStyle* documentStyle_ = nullptr;
   CodeConv* codeConv_ = nullptr;
   unsigned extensions_ = 14;

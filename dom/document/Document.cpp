@@ -6,6 +6,8 @@
 #include "dom/document/DOM.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/dtd/DocumentType.h"
+#include "dom/dynamic/BeanInfo.h"
+#include "dom/dynamic/JavaTypes.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 
@@ -35,6 +37,7 @@ Document::Document(const char* documentTypeName, DOM* dom)
     : dom_(dom),
       html_(documentTypeName && std::string_view(documentTypeName) == "HTML"),
       documentType_(dom ? dom->getDocumentType() : nullptr),
+      outBoundBeans_(std::make_unique<BeanList>()),
       olderDocument_(newestDocument) {
   newestDocument = this;
 }
@@ -46,6 +49,7 @@ Document::~Document() {
   delete scratchElement_;
   delete scratchText_;
   clearRecord();
+  forgetTypes(this);
   Document** link = &newestDocument;
   while (*link != this) link = &(*link)->olderDocument_;
   *link = olderDocument_;

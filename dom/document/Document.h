@@ -2,6 +2,7 @@
 #pragma once
 
 #include <list>
+#include <memory>
 #include <string>
 
 #include "dom/document/ErrorPacket.h"
@@ -14,6 +15,7 @@ namespace zeldom40 {
 
 class Attribute;
 class AttributeList;
+struct BeanList;
 class Comment;
 class DOM;
 class DocumentType;
@@ -164,6 +166,18 @@ class ZELDOM40_API Document : public Node {
   // Makes the next adjustNodes(nullptr, ...) do nothing.
   void skipAdjust();
 
+  // --- beans --------------------------------------------------------------------------------------------------------
+  // Lists the names that a property path of the page can begin with, in byte order: beans from outside, beans that the
+  // page declares, implicit objects of JSP. Begin makes the list; Next gives an entry, whose texts live until End, and
+  // is false at the end and for a null handle; End frees the list and sets the handle to null.
+  void getBeanListBegin(void*& handle) const;
+  bool getBeanListNext(void*& handle, const char*& name, const char*& type) const;
+  void getBeanListEnd(void*& handle) const;
+  // Beans that exist outside the page, as a servlet puts them into the request. They are no part of its text. A name
+  // that is there keeps its type; an unknown name is ignored.
+  void addOutBoundBean(const char* name, const char* type);
+  void delOutBoundBean(const char* name);
+
   // --- undo ---------------------------------------------------------------------------------------------------------
   // Saves the present state, at most once until an edit is closed by adjustNodes. Every mutator of a node in the tree
   // calls it before its change; a host calls it to mark the beginning of an edit. Ten states are kept.
@@ -229,6 +243,7 @@ class ZELDOM40_API Document : public Node {
   Node* retainedCursorNode_ = nullptr;
   mutable std::string sourceBuf_;
   UndoStack* undoStack_ = nullptr;
+  std::unique_ptr<BeanList> outBoundBeans_;
   unsigned recordFlags_ = 0;
   long recordCount_ = 0;
   Document* olderDocument_;

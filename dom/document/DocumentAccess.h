@@ -26,6 +26,7 @@ struct DocumentAccess {
   static bool isPlace(const Document* document, const Node* node) { return document->isPlace(node); }
   static bool inClassify(const Document* document) { return document->inClassify_; }
   static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
+  static const BeanList& outBoundBeans(const Document* document) { return *document->outBoundBeans_; }
   static std::string& sourceBuf(const Document* document) { return document->sourceBuf_; }
   static void setDocumentElement(Document* document, Element* root) { document->documentElement_ = root; }
   static void setInClassify(Document* document, bool on) { document->inClassify_ = on; }
