@@ -171,10 +171,16 @@ void DTDParser::parsePublicIdentifier() {
 // --- entities --------------------------------------------------------------------------------------------------------
 
 void DTDParser::parseEntity() {
-  if (accept(LexerType::LEX_PERCENT)) {
-    parseParameterEntity();
-  } else if (peekKind() == LexerType::LEX_NAME) {
-    parseGeneralEntity();
+  switch (peekPastComments()) {
+    case LexerType::LEX_PERCENT:
+      advance();
+      parseParameterEntity();
+      break;
+    case LexerType::LEX_NAME:
+      parseGeneralEntity();
+      break;
+    default:
+      break;
   }
 }
 
@@ -637,14 +643,19 @@ void DTDParser::parseMarkedSection() {
 }
 
 // KEPT: nesting is not tracked, for the "<![" of an inner section comes as two tokens; the first "]]>" that does not
-// stand right at the start closes the section.
+// stand right at the start closes the section. Its ">" is left to the loop.
 void DTDParser::skipIgnoredSection() {
   while (true) {
     if (isLast(advance())) {
       pushBack();
       return;
     }
-    if (accept(LexerType::LEX_RBRACKET) && accept(LexerType::LEX_RBRACKET) && accept(LexerType::LEX_TAG_CLOSE)) return;
+    const auto comes = [this](std::size_t place, LexerType::LexToken kind) { return peekToken(place).kind == kind; };
+    if (comes(0, LexerType::LEX_RBRACKET) && comes(1, LexerType::LEX_RBRACKET) && comes(2, LexerType::LEX_TAG_CLOSE)) {
+      advance();
+      advance();
+      return;
+    }
   }
 }
 

@@ -186,17 +186,17 @@ constexpr std::size_t slotOf(std::string_view name) {
   return slot % kSlots;
 }
 
-constexpr std::array<std::int8_t, kSlots> makeSlots() {
-  std::array<std::int8_t, kSlots> slots{};
+constexpr std::array<std::int16_t, kSlots> makeSlots() {
+  std::array<std::int16_t, kSlots> slots{};
   slots.fill(-1);
   for (int id = 0; id <= kLastPlainName; ++id) {
-    std::int8_t& slot = slots[slotOf(kRows[id].name)];
+    std::int16_t& slot = slots[slotOf(kRows[id].name)];
     if (slot != -1) throw "two names in one place";
-    slot = static_cast<std::int8_t>(id);
+    slot = static_cast<std::int16_t>(id);
   }
   return slots;
 }
-constexpr std::array<std::int8_t, kSlots> kPlainNames = makeSlots();
+constexpr std::array<std::int16_t, kSlots> kPlainNames = makeSlots();
 
 constexpr char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 

@@ -2,7 +2,6 @@
 #include <chrono>
 #include <functional>
 #include <pthread.h>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -19,17 +18,8 @@
 namespace zeldom40 {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr std::size_t kStack = 1 << 20;  // frames are several times larger
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
+// Enough for the frames of a sanitized build, far too little for one frame a nesting.
 constexpr std::size_t kStack = 1 << 20;
-#else
-constexpr std::size_t kStack = 256 << 10;
-#endif
-#else
-constexpr std::size_t kStack = 256 << 10;
-#endif
 
 void onSmallStack(const std::function<void()>& work) {
   pthread_attr_t attributes;
@@ -179,29 +169,6 @@ TEST(HostileDTD, EveryShapeMayBeCutAnywhere) {
     const std::string page = shape.make(300);
     const auto step = std::max<std::size_t>(1, page.size() / 40);
     for (std::size_t length = 0; length <= page.size(); length += step) readAsPage(page.substr(0, length), kSmallDTD);
-  }
-}
-
-TEST(HostileDTD, RandomPiecesNeitherCrashNorLeak) {
-  const std::string_view pieces[] = {"<!ELEMENT ",  "<!ATTLIST ", "<!ENTITY ",  "<!GROUP BLOCK ",
-                                     "<![INCLUDE[", "<![IGNORE[", "<!NOTATION", "]]>",
-                                     "]",           ">",          "(",          ")",
-                                     "|",           ",",          "&",          "+",
-                                     "-",           "*",          "?",          "%",
-                                     "%P;",         "%X",         ";",          " ",
-                                     "--",          "'",          "\"",         "\\",
-                                     "O ",          "- - ",       "P ",         "X ",
-                                     "X0 ",         "EMPTY",      "ANY",        "CDATA",
-                                     "#PCDATA",     "#FIXED",     "PUBLIC ",    "SYSTEM ",
-                                     "NDATA ",      "&#160;",     "% P '",      "% X 'P",
-                                     "\n",          "\x1b",       "\x80"};
-  std::mt19937 random(1);
-  for (int round = 0; round < 3000; ++round) {
-    std::string page;
-    for (auto left = random() % 40; left > 0; --left) page += pieces[random() % std::size(pieces)];
-    SCOPED_TRACE(page);
-    readAsPage(page, kSmallDTD);
-    if (testing::Test::HasFailure()) return;
   }
 }
 
