@@ -1,62 +1,24 @@
 // Runs check, fix and format: forms of the report, exit codes, and that a file keeps what no repair touched.
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <stdlib.h>
 #include <string>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
-#include <gtest/gtest.h>
+#include "tests/tool/ToolTest.h"
 
 namespace {
-
-std::string readFile(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
-
-struct Result {
-  int code = -1;
-  std::string out;
-  std::string err;
-};
 
 const std::string kBegin = "<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY>\n";
 const std::string kEnd = "</BODY></HTML>\n";
 const std::string kBroken = kBegin + "<P>one</I></P>\n" + kEnd;
 const std::string kRepaired = kBegin + "<P>one</P>\n" + kEnd;
 
-class Repair : public testing::Test {
+class Repair : public ToolTest {
  protected:
-  void SetUp() override {
-    std::string name = testing::TempDir() + "zeldomXXXXXX";
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    std::filesystem::create_directory(folder_ + "/pages");
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  std::string path(const std::string& file) { return folder_ + "/pages/" + file; }
-  void write(const std::string& file, const std::string& bytes) {
-    std::ofstream(path(file), std::ios::binary) << bytes;
-  }
-  // Runs "zeldom <arguments>" in the folder of the pages, after a shell command such as a limit.
-  Result run(const std::string& arguments, const std::string& before = "true") {
-    const std::string command = "cd " + folder_ + "/pages && " + before + " && " ZELDOM40_TOOL " " + arguments + " >" +
-                                folder_ + "/out 2>" + folder_ + "/err";
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder_ + "/out"), readFile(folder_ + "/err")};
-  }
   std::size_t files() {
     std::size_t count = 0;
-    for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator(folder_ + "/pages")) ++count;
+    for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator(place_)) ++count;
     return count;
   }
-
-  std::string folder_;
 };
 
 TEST_F(Repair, ReportsInTheFormThatIsAskedFor) {
@@ -210,7 +172,7 @@ TEST_F(Repair, InPlaceLosesNothingWhenTheWriteFails) {
   for (int i = 0; i < 20000; ++i) page += "<P>some text\n";
   for (const char* before : {"trap '' XFSZ && ulimit -f 8", "ulimit -c 0 && ulimit -f 8"}) {
     write("a", page);
-    EXPECT_NE(run("fix -i a", before).code, 0) << before;
+    EXPECT_NE(run("fix -i a", "", before).code, 0) << before;
     EXPECT_EQ(readFile(path("a")), page) << before;
     EXPECT_EQ(files(), 1u) << before;
   }

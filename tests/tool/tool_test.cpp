@@ -1,48 +1,16 @@
 // Runs the built command-line host on small pages: results, messages and exit codes as a script sees them.
-#include <cstdio>
-#include <fstream>
-#include <sstream>
-#include <stdlib.h>
 #include <string>
-#include <sys/wait.h>
-#include <vector>
 
-#include <gtest/gtest.h>
+#include "tests/tool/ToolTest.h"
 
 namespace {
 
-struct Result {
-  int code = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string readFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-class Tool : public testing::Test {
+class Tool : public ToolTest {
  protected:
   void SetUp() override {
-    std::string name = testing::TempDir() + "zeldomXXXXXX";
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
+    ToolTest::SetUp();
+    place_ = ZELDOM40_SOURCE_DIR "/tests/pages";
   }
-  void TearDown() override { EXPECT_EQ(std::system(("rm -rf " + folder_).c_str()), 0); }
-
-  // Runs "zeldom <arguments>" in tests/pages through the shell; `before` is a shell command such as a limit.
-  Result run(const std::string& arguments, const std::string& input = "", const std::string& before = "true") {
-    std::ofstream(folder_ + "/in", std::ios::binary) << input;
-    const std::string command = "cd " ZELDOM40_SOURCE_DIR "/tests/pages && " + before + " && { " ZELDOM40_TOOL " " +
-                                arguments + "; } <" + folder_ + "/in >" + folder_ + "/out 2>" + folder_ + "/err";
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder_ + "/out"), readFile(folder_ + "/err")};
-  }
-
-  std::string folder_;
 };
 
 struct Case {
@@ -126,13 +94,12 @@ TEST_F(Tool, EndsWithTwoAndOneLineWhereItCannotDoTheJob) {
   }
 }
 
-TEST_F(Tool, GoesOnAfterAFileThatCannotBeRead) {
+TEST_F(Tool, FindingsEndWithOneAndAFileThatCannotBeReadEndsNotTheRest) {
+  EXPECT_EQ(run("tree unknown_tag.html").code, 1);
   const Result result = run("cat no-such-file lf.html");
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.out, "<P>one\n<P>two\n");
 }
-
-TEST_F(Tool, FindingsEndWithOne) { EXPECT_EQ(run("tree unknown_tag.html").code, 1); }
 
 // A page must not be able to send commands to the terminal of whoever looks at it.
 TEST_F(Tool, ShowsControlBytesAsEscapes) {
