@@ -29,6 +29,7 @@ public final class Host {
   private static final int MOST_ITEMS = 3;
   private static final int REPLY_MILLIS = 20_000;
   private static final int ALL_MILLIS = 300_000;
+  private static final int LONGEST_REPLY = 1 << 20;
 
   private static final Logger ROOT_LOG = Logger.getLogger("");
   private static final Pattern COMMENT = Pattern.compile("<!--.*?-->", Pattern.DOTALL);
@@ -160,12 +161,12 @@ public final class Host {
   }
 
   /**
-   * What no browser tells apart becomes equal: tag names in upper case; attributes by name, in lower case, quoted. White
-   * space that holds a line end is dropped where it touches a tag; each other stretch of white space is one blank.
+   * What no browser tells apart becomes equal: tag names in upper case; attributes by name, in lower case, quoted.
+   * White space that holds a line end is dropped where it touches a tag; any other stretch of it is one blank.
    */
   private static String normalize(String text) {
     String tags = TAG.matcher(text).replaceAll(tag -> Matcher.quoteReplacement(oneTag(tag.group(1), tag.group(2))));
-    return tags.replaceAll("(?<=>|^)[ \t]*\r?\n\\s*|\\s*\r?\n[ \t\r\n]*(?=<|$)", "").replaceAll("\\s+", " ");
+    return tags.replaceAll("(?<=>|^)\\s*\n\\s*|\\s*\n\\s*(?=<|$)", "").replaceAll("\\s+", " ");
   }
 
   private static String oneTag(String name, String rest) {
@@ -185,8 +186,11 @@ public final class Host {
       HttpURLConnection connection = (HttpURLConnection) URI.create(address).toURL().openConnection();
       connection.setConnectTimeout(REPLY_MILLIS);
       connection.setReadTimeout(REPLY_MILLIS);
-      try (InputStream in = connection.getResponseCode() < 400 ? connection.getInputStream() : connection.getErrorStream()) {
-        return in == null ? "" : new String(in.readAllBytes(), StandardCharsets.ISO_8859_1);
+      boolean served = connection.getResponseCode() < 400;
+      try (InputStream in = served ? connection.getInputStream() : connection.getErrorStream()) {
+        return new String(in.readNBytes(LONGEST_REPLY), StandardCharsets.ISO_8859_1);
+      } finally {
+        connection.disconnect();
       }
     } catch (IOException e) {
       return e.toString();

@@ -23,13 +23,12 @@ struct Property {
   std::string_view getter;
 };
 
-// Properties without a getter here are those that the naming rule finds.
+// Properties without a getter here are those that the naming rule finds. What is missing is an Object.
 constexpr Property kProperties[] = {
     {"shop.Cart", "items", "shop.Item", "getItems"},
     {"shop.Cart", "item", "shop.Item", ""},
     {"shop.Cart", "notes", "String", ""},
     {"shop.Cart", "note", "java.lang.String", "getNote"},
-    {"shop.Cart", "hints", "String", ""},
     {"shop.Cart", "numbers", "int", ""},
     {"shop.Cart", "orders", "shop.Order", ""},
     {"shop.Cart", "order", "shop.Order", ""},
