@@ -1,6 +1,10 @@
 // The ordered container of an element's attributes.
 #include "dom/tree/AttributeList.h"
 
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
 #include "dom/document/DocumentAccess.h"
 #include "dom/tree/AttributeAccess.h"
 #include "dom/tree/Element.h"
@@ -45,15 +49,17 @@ Attribute* AttributeList::put(Attribute* attribute, bool markDirty) {
   if (!attribute) return nullptr;
   AttributeAccess::setOwner(attribute, owner_);
   recordChange();
-  bool placed = false;
-  for (Attribute*& present : vec()) {
-    if (present != attribute && present->getName() != attribute->getName()) continue;
-    if (present != attribute) delete present;
-    present = attribute;
-    placed = true;
-    break;
+  std::vector<Attribute*>& list = vec();
+  const auto present =
+      std::find_if(list.begin(), list.end(), [&](const Attribute* a) { return a->getName() == attribute->getName(); });
+  if (present == list.end()) {
+    list.push_back(attribute);
+  } else if (*present != attribute) {
+    // One of this list that got the name of an earlier one moves up to its place.
+    list.erase(std::remove(present, list.end(), attribute), list.end());
+    delete *present;
+    *present = attribute;
   }
-  if (!placed) vec().push_back(attribute);
   if (owner_) {
     owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
     if (markDirty) owner_->setBeginTagDirty();
@@ -87,17 +93,17 @@ void AttributeList::merge(AttributeList* other) {
   }
   vec();
   if (!other->attributes_) return;
+  // A page may hold two tags with any number of attributes, so the names are not searched for one by one.
+  std::unordered_map<std::string, std::size_t> places;
+  for (std::size_t i = 0; i < attributes_->size(); ++i) places.try_emplace((*attributes_)[i]->getName(), i);
   for (Attribute* moved : *other->attributes_) {
     AttributeAccess::setOwner(moved, owner_);
-    bool placed = false;
-    for (Attribute*& present : *attributes_) {
-      if (present->getName() != moved->getName()) continue;
-      delete present;
-      present = moved;
-      placed = true;
-      break;
+    const auto [place, isNew] = places.try_emplace(moved->getName(), attributes_->size());
+    if (isNew) {
+      attributes_->push_back(moved);
+    } else {
+      delete std::exchange((*attributes_)[place->second], moved);
     }
-    if (!placed) attributes_->push_back(moved);
   }
   other->attributes_->clear();
 }

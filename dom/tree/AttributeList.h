@@ -38,7 +38,6 @@ class ZELDOM40_API AttributeList {
  private:
   friend class Element;
   friend struct ElementAccess;
-  friend struct AttributeListAccess;
 
   // As setAttribute; without `markDirty` neither tags nor metadata are marked, only the update flag is raised.
   Attribute* put(Attribute* attribute, bool markDirty);
@@ -52,13 +51,6 @@ class ZELDOM40_API AttributeList {
 
   std::unique_ptr<std::vector<Attribute*>> attributes_;
   Element* owner_ = nullptr;
-};
-
-// Internal operations for neighbours that edit whole lists.
-struct AttributeListAccess {
-  static Attribute* remove(AttributeList* list, const std::string& name) { return list->removeAttribute(name); }
-  static void merge(AttributeList* list, AttributeList* other) { list->merge(other); }
-  static void setOwner(AttributeList* list, Element* owner) { list->setOwner(owner); }
 };
 
 }  // namespace zeldom40

@@ -168,7 +168,8 @@ bool Element::canBeAncestorOf(Node* node) const { return !definition_ || definit
 bool Element::canInclude(Node* node) const { return definition_ && definition_->canInclude(node); }
 
 bool Element::canContain(Node* child, Node** blocking, std::vector<Node*>* path) {
-  if (!child) return Node::canContain(child, blocking, path);
+  if (blocking) *blocking = nullptr;
+  if (!child) return false;
   // A transparent element answers as its parent does.
   Element* asked = this;
   while (asked->getElementGroup() & GROUP_LOOP) {
@@ -276,7 +277,9 @@ void Element::deleteAttribute(const char* name) {
   if (name) deleteAttribute(std::string(name));
 }
 
-void Element::deleteAttribute(const std::string& name) { delete list().removeAttribute(name); }
+void Element::deleteAttribute(const std::string& name) {
+  if (AttributeList* attributes = getAttributes()) delete attributes->removeAttribute(name);
+}
 
 unsigned long ElementAccess::gatherAttributeErrors(Element* element) {
   unsigned long all = 0;
@@ -359,6 +362,7 @@ void Element::setRawBeginTag(const std::string& text) {
 void Element::setRawEndTag(const std::string& text) {
   extra().end = text;
   extra_->endOwn = true;
+  contentAtTag_ = hasChildNodes();
   setUpdateFlag(UPDATE_CONTENT_MODIFIED);
 }
 
@@ -415,7 +419,6 @@ void Element::refreshEndTag() {
   if (!endTagDirty_) return;
   if (elementType_ == ELEMENT_DEFINED || rebuildsAlways()) {
     setRawEndTag(buildEndTag());
-    contentAtTag_ = hasChildNodes();
   }
   endTagDirty_ = false;
 }

@@ -68,6 +68,7 @@ class ZELDOM40_API Element : public Node {
   // UPDATE_ATTRIBUTE_MODIFIED. The attribute is stored in any case; returns 0 if the DTD allows it, else -1.
   int setAttribute(const char* name, const char* value, bool notify);
   int setAttribute(const std::string& name, const std::string& value, bool notify);
+  // Deletes the attribute of exactly that name and marks the tag dirty. KEPT: recorded for undo also if there is none.
   void deleteAttribute(const std::string& name);
   void deleteAttribute(const char* name);
   // All nodes of that exact name, this element first. KEPT: the search goes on through the following siblings of this
@@ -90,7 +91,9 @@ class ZELDOM40_API Element : public Node {
   // Store a text as it stands; the dirty marks stay.
   void setRawBeginTag(const std::string& text);
   void setRawEndTag(const std::string& text);
+  // True for a list item that has no end tag in the source.
   bool isNoEndTag() const;
+  // What the definition excludes at any depth, and what it includes there. Without one: true, and false.
   bool canBeAncestorOf(Node* node) const;
   bool canInclude(Node* node) const;
   // The code of a script-like element (null for others, and for none): from inside <% %>, or from its texts in the

@@ -546,13 +546,18 @@ void NodeAccess::detach(Node* child) {
   parent->setUpdateFlag(Node::UPDATE_CHILD_REMOVED);
 }
 
+// Whether the cursor or a selection must be told of children that leave. Only where one can be concerned is the tree
+// climbed.
+bool NodeAccess::movesPlaces(const Node* parent) {
+  const Document* d = parent->document_;
+  return d && (d->countsIn(parent) || d->selections_.size() > 1) && d->isInTree(parent);
+}
+
 Node* Node::removeChild(Node* child) {
   if (!child) return nullptr;
   if (child->parent_ && child->parent_ != this) return child;
-  if (document_) {
-    document_->recordChange(this);
-    document_->adjustCursorOnRemove(child);
-  }
+  if (document_) document_->recordChange(this);
+  if (NodeAccess::movesPlaces(this)) document_->adjustCursorOnRemove(child);
   NodeAccess::detach(child);
   return child;
 }
@@ -602,8 +607,8 @@ Node* Node::removeChildren(Node* first, Node* last) {
     while (n && n != last) n = NodeAccess::childAfter(n);
     if (!n) std::swap(first, last);
   }
-  if (document_) {
-    document_->recordChange(this);
+  if (document_) document_->recordChange(this);
+  if (NodeAccess::movesPlaces(this)) {
     // Last to first: each step sees the indices that the cursor counts in.
     for (Node* n = last;; n = NodeAccess::childBefore(n)) {
       document_->adjustCursorOnRemove(n);
@@ -706,7 +711,7 @@ int Node::compare(Node* a, Node* b) {
   Node* aBranch = nullptr;
   Node* bBranch = nullptr;
   Node* common = findCommonParent(a, b, &aBranch, &bBranch);
-  if (!common) return -2;
+  if (!common) return aBranch == bBranch ? 0 : -2;
   if (common == a || common == b || aBranch == bBranch) return 0;
   // Search from one branch to both sides at once: near neighbours answer fast on a wide page.
   Node* forward = aBranch;

@@ -76,7 +76,7 @@ class ZELDOM40_API Node {
   static constexpr unsigned long UPDATE_CHILD_REMOVED = 0x40;        // a child left
   static constexpr unsigned long UPDATE_SELECTION_CHANGED = 0x80;    // on the document
   static constexpr unsigned long UPDATE_CURSOR_CHANGED = 0x100;      // on the document
-  static constexpr unsigned long UPDATE_STYLE_CHANGED = 0x200;       //
+  static constexpr unsigned long UPDATE_STYLE_CHANGED = 0x200;       // for hosts; never raised here
   static constexpr unsigned long UPDATE_SIBLING_CHANGED = 0x400;     // a sibling link changed; never rises
   static constexpr unsigned long UPDATE_META_DATA_MODIFIED = 0x800;  // the element's metadata changed
   static constexpr unsigned long UPDATE_ADAPTED = 0x1000;            // made by a repair
@@ -161,7 +161,8 @@ class ZELDOM40_API Node {
   Node* findCommonParent(Node* a, Node* b, Node** aBranch, Node** bBranch);
   // True if `ancestor` is this node or one of its ancestors.
   bool isOffspringOf(Node* ancestor);
-  // Document order: -1 if `a` stands before `b`, 1 behind, 0 if one holds the other, -2 if they share no tree.
+  // Document order: -1 if `a` stands before `b`, 1 behind, 0 if one holds the other or is null, -2 if they share no
+  // tree.
   int compare(Node* a, Node* b);
   // 0-based position of `child`, -1 if it is no child.
   int getChildIndex(Node* child);

@@ -94,6 +94,7 @@ struct NodeAccess {
   static void forgetList(Node* parent);
   static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, Insertion how);
   static void unlinkChild(Node* parent, Node* child);
+  static bool movesPlaces(const Node* parent);
   static void drain(Node* top);
 };
 

@@ -28,6 +28,13 @@ TEST_F(FrameTest, TheNewestLiveDOMIsTheOneInUse) {
   EXPECT_EQ(doc_->getDocumentType(), dom_->getDocumentType());
   EXPECT_EQ(dom_->createDocumentType("x", nullptr, 0), nullptr);
   dom_->destroyDocumentType(dom_->createDocumentType("x", "<!ELEMENT X - - (#PCDATA)>", -1));
+  // What documents were made with outlives a second loading.
+  dom_->loadDTD();
+  EXPECT_NE(dom_->getDocumentType(), type);
+  dom_->destroyDocumentType(type);
+  load("<P>x");
+  EXPECT_EQ(doc_->getDocumentType(), type);
+  EXPECT_EQ(element("P")->getElementID(), ID_P);
   dom_->deleteDocument(nullptr);
   EXPECT_EQ(dom_->getDocumentStyle()->GetIndent(), 2);
   EXPECT_EQ(dom_->getDocumentStyle()->GetColumnLimit(), 40);

@@ -154,6 +154,20 @@ TEST_F(NodeTest, RemovingAStrangerLeavesItsListAlone) {
   other->releaseRef(true);
 }
 
+TEST_F(NodeTest, RemovingOutsideThePageMovesNoCursor) {
+  load("<DIV><B>a</B><I>b</I></DIV>");
+  Node* div = find("DIV");
+  doc_->setLayoutCursor(div, 2);
+  for (const int offset : {1, 1}) {
+    div->removeChild(div->getFirstChild())->releaseRef(true);
+    int now = 0;
+    doc_->getLayoutCursor(nullptr, &now);
+    EXPECT_EQ(now, offset);
+    if (div->getParentNode()) div->getParentNode()->removeChild(div);
+  }
+  div->releaseRef(true);
+}
+
 TEST_F(NodeTest, ReplacingLeavesTheNewNodeBesideTheList) {
   Element* p = family("P", "ABC");
   Node* b = child(p, "B");
@@ -417,7 +431,7 @@ TEST_F(NodeTest, DocumentOrder) {
     const char* common;  // the common parent and the branches; "-" for none
   } cases[] = {
       {"C", "D", -1, "BCD"}, {"D", "C", 1, "BDC"}, {"C", "E", -1, "ABE"}, {"E", "D", 1, "AEB"},  {"A", "D", 0, "AAB"},
-      {"D", "A", 0, "ABA"},  {"C", "C", 0, "CCC"}, {"B", "D", 0, "BBD"},  {"C", "O", -2, "-AO"}, {"", "C", -2, "---"},
+      {"D", "A", 0, "ABA"},  {"C", "C", 0, "CCC"}, {"B", "D", 0, "BBD"},  {"C", "O", -2, "-AO"}, {"", "C", 0, "---"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.a) + " and " + c.b);
