@@ -8,7 +8,6 @@ namespace zeldom40 {
 
 class Document;
 class Element;
-class MetaData;
 class Text;
 struct RuntimeTextState;
 
@@ -32,9 +31,5 @@ void emitEndTag(Element* element, std::string& out, RuntimeTextState& state);
 void emitChildren(Element* element, std::string& out, RuntimeTextState& state);
 void emitElement(Element* element, std::string& out, RuntimeTextState& state, bool ignoreMetaData);
 void emitText(Text* text, std::string& out, RuntimeTextState& state);
-
-// The body of MetaData::appendRuntimeText, for a caller from outside of the walk: asks beginRuntimeText, runs the
-// generator with everything below it on an explicit stack, and ends with endRuntimeText.
-void writeRuntimeText(MetaData* metaData, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun);
 
 }  // namespace zeldom40
