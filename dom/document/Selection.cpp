@@ -114,8 +114,10 @@ void Document::getSourceCursor(Node** node, int* offset) {
 
 // --- adjustments -----------------------------------------------------------------------------------------------------
 
-// A child came or went at `index`: places behind it move along; a place right at it stays.
+// A child came or went at `index`: places behind it move along; a place right at it stays. An index below 0 is that of
+// a node which the parent does not list.
 void Document::shiftOffsets(Node* parent, int index, int by) {
+  if (index < 0) return;
   if (parent == cursorNode_) {
     if (layoutOffset_ >= 0 && layoutOffset_ > index) layoutOffset_ += by;
     if (sourceOffset_ >= 0 && sourceOffset_ > index) sourceOffset_ += by;
@@ -172,6 +174,7 @@ void Document::adjustCursorOnDelete(Node* node) {
   const bool endDies = s && dies(s->endNode);
   if (!cursorDies && !startDies && !endDies && !countsIn(parent)) return;
   const int index = parent->getChildIndex(node);
+  if (index < 0) return;
   shiftOffsets(parent, index, -1);
   NodeAccess::markAsPlace(parent);
   if (cursorDies) {

@@ -1,6 +1,7 @@
 // The normal form of a tree after a parse or a repair.
 #include "dom/document/TreeAdjuster.h"
 
+#include <cassert>
 #include <utility>
 
 #include "dom/document/Document.h"
@@ -42,7 +43,8 @@ Element* mergeElements(Document& document, Element* first, Element* second) {
   }
   Text* end = asText(first->getLastChild());
   Text* start = asText(second->getFirstChild());
-  if (end && start) {
+  // CHOICE: only texts of one type are joined; in a text that only formats the source the other would be lost.
+  if (end && start && end->getTextType() == start->getTextType()) {
     TextAccess::append(end, start);
     document.deleteNodes(start);
   }
@@ -61,6 +63,7 @@ class Normalizer {
       : document_(document), start_(start), corrected_(corrected), walk_(start), pointless_(document) {}
 
   bool run() {
+    assert(start_);
     for (Node* n = start_; n; n = walk_.current()) {
       if (pre_ && n != pre_ && !insidePre()) {
         pre_ = nullptr;

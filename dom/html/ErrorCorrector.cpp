@@ -40,6 +40,9 @@ Node* rootOf(Node* node) {
   return node;
 }
 
+// What is no table structure does not climb through a table but stands before it.
+bool leavesTable(Node* node, Node* q) { return (groupOf(q) & GROUP_TABLE) && !(groupOf(node) & GROUP_TABLE); }
+
 bool isUnknown(Node* node) {
   return asElement(node) && asElement(node)->getElementType() == Element::ELEMENT_UNDEFINED;
 }
@@ -199,6 +202,11 @@ bool ErrorCorrector::correctElement(Element* element, Node** next) {
   }
   if ((element->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) && element->getParentNode()) {
     if (element->getName() == "TR") endAdaptedRow(element);
+    // A host may have put something into it.
+    if (element->hasChildNodes()) {
+      containment_.forget(element);
+      insertBehind(element->getParentNode(), element->removeChildren(nullptr, nullptr), element);
+    }
     *next = follow(NodeAccess::nextSkippingChildren(element, root_));
     drop(element);
     ++count_;
@@ -257,7 +265,7 @@ Node* ErrorCorrector::relocate(Node* node) {
   bool restarted = true;
   while (restarted) {
     restarted = false;
-    const bool crossing = crossesTable(node);
+    const bool crossing = crossesTable(node->getParentNode(), node);
     const Node* goal = nullptr;
     // What is left of the node, or right of it, holds something; then all that is around that does.
     bool leftFilled = false;
@@ -271,11 +279,11 @@ Node* ErrorCorrector::relocate(Node* node) {
         if (Node* adapted = adaptNode(node)) return adapted;
       }
       // Nothing moves unless some place above will do.
-      if (!goal || goal == q) goal = legalPlaceFrom(q->getParentNode(), node, crossing);
+      if (!goal || goal == q) goal = legalPlaceAbove(q, node, crossing);
       if (!goal) return nullptr;
       barredAt_ = nullptr;
       // c. What is no part of a table leaves it to stand before it.
-      if ((groupOf(q) & GROUP_TABLE) && !(groupOf(node) & GROUP_TABLE) && leaveTable(node, q)) {
+      if (leavesTable(node, q) && leaveTable(node, q)) {
         restarted = true;
         break;
       }
@@ -332,7 +340,9 @@ std::pair<Element*, Element*> ErrorCorrector::splitAround(Node* node, Element* q
     insertBefore(g, copy, q);
     insertBefore(g, node, q);
     insertLast(copy, q->removeChildren(nullptr, earlier));
-    // What takes in the next misplaced node is the part before this one.
+    // The part before the node is what the walk has seen, and what takes in the next misplaced node.
+    NodeAccess::addError(copy, q->getError() & kPlacing);
+    q->resetError(kPlacing);
     NodeAccess::addFlags(copy, NodeAccess::flags(q) & Node::UPDATE_ADAPTED);
     q->resetUpdateFlag(Node::UPDATE_ADAPTED);
     return {copy, q};
@@ -343,38 +353,50 @@ std::pair<Element*, Element*> ErrorCorrector::splitAround(Node* node, Element* q
   return {q, copy};
 }
 
-// Whether a part of a table would have to pass something that is no table structure on its way up to its table.
-bool ErrorCorrector::crossesTable(Node* node) {
+// Whether a part of a table would have to pass something that is no table structure on its way from `from` up to its
+// table.
+bool ErrorCorrector::crossesTable(Node* from, Node* node) {
   if (!(groupOf(node) & GROUP_TABLE_PART)) return false;
   bool passed = false;
-  for (Node* n = node->getParentNode(); n && spend(1); n = n->getParentNode()) {
+  for (Node* n = from; n && spend(1); n = n->getParentNode()) {
     if (idOf(n) == ID_TABLE || containment_.canContain(n, node)) return passed;
     if (!(groupOf(n) & GROUP_TABLE) && idOf(n) != ID_CAPTION) passed = true;
   }
   return false;
 }
 
-// The first level from `from` up at which climbing would end, null if there is none. Moves nothing.
-Node* ErrorCorrector::legalPlaceFrom(Node* from, Node* node, bool crossing) {
+// The first level above `q` at which climbing would end, null if there is none. Moves nothing.
+Node* ErrorCorrector::legalPlaceAbove(Node* q, Node* node, bool crossing) {
   const void* kind = asElement(node) ? static_cast<const void*>(asElement(node)->getElementDefinition()) : this;
-  for (Node* n = from; n; n = n->getParentNode()) {
-    if (n == barredAt_ && kind == barredKind_) break;
+  const bool crossingAtStart = crossing;
+  for (Node* n = q; n;) {
+    if (n == barredAt_ && kind == barredKind_ && (crossing || !barredCrossing_)) break;
     if (!spend(1)) return nullptr;
+    Node* table = leavesTable(node, n) ? tableToLeave(n) : nullptr;
+    n = (table ? table : n)->getParentNode();
+    // What it crossed inside the table counts no more.
+    if (table) crossing = crossesTable(n, node);
+    if (!n) break;
     if (containment_.canContain(n, node)) return n;
-    if (crossing || !asElement(n)) continue;
-    if (plan(n, node, nullptr).way != Plan::NONE) return n;
+    if (!crossing && asElement(n) && plan(n, node, nullptr).way != Plan::NONE) return n;
   }
-  barredAt_ = from;
+  barredAt_ = q;
   barredKind_ = kind;
+  barredCrossing_ = crossingAtStart;
   return nullptr;
 }
 
 // --- tables ----------------------------------------------------------------------------------------------------------
 
-Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
+Node* ErrorCorrector::tableToLeave(Node* from) {
   Node* table = from;
   while (table && idOf(table) != ID_TABLE) table = table->getParentNode();
-  if (!table || !table->getParentNode()) return nullptr;
+  return table && table->getParentNode() ? table : nullptr;
+}
+
+Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
+  Node* table = tableToLeave(from);
+  if (!table) return nullptr;
   strip(node, from);
   noteResume(node);
   take(node);

@@ -57,8 +57,9 @@ class ErrorCorrector {
   void repairTags(Element* element);
   void endAdaptedRow(Element* strayEnd);
   Node* relocate(Node* node);
-  bool crossesTable(Node* node);
-  Node* legalPlaceFrom(Node* from, Node* node, bool crossing);
+  bool crossesTable(Node* from, Node* node);
+  Node* legalPlaceAbove(Node* q, Node* node, bool crossing);
+  static Node* tableToLeave(Node* from);
   Node* leaveTable(Node* node, Node* from);
   void strip(Node* node, Node* parent);
   bool spread(Element* parent, Element* node);
@@ -81,6 +82,7 @@ class ErrorCorrector {
   // A search above this node for a place for such a node failed, and nothing has moved since.
   const Node* barredAt_ = nullptr;
   const void* barredKind_ = nullptr;
+  bool barredCrossing_ = false;
   // The walk. The nodes of detours are landmarks: they are exchanged for others before they die.
   std::vector<Detour> detours_;
   std::unordered_multiset<const Node*> landmarks_;

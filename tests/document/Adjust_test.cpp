@@ -118,6 +118,14 @@ TEST_F(AdjustTest, RepeatedSkeletonElementsBecomeOne) {
   EXPECT_EQ(find("BODY", 1), nullptr);
 }
 
+// Text that only formats the source is no place for text of the page.
+TEST_F(AdjustTest, MergedElementsKeepTheTextOfBoth) {
+  load("<HTML><BODY><P>a</P>\r\n</BODY></HTML>");
+  find("HTML")->insertLast(newElement("BODY", "b"));
+  adjust(nullptr, true);
+  EXPECT_EQ(dumpTree(find("BODY"), kDumpPlain), "BODY(P(\"a\") \"b\")");
+}
+
 // What moved counts as added, and is laid out.
 TEST_F(AdjustTest, MergingKeepsWhatStandsBetweenTheElements) {
   EXPECT_EQ(adjusted("<BODY><TABLE><TBODY><TR><TD>a</TBODY><!-- c --><TBODY><TR><TD>b</TBODY></TABLE></BODY>"),

@@ -57,6 +57,8 @@ TEST_F(CorrectTest, EachRuleOfRepair) {
        "4: TABLE(TBODY(TR(TD(\"a\") TD(\"b\"))))"},
       {"in a body it does", "<TABLE><TBODY><TD>a</TD></TR><TD>b</TD></TBODY></TABLE>",
        "3: TABLE(TBODY(TR(TD(\"a\")) TR(TD(\"b\"))))"},
+      {"one that crossed other markup leaves its table first", "<TABLE><CAPTION><B><TD>t</B></TABLE>",
+       "2: TABLE(TBODY(TR(TD(\"t\")))) TABLE(CAPTION)"},
       {"an item gets a list", "<BODY><LI>a</LI><LI>b</LI>", "2: UL(LI(\"a\") LI(\"b\"))"},
       {"a term gets a definition list", "<BODY><DT>a", "1: DL(DT(\"a\"))"},
       {"an option gets a SELECT", "<BODY><OPTION>a", "1: SELECT(OPTION(\"a\"))"},
@@ -145,6 +147,13 @@ TEST_F(CorrectTest, ThePartMayVanishInItsRepair) {
     doc_->correctError(find(c.top));
     EXPECT_EQ(dumpTree(find("BODY"), kDumpErrors), c.body) << c.rule;
   }
+}
+
+TEST_F(CorrectTest, WhatAHostPutIntoAStrayEndTagStays) {
+  load("a</I>b");
+  find("I")->insertLast(doc_->createTextNode("x"));
+  EXPECT_EQ(doc_->correctError(nullptr), 1);
+  EXPECT_EQ(dumpTree(find("BODY")), "BODY(\"a\" \"x\" \"b\")");
 }
 
 TEST_F(CorrectTest, TakesNoRecordAndLeavesRecordingOn) {
