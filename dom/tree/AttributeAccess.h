@@ -7,10 +7,8 @@ namespace zeldom40 {
 
 struct AttributeAccess {
   static void setOwner(Attribute* a, Element* owner) { a->owner_ = owner; }
-  static Element* owner(const Attribute* a) { return a->owner_; }
-  // The quote to write with; 0 in the stored form means that the value never asked for one.
+  // The quote to write with.
   static char quote(const Attribute* a) { return a->getQuote(); }
-  static char storedQuote(const Attribute* a) { return a->quote_; }
   static void setDefinition(Attribute* a, const AttributeDefinition* definition) { a->definition_ = definition; }
   static void setError(Attribute* a, unsigned long bits) { a->error_ |= static_cast<std::uint32_t>(bits); }
   static void resetError(Attribute* a, unsigned long bits) { a->error_ &= ~static_cast<std::uint32_t>(bits); }

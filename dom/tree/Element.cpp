@@ -270,7 +270,8 @@ int Element::setAttribute(const std::string& name, const std::string& value, boo
   }
   if (!definition_) return -1;
   upperCase(storedName);
-  return definition_->checkAttributeValidity(storedName.c_str(), value.c_str(), nullptr) ? 0 : -1;
+  // `value` may be that of the attribute that was replaced.
+  return definition_->checkAttributeValidity(storedName.c_str(), attribute->getValue().c_str(), nullptr) ? 0 : -1;
 }
 
 void Element::deleteAttribute(const char* name) {

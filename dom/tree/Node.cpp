@@ -230,16 +230,11 @@ Node* Node::cloneSelf() const { return new Node(*this); }
 
 void NodeAccess::adoptClone(Node* parent, Node* child) {
   assert(!parent->listIsTruth_);
-  if (Node* left = parent->lastChild_) {
-    left->next_ = child;
-    child->prev_ = left;
-    addFlags(left, Node::UPDATE_SIBLING_CHANGED);
+  if (parent->lastChild_) {
+    addFlags(parent->lastChild_, Node::UPDATE_SIBLING_CHANGED);
     addFlags(child, Node::UPDATE_SIBLING_CHANGED);
-  } else {
-    parent->firstChild_ = child;
   }
-  parent->lastChild_ = child;
-  child->parent_ = parent;
+  attachRestored(parent, child);
   addFlags(child, Node::UPDATE_ADDED);
   addFlags(parent, Node::UPDATE_CHILD_MODIFIED);
 }
@@ -478,16 +473,11 @@ void NodeAccess::append(Node* parent, Node* child) {
     insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, OF_ONE);
     return;
   }
-  if (Node* left = parent->lastChild_) {
-    left->next_ = child;
-    child->prev_ = left;
-    addFlags(left, Node::UPDATE_SIBLING_CHANGED);
+  if (parent->lastChild_) {
+    addFlags(parent->lastChild_, Node::UPDATE_SIBLING_CHANGED);
     addFlags(child, Node::UPDATE_SIBLING_CHANGED);
-  } else {
-    parent->firstChild_ = child;
   }
-  parent->lastChild_ = child;
-  child->parent_ = parent;
+  attachRestored(parent, child);
   if (parent->children_) parent->children_->list.push_back(child);
   if (parent->updateFlags_ & Node::UPDATE_ADDED) {
     child->noteUpdate(Node::UPDATE_ADDED);

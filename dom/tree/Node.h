@@ -112,6 +112,7 @@ class ZELDOM40_API Node {
   // `blocking`, if given, receives the model entry that matched or null; `path`, if given, is appended the way to it.
   // The base answers false.
   virtual bool canContain(Node* child, Node** blocking, std::vector<Node*>* path);
+  // Whether an element may go without its end tag, and whether it never has content. The base answers true.
   virtual bool isEndOmittable() const;
   virtual bool isEmptyTag() const;
   // Adds `bits` to the error word. A severe bit gives the document the whole ERR_DOC_SEVERE_PARSE_ERROR mask.
@@ -124,6 +125,7 @@ class ZELDOM40_API Node {
   // A copy with count 0 in no tree, with copies of all descendants if `deep`. The caller gives it its references.
   virtual Node* makeClone(bool deep) const;
 
+  // The document that the node was made for, in its tree or not; null for the objects of a DTD. Not owned.
   Document* getDocument() const { return document_; }
   void setDocument(Document* document) { document_ = document; }
   unsigned long getError() const { return error_; }
@@ -170,6 +172,7 @@ class ZELDOM40_API Node {
   Node* getChildNode(int index);
   void clearError() { error_ = 0; }
   void resetError(unsigned long bits) { error_ &= ~static_cast<std::uint32_t>(bits); }
+  // Two marks for a host's layout, which clones carry on.
   void setViewable(bool on) { setViewBit(kViewable, on); }
   bool isViewable() { return (viewFlags_ & kViewable) != 0; }
   void setAbsolute(bool on) { setViewBit(kAbsolute, on); }

@@ -58,6 +58,7 @@ TEST_F(ElementTest, EditedTagsAloneAreWrittenAnew) {
       // Server tags in their own forms.
       {"<%@page import=\"a\"%>", "JSP:DIRECTIVE.PAGE", kDirty, "<%@ page import=\"a\" %>"},
       {"<%@ foo a='b'%>", "JSP:DIRECTIVE", kDirty, "<%@ foo a=\"b\" %>"},
+      {"<jsp:directive.page import='a'/>", "JSP:DIRECTIVE.PAGE", kDirty, "<jsp:directive.page import=\"a\" />"},
       {"<!--#include file=a-->", "SSI:INCLUDE", kDirty, "<!--#include file=\"a\" -->"},
       {"<% a %>", "JSP:SCRIPTLET", kDirty, "<% a %>"},
       {"<%=a%>", "JSP:EXPRESSION", attribute("x", "y"), "<%=a%>"},
@@ -154,6 +155,8 @@ TEST_F(ElementTest, SettingAnAttribute) {
     EXPECT_EQ(a->getType() == Attribute::ATTRIBUTE_DECLARED, a->getAttributeDefinition() != nullptr);
     EXPECT_STREQ(e->getAttributeValue(c.stored), "left");
     EXPECT_EQ(e->getAttributeValue("aLIGN"), nullptr);
+    EXPECT_EQ(e->setAttribute(c.name, a->getValue(), true), c.result);
+    EXPECT_STREQ(e->getAttributeValue(c.stored), "left");
     if (e->getElementID() == ID_P) {
       load(source(e));
       EXPECT_EQ(find("P")->getError(), c.error);

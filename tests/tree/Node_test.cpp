@@ -340,6 +340,13 @@ TEST_F(NodeTest, ChangesRiseToTheRoot) {
          b->insertLast(x);
        },
        "A^1(B^1(C D^400 X^410) E)"},
+      {"a child is added to a node that is new itself",
+       [](NodeTest*, Node* b, Node*) {
+         b->setUpdateFlag(Node::UPDATE_ADDED);
+         b->getParentNode()->resetUpdateFlag(~0ul);
+         b->insertLast(new Element("X", nullptr));
+       },
+       "A(B^10(C^10 D^410 X^418) E)"},
       {"a subtree is added whole",
        [](NodeTest*, Node* b, Node*) {
          auto* x = new Element("X", nullptr);
