@@ -1,4 +1,6 @@
 // adjustNodes: closes an edit of the host.
+#include <cassert>
+
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
 #include "dom/document/NodeLayout.h"
@@ -49,11 +51,9 @@ class EditCloser {
       return;
     }
     if (group & GROUP_SKELETON) {
-      if (Element* earlier = earlierOfID(element)) {
-        walk_.toSibling(earlier);
-        mergeElements(document_, earlier, element);
-        changed_ = true;
-        walk_.next(!full_, false);
+      if (Element* first = firstOfID(element)) {
+        walk_.toSibling(first);
+        mergeLater(first);
         return;
       }
       mergeLater(element);
@@ -83,6 +83,7 @@ class EditCloser {
   // elements: starting again at the parent each time would make the row cost its square.
   void removeKeepingContent(Element* element) {
     Node* parent = element->getParentNode();
+    assert(parent);
     walk_.toParent(parent);
     if (formattedParent_ != parent) {
       formattedParent_ = parent;
@@ -90,8 +91,15 @@ class EditCloser {
     }
     changed_ = true;
     const bool isText = zeldom40::removeKeepingContent(document_, element, walk_);
-    if (isText && (full_ || walk_.current()->getUpdateFlag())) return;
-    walk_.next(!full_, /*skipChildren=*/walk_.current() != parent);
+    if (walk_.current() == parent) {
+      walk_.next(!full_, /*skipChildren=*/false);
+      return;
+    }
+    // What the walk has passed for want of changes has a new neighbour now. Where something below changed the walk has
+    // been already.
+    const unsigned long flags = walk_.current()->getUpdateFlag();
+    const bool again = full_ ? isText : flags && (isText || !(flags & Node::UPDATE_CHILD_MODIFIED));
+    if (!again) walk_.next(!full_, /*skipChildren=*/true);
   }
 
   void format(Node* n) {
@@ -109,12 +117,15 @@ class EditCloser {
     }
   }
 
-  static Element* earlierOfID(Element* element) {
+  // The first of the earlier siblings that are of the element's kind. All of them become one; to join each with the
+  // one before it would move what the last ones hold once for each.
+  static Element* firstOfID(Element* element) {
+    Element* first = nullptr;
     for (Node* n = NodeAccess::childBefore(element); n; n = NodeAccess::childBefore(n)) {
       Element* other = asElement(n);
-      if (other && other->getElementID() == element->getElementID()) return other;
+      if (other && other->getElementID() == element->getElementID()) first = other;
     }
-    return nullptr;
+    return first;
   }
 
   Document& document_;

@@ -116,6 +116,11 @@ TEST_F(AdjustTest, RepeatedSkeletonElementsBecomeOne) {
   EXPECT_EQ(dumpTree(find("HTML"), kDumpAttributes),
             "HTML(BODY[BGCOLOR=red TEXT=blue](\"ab\\r\\n\" P(\"c\") ~\"\\r\\n\"))");
   EXPECT_EQ(find("BODY", 1), nullptr);
+  // Those before the changed one take part though nothing in them changed.
+  load("<BODY>a</BODY>b<BODY>c</BODY>d");
+  text(3)->setData("e", true);
+  EXPECT_TRUE(adjust());
+  EXPECT_EQ(source(), "<BODY>abce</BODY>");
 }
 
 // Text that only formats the source is no place for text of the page.
