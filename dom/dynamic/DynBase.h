@@ -86,7 +86,9 @@ class DynContainer : public DynBase {
   void clearScopes();
   // Of the inner loop, if there are two.
   const LoopScope& scope() const { return scope_; }
-  std::string resolve(const std::string& path) const { return scope_.resolve(path); }
+  // The loops that a walk enters with the element, and leaves.
+  void enterLoops(OpenLoops& loops);
+  void leaveLoops(OpenLoops& loops);
 
  protected:
   // Where the second loop is kept; null for a class that has only one.

@@ -198,6 +198,16 @@ void DynContainer::clearScopes() {
   if (outerScope()) outerScope()->clear();
 }
 
+void DynContainer::enterLoops(OpenLoops& loops) {
+  if (outerScope()) loops.enter(*outerScope());
+  loops.enter(scope_);
+}
+
+void DynContainer::leaveLoops(OpenLoops& loops) {
+  loops.leave(scope_);
+  if (outerScope()) loops.leave(*outerScope());
+}
+
 // --- elements without loops ------------------------------------------------------------------------------------------
 
 void DynAnchor::collectProperties(const Element* element, std::set<std::string>& used) const {

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "dom/dynamic/DynElements.h"
 #include "dom/dynamic/JavaTypes.h"
+#include "dom/dynamic/LoopScope.h"
 #include "dom/dynamic/QueryParameter.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/Element.h"
@@ -53,7 +53,7 @@ void Plan::beginTag(Element* element, AttributeMap attributes) {
 Base::~Base() = default;
 
 std::string Base::resolve(const std::string& path) const {
-  return place_.enclosing && !path.empty() ? place_.enclosing->resolve(path) : path;
+  return place_.around ? place_.loops.resolve(path, place_.around->level()) : path;
 }
 
 std::string Base::getAttribute(const char* name) const {

@@ -11,9 +11,10 @@
 
 namespace zeldom40 {
 
-class DynContainer;
 class Element;
 class JavaTypes;
+class LoopScope;
+class OpenLoops;
 
 // Line ends of generated text.
 inline constexpr const char* kLineEnd = "\r\n";
@@ -32,7 +33,8 @@ namespace NDynElement {
 // What a generator is made for.
 struct Place {
   Element* element;
-  const DynContainer* enclosing;  // whose loops hold the properties around; null at the top
+  const OpenLoops& loops;   // that hold the properties around
+  const LoopScope* around;  // the innermost of them; null at the top
   JavaTypes& types;
   AttributeMap attributes;  // of the run-time tag
 };
@@ -91,6 +93,7 @@ class Base {
  protected:
   Element* element() const { return place_.element; }
   const AttributeMap& attributes() const { return place_.attributes; }
+  const OpenLoops& loops() const { return place_.loops; }
   JavaTypes& types() const { return place_.types; }
   std::string beginTag(const AttributeMap& attributes) const { return makeBeginTag(element(), attributes); }
   std::string endTag() const { return makeEndTag(element()); }

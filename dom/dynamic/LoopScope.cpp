@@ -64,24 +64,39 @@ void LoopScope::init(const LoopScope* parent, const std::string& loopProperty, u
   }
 }
 
-std::string LoopScope::resolve(const std::string& path) const {
-  const std::size_t length = arrayPartLength(path);
-  // A path without array belongs to no loop. It must not match the empty loop property of a scope without loop either.
-  if (length == 0) return path;
-  const std::string head = path.substr(0, length);
-  for (const LoopScope* scope = this; scope; scope = scope->parent_) {
-    if (head == scope->loopProperty_) return scope->elementVariable(kMain) + path.substr(length);
-    const auto found = scope->parallelProperties_.find(head);
-    if (found != scope->parallelProperties_.end())
-      return scope->elementVariable(static_cast<int>(found->second)) + path.substr(length);
-  }
-  return path;
-}
-
 std::string LoopScope::variable(char letter, int number) const {
   std::string name = varPrefix_ + '_' + letter + std::to_string(level_);
   if (number != kMain) name += '_' + std::to_string(number);
   return name;
+}
+
+// --- OpenLoops -------------------------------------------------------------------------------------------------------
+
+void OpenLoops::change(const LoopScope& scope, bool enter) {
+  if (!scope.isLoop()) return;
+  const auto changePath = [&](const std::string& path, int number) {
+    std::vector<Variable>& held = variables_[path];
+    if (enter) {
+      held.push_back({scope.level(), scope.elementVariable(number)});
+    } else if (!held.empty()) {
+      held.pop_back();
+    }
+    if (held.empty()) variables_.erase(path);
+  };
+  for (const auto& [path, number] : scope.parallelProperties()) changePath(path, static_cast<int>(number));
+  changePath(scope.loopProperty(), LoopScope::kMain);
+}
+
+std::string OpenLoops::resolve(const std::string& path, unsigned level) const {
+  const std::size_t length = arrayPartLength(path);
+  // A path without array belongs to no loop.
+  if (length == 0 || variables_.empty()) return path;
+  const auto found = variables_.find(path.substr(0, length));
+  if (found == variables_.end()) return path;
+  for (auto held = found->second.rbegin(); held != found->second.rend(); ++held) {
+    if (held->level <= level) return held->name + path.substr(length);
+  }
+  return path;
 }
 
 }  // namespace zeldom40

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace zeldom40 {
 
@@ -44,9 +45,8 @@ class LoopScope {
   // Property paths that advance together with the loop, each with its number; numbers may have gaps.
   const std::map<std::string, unsigned>& parallelProperties() const { return parallelProperties_; }
   const LoopScope* parent() const { return parent_; }
-
-  // The path with its array part replaced by the variable that holds it here or in a scope around.
-  std::string resolve(const std::string& path) const;
+  // The depth among loops, 0 at the outermost one. A loop has a higher level than all around it.
+  unsigned level() const { return level_; }
 
   std::string elementVariable(int number) const { return variable('p', number); }
   std::string arrayVariable(int number) const { return variable('a', number); }
@@ -61,6 +61,26 @@ class LoopScope {
   std::string varPrefix_;
   std::map<std::string, unsigned> parallelProperties_;
   const LoopScope* parent_ = nullptr;
+};
+
+// The loops that a walk stands in, by the paths that their variables hold. An answer costs the length of the path,
+// however many loops there are.
+class OpenLoops {
+ public:
+  void enter(const LoopScope& scope) { change(scope, /*enter=*/true); }
+  void leave(const LoopScope& scope) { change(scope, /*enter=*/false); }
+  // The path with its array part replaced by the variable of the innermost loop up to `level` that holds it; the path
+  // itself if there is none.
+  std::string resolve(const std::string& path, unsigned level) const;
+
+ private:
+  struct Variable {
+    unsigned level;
+    std::string name;
+  };
+  void change(const LoopScope& scope, bool enter);
+
+  std::unordered_map<std::string, std::vector<Variable>> variables_;  // the innermost one last
 };
 
 }  // namespace zeldom40

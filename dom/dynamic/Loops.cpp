@@ -39,10 +39,7 @@ std::string ContainerBase::owner(const std::string& path) const {
   if (dot == std::string::npos) return path.substr(0, path.find_first_of("(["));
   const std::string back = path.substr(dot);
   std::string front = path.substr(0, dot);
-  if (scope_.parent()) {
-    std::string resolved = scope_.parent()->resolve(front);
-    if (!resolved.empty()) front = std::move(resolved);
-  }
+  if (scope_.parent()) front = loops().resolve(front, scope_.parent()->level());
   return front + back.substr(0, back.find_first_of("(["));
 }
 

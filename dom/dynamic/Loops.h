@@ -17,7 +17,7 @@ class ContainerBase : public Base {
   ContainerBase(const Place& place, const LoopScope& scope) : Base(place), scope_(scope) {}
 
   // By its own loop first.
-  std::string resolve(const std::string& path) const override { return scope_.resolve(path); }
+  std::string resolve(const std::string& path) const override { return loops().resolve(path, scope_.level()); }
   // Fetches the first elements.
   void tryHead(std::string& out, RuntimeTextState& state) const;
   // The same fetch for a loop that runs again in a `try` that is open already.

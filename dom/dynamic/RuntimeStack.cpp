@@ -120,6 +120,12 @@ RuntimeStack::RuntimeStack(std::string& out, RuntimeTextState& state, Document* 
 
 RuntimeStack::~RuntimeStack() = default;
 
+void RuntimeStack::enterLoopsAround(const LoopScope& innermost) {
+  std::vector<const LoopScope*> scopes;
+  for (const LoopScope* scope = &innermost; scope; scope = scope->parent()) scopes.push_back(scope);
+  for (auto scope = scopes.rbegin(); scope != scopes.rend(); ++scope) loops_.enter(**scope);
+}
+
 // --- from outside ----------------------------------------------------------------------------------------------------
 
 // What the element stands in, found by climbing once. The loops that it stands in are prepared from the outermost on.
@@ -139,6 +145,7 @@ RuntimeStack::Around RuntimeStack::aroundOf(Element* element) {
     if (!preparation_.isPrepared(container)) preparation_.leaveOut(container);
     if (!isAbsent(container)) around.container = container;
   }
+  if (around.container) enterLoopsAround(around.container->scope());
   return around;
 }
 
@@ -153,6 +160,7 @@ void RuntimeStack::writeChildren(Element* element) {
     if (!around.container) preparation_.prepare(element->getMetaData());
     if (!preparation_.isPrepared(container)) preparation_.leaveOut(container);
     around.container = containerOf(element);
+    around.container->enterLoops(loops_);
   }
   pushChildren(element, around, /*withEndTag=*/false);
   run();
@@ -237,10 +245,14 @@ void RuntimeStack::pushGeneration(MetaData* metaData, const Around& around, bool
   generation->data.reset(static_cast<DynBase*>(DynamicDataFactory::copy(data)));
   generation->around = generation->inside = around;
   generation->inside.stale = around.stale || hasStaleData(element);
-  if (DynContainer* container = data->asContainer()) generation->inside.container = container;
+  if (DynContainer* container = data->asContainer()) {
+    generation->inside.container = container;
+    container->enterLoops(loops_);
+  }
   generation->isNested = isNested;
   generation->start = out_.size();
-  generation->generator = data->makeGenerator({element, around.container, types_, attributeMap(element)});
+  generation->generator = data->makeGenerator(
+      {element, loops_, around.container ? &around.container->scope() : nullptr, types_, attributeMap(element)});
   if (generation->generator) generation->generator->plan(generation->plan);
   frames_.emplace_back().generation = std::move(generation);
 }
@@ -250,6 +262,7 @@ void RuntimeStack::stepGeneration(Generation& generation) {
     if (generation.isNested) {
       MetaDataAccess::finishRuntimeText(*generation.metaData, out_, generation.start, state_, /*dryRun=*/false);
     }
+    if (DynContainer* container = generation.data->asContainer()) container->leaveLoops(loops_);
     frames_.pop_back();
     return;
   }

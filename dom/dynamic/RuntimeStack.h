@@ -39,6 +39,7 @@ class RuntimeStack {
   struct Frame;
 
   Around aroundOf(Element* element);
+  void enterLoopsAround(const LoopScope& innermost);
   void visitElement(Element* element, bool ignoreMetaData, const Around& around);
   void pushChildren(Element* element, const Around& around, bool withEndTag);
   void pushGeneration(MetaData* metaData, const Around& around, bool isNested);
@@ -50,6 +51,7 @@ class RuntimeStack {
   RuntimeTextState& state_;
   JavaTypes types_;
   Preparation preparation_;
+  OpenLoops loops_;
   std::vector<Frame> frames_;
 };
 
