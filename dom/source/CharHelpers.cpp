@@ -47,9 +47,7 @@ size_t unitLength(std::string_view s, size_t i) {
 }
 
 void upperCase(std::string& s) {
-  for (char& c : s) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
+  for (char& c : s) c = upperByte(c);
 }
 
 void lowerCase(std::string& s) {

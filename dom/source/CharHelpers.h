@@ -61,6 +61,18 @@ constexpr bool isCrLf(std::string_view s, size_t i) {
   return i < s.size() && s.size() - i > 1 && s[i] == '\r' && s[i + 1] == '\n';
 }
 
+// `a` to `z` raised, any other byte as it is.
+constexpr char upperByte(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+// Whether `s` with its letters raised is `upper`.
+constexpr bool equalsFolded(std::string_view s, std::string_view upper) {
+  if (s.size() != upper.size()) return false;
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (upperByte(s[i]) != upper[i]) return false;
+  }
+  return true;
+}
+
 // Raise `a` to `z`, or lower `A` to `Z`, in place; no other byte changes, whatever the locale says.
 void upperCase(std::string& s);
 void lowerCase(std::string& s);

@@ -62,11 +62,12 @@ void scanTag(std::string_view tag, std::vector<AttributePlace>& places) {
   const bool directive = tag.substr(0, 2) == "<%" || tag.substr(0, 4) == "<!--";
   std::size_t i = 1;
   if (directive) {
-    const char closer = tag[1] == '%' ? '%' : '-';
-    while (limit > 0 && tag[limit - 1] == closer) --limit;
-    i = tag[1] == '%' ? 3 : 5;
-    while (i < limit && isBlankByte(tag[i])) ++i;
-    while (i < limit && !isBlankByte(tag[i])) ++i;
+    const bool server = tag[1] == '%';
+    if (server && tag[limit - 1] == '%') --limit;
+    while (!server && tag[limit - 1] == '-') --limit;
+    // The word that names the directive is no attribute, but in one of no known name the first word may be. A name
+    // that stands twice counts where it stands last, so that word may go in with the others.
+    i = server ? 3 : 4;
     ScannedAttribute found;
     while (scanAttribute(tag, limit, i, found)) {
       const auto begin = static_cast<std::size_t>(found.name.data() - tag.data());
@@ -106,10 +107,9 @@ void scanTag(std::string_view tag, std::vector<AttributePlace>& places) {
 }
 
 int compareFolded(std::string_view a, std::string_view b) {
-  const auto fold = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; };
   const std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
-    if (fold(a[i]) != fold(b[i])) return fold(a[i]) < fold(b[i]) ? -1 : 1;
+    if (upperByte(a[i]) != upperByte(b[i])) return upperByte(a[i]) < upperByte(b[i]) ? -1 : 1;
   }
   return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }

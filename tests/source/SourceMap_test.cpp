@@ -41,6 +41,7 @@ TEST_F(SourceMapTest, TagsAndAttributesAreWhereTheyStand) {
       {"<P title='<%= a(1) %>' id=b>", "P", "<P title='<%= a(1) %>' id=b>", "", "ID", "id", "b"},
       {"<!--#include file=\"a\" FILE=\"b\"-->", "SSI:INCLUDE", "<!--#include file=\"a\" FILE=\"b\"-->", "", "FILE",
        "FILE", "b"},
+      {"<%@ a=b%%>", "JSP:DIRECTIVE", "<%@ a=b%%>", "", "a", "a", "b%"},
       {"<%@ page import='a' %>", "JSP:DIRECTIVE.PAGE", "<%@ page import='a' %>", "", "IMPORT", "import", "a"},
   };
   for (const bool askedBefore : {false, true}) {
