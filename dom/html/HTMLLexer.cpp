@@ -56,13 +56,7 @@ std::string_view HTMLLexer::slice(std::uint32_t start, std::uint32_t end) const 
 }
 
 bool HTMLLexer::matchAt(std::string_view word) {
-  if (text_.size() - std::min<std::size_t>(position_, text_.size()) < word.size()) return false;
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    char c = text_[position_ + i];
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    if (c != word[i]) return false;
-  }
-  return true;
+  return equalsFolded(text_.substr(std::min<std::size_t>(position_, text_.size()), word.size()), word);
 }
 
 char HTMLLexer::nextChar(bool consume) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "dom/dtd/Parser.h"
 #include "dom/dtd/ParserType.h"
@@ -13,6 +14,13 @@ namespace zeldom40 {
 class Document;
 class Node;
 class PageParser;
+
+// What a second parser works on: the tables of a document type and the open nodes of another parser, the last one being
+// filled. All is borrowed and must outlive the second parser, which leaves no node open.
+struct ParserType::_html_parser_frame {
+  _dtd_frame* dtdFrame;
+  std::vector<Node*>* openNodes;
+};
 
 // Accepts every input: bad structure is kept in the tree and marked with ERR_* bits, and each tag and text keeps its
 // raw source. Hosts use Document::createNodes, which drives it.
@@ -32,6 +40,8 @@ class ZELDOM40_API HTMLParser : public Parser {
   void setLenient(bool lenient);
   // Opens a node to be filled; the first one is the target of the parse.
   void pushNode(Node* node);
+  // Closes the node that was opened last, with no mark on it; nothing if none is open.
+  void popNode();
 
  private:
   std::unique_ptr<PageParser> page_;

@@ -11,20 +11,10 @@ namespace zeldom40 {
 
 namespace {
 
-constexpr char fold(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 std::uint32_t hashFolded(std::string_view text) {
   std::uint32_t hash = 2166136261u;
-  for (char c : text) hash = (hash ^ static_cast<unsigned char>(fold(c))) * 16777619u;
+  for (char c : text) hash = (hash ^ static_cast<unsigned char>(upperByte(c))) * 16777619u;
   return hash ^ (hash >> 15);
-}
-
-bool equalsFolded(std::string_view asWritten, std::string_view upper) {
-  if (asWritten.size() != upper.size()) return false;
-  for (std::size_t i = 0; i < upper.size(); ++i) {
-    if (fold(asWritten[i]) != upper[i]) return false;
-  }
-  return true;
 }
 
 }  // namespace

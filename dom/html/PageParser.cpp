@@ -3,7 +3,6 @@
 
 #include "dom/document/DOMAccess.h"
 #include "dom/document/Document.h"
-#include "dom/html/HTMLParser.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
@@ -39,6 +38,10 @@ void HTMLParser::pushNode(Node* node) {
   if (page_ && node) page_->pushNode(node);
 }
 
+void HTMLParser::popNode() {
+  if (page_) page_->popNode();
+}
+
 // --- main loop -------------------------------------------------------------------------------------------------------
 
 PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vector<Node*>* sharedStack,
@@ -58,6 +61,10 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
 }
 
 void PageParser::pushNode(Node* node) { push(node, nameOf(node)); }
+
+void PageParser::popNode() {
+  if (!nodes_->empty()) pop();
+}
 
 int PageParser::parse(Token stop) {
   if (nodes_->empty()) return -1;

@@ -9,6 +9,7 @@
 
 #include "dom/dtd/DTDFrame.h"
 #include "dom/html/HTMLLexer.h"
+#include "dom/html/HTMLParser.h"
 #include "dom/html/PageNames.h"
 #include "dom/source/PlainText.h"
 #include "dom/tree/AttributeBlock.h"
@@ -20,12 +21,6 @@
 namespace zeldom40 {
 
 class Document;
-
-// The open nodes that a second parser may work on.
-struct ParserType::_html_parser_frame {
-  _dtd_frame* dtdFrame;
-  std::vector<Node*>* openNodes;
-};
 
 // The main loop runs over tokens and hands each "<" to the reader of what stands behind it:
 //   PageParser.cpp    main loop, end of input
@@ -43,6 +38,7 @@ class PageParser {
   int parse(LexerType::LexToken stop);
   void setLenient(bool lenient) { lenient_ = lenient; }
   void pushNode(Node* node);
+  void popNode();
 
  private:
   using Token = LexerType::LexToken;

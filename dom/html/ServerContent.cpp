@@ -10,16 +10,6 @@
 
 namespace zeldom40 {
 
-namespace {
-
-bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
-  return text.size() == lower.size() && std::equal(text.begin(), text.end(), lower.begin(), [](char a, char b) {
-           return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b;
-         });
-}
-
-}  // namespace
-
 void PageParser::readServerTag() {
   const std::uint32_t start = take().start;
   take();
@@ -43,9 +33,9 @@ void PageParser::readServerTag() {
       std::size_t position = attributesFrom;
       ScannedAttribute word;
       if (scanAttribute(text, limit, position, word) && word.value.empty()) {
-        if (equalsIgnoringCase(word.name, "page")) id = ID_JSP_DIRECTIVE_PAGE;
-        if (equalsIgnoringCase(word.name, "include")) id = ID_JSP_DIRECTIVE_INCLUDE;
-        if (equalsIgnoringCase(word.name, "taglib")) id = ID_JSP_DIRECTIVE_TAGLIB;
+        if (equalsFolded(word.name, "PAGE")) id = ID_JSP_DIRECTIVE_PAGE;
+        if (equalsFolded(word.name, "INCLUDE")) id = ID_JSP_DIRECTIVE_INCLUDE;
+        if (equalsFolded(word.name, "TAGLIB")) id = ID_JSP_DIRECTIVE_TAGLIB;
         if (id != ID_JSP_DIRECTIVE) attributesFrom = static_cast<std::uint32_t>(position);
         if (!GetHTML40ElementName(id)) id = ID_JSP_DIRECTIVE;
       }
@@ -110,8 +100,8 @@ void PageParser::readComment(bool server) {
 
   const std::string_view text = body.in(lexer_.page());
   const std::size_t word = server ? std::string_view::npos : text.find_first_not_of('-');
-  constexpr std::string_view kInclude = "#include";
-  if (word != std::string_view::npos && equalsIgnoringCase(text.substr(word, kInclude.size()), kInclude) &&
+  constexpr std::string_view kInclude = "#INCLUDE";
+  if (word != std::string_view::npos && equalsFolded(text.substr(word, kInclude.size()), kInclude) &&
       isWhite(text, word + kInclude.size())) {
     const char* idName = GetHTML40ElementName(ID_SSI_INCLUDE);
     Element* element = createElement(names_.find(idName ? idName : "ssi:include"));

@@ -1,6 +1,4 @@
 // Begin tags, end tags and the bodies that are not parsed.
-#include <algorithm>
-
 #include "dom/document/Document.h"
 #include "dom/dtd/AttributeDefinition.h"
 #include "dom/html/PageParser.h"
@@ -14,12 +12,6 @@ namespace zeldom40 {
 namespace {
 
 constexpr std::size_t kManyAttributes = 8;
-
-bool equalsIgnoringCase(std::string_view text, std::string_view upper) {
-  return text.size() == upper.size() && std::equal(text.begin(), text.end(), upper.begin(), [](char a, char b) {
-           return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b;
-         });
-}
 
 }  // namespace
 
@@ -227,7 +219,7 @@ void PageParser::commitAttribute() {
   if (!attribute_.definition && tagDefinition_ && tagDefinition_->getElementID() != ID_SERVLET) {
     attribute_.error |= static_cast<std::uint32_t>(ERR_ATTR_INVALID_NAME);
     attributeError_ = true;
-  } else if (name == "TYPE" && equalsIgnoringCase(attribute_.value.in(lexer_.page()), "HIDDEN")) {
+  } else if (name == "TYPE" && equalsFolded(attribute_.value.in(lexer_.page()), "HIDDEN")) {
     hiddenInput_ = true;
   }
   attributes_.push_back(attribute_);
@@ -250,8 +242,7 @@ void PageParser::readCDATAContent(const PageName& name, std::uint32_t start) {
       break;
     }
     if (peek() == LexerType::LEX_TAG_OPEN && peek(1) == LexerType::LEX_SLASH && peek(2) == LexerType::LEX_NAME &&
-        equalsIgnoringCase(lexer_.slice(lexer_.peekToken(2)), name.name.view()) &&
-        peek(3) == LexerType::LEX_TAG_CLOSE) {
+        equalsFolded(lexer_.slice(lexer_.peekToken(2)), name.name.view()) && peek(3) == LexerType::LEX_TAG_CLOSE) {
       end = lexer_.peekToken(0).start;
       break;
     }

@@ -1,7 +1,4 @@
 // What stands around the reading of a page: targets, counts, sorting out afterwards, and writing.
-#include "dom/dtd/ParserType.h"
-#include "dom/html/HTMLParser.h"
-#include "dom/html/PageParser.h"
 #include "tests/html/HtmlTest.h"
 
 namespace zeldom40 {
@@ -47,6 +44,9 @@ TEST_F(ParseDriver, ParsersShareOpenNodes) {
   HTMLParser none;
   EXPECT_EQ(none.parse(LexerType::LEX_EOF), -1);
   HTMLParser empty("a", 1, frame(), doc_);
+  empty.pushNode(doc_);
+  empty.popNode();
+  empty.popNode();
   EXPECT_EQ(empty.parse(LexerType::LEX_EOF), -1);
 
   load("<P></P>");
