@@ -148,6 +148,7 @@ class Normalizer {
       // elements cost its square.
       walk_.toParent(parent);
       const bool sameText = removeKeepingContent(document_, element, walk_);
+      if (sameText && walk_.current() == lastText_) column_ = columnBefore_;
       if (!sameText) walk_.next(false, /*skipChildren=*/walk_.current() != parent);
     }
     changed_ = true;
@@ -211,6 +212,8 @@ class Normalizer {
 
   void visitPreformatted(Text* text) {
     std::string_view data = text->getData();
+    lastText_ = text;
+    columnBefore_ = column_;
     bool shortened = false;
     if (text->getParentNode() == pre_) {
       if (!NodeAccess::childBefore(text) && isCrLf(data, 0)) {
@@ -251,6 +254,9 @@ class Normalizer {
   Node* pre_ = nullptr;
   int preformattedAround_ = 0;
   int column_ = 0;
+  // A text that grew is counted again from where it began.
+  const Node* lastText_ = nullptr;
+  int columnBefore_ = 0;
 };
 
 }  // namespace

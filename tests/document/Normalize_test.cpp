@@ -80,6 +80,12 @@ TEST_F(NormalizeTest, MergedElementsCarryTheirMarks) {
             "TABLE(TBODY[ALIGN=left]!4(TR(TD(\"a\")) TR(TD(\"b\"))))");
 }
 
+TEST_F(NormalizeTest, ColumnsRunOnWhereARepairJoinsTexts) {
+  load("<PRE>ab<SPAN>c</SPAN>\td</PRE></I>");
+  doc_->correctError(nullptr);
+  EXPECT_EQ(dumpTree(find("PRE"), kDumpPlain), "PRE(\"abc     d\")");
+}
+
 TEST_F(NormalizeTest, AFragmentHasItsOwnFront) {
   Element* holder = doc_->createTemporaryElement();
   const std::string_view text = "<P>a \r\n<P>b";
