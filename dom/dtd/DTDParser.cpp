@@ -428,6 +428,17 @@ bool DTDParser::parseContent(Content& content) {
   State state = OUTSIDE;
   ModelGroup* current = content.model;
   std::vector<std::pair<State, ModelGroup*>> outer;
+  // The first connector of a group is that of all its items.
+  const auto takeConnector = [&](State following, Connector connector) {
+    if (state == GROUP) {
+      current->connector = connector;
+      state = following;
+    } else if (state != following) {
+      return false;
+    }
+    advance();
+    return true;
+  };
   while (true) {
     const LexerType::LexToken kind = peekKind();
     switch (kind) {
@@ -483,31 +494,13 @@ bool DTDParser::parseContent(Content& content) {
         current = content.renew(kind == LexerType::LEX_PLUS ? content.inclusions : content.exclusions);
         continue;
       case LexerType::LEX_BAR:
-        if (state == GROUP) {
-          current->connector = Connector::kOr;
-          state = OR;
-        } else if (state != OR) {
-          return true;
-        }
-        advance();
+        if (!takeConnector(OR, Connector::kOr)) return true;
         continue;
       case LexerType::LEX_COMMA:
-        if (state == GROUP) {
-          current->connector = Connector::kSequence;
-          state = SEQUENCE;
-        } else if (state != SEQUENCE) {
-          return true;
-        }
-        advance();
+        if (!takeConnector(SEQUENCE, Connector::kSequence)) return true;
         continue;
       case LexerType::LEX_AMPERSAND:
-        if (state == GROUP) {
-          current->connector = Connector::kAll;
-          state = ALL;
-        } else if (state != ALL) {
-          return true;
-        }
-        advance();
+        if (!takeConnector(ALL, Connector::kAll)) return true;
         continue;
       default:
         return true;

@@ -6,6 +6,7 @@
 
 #include "dom/document/DOM.h"
 #include "dom/dtd/CatalogueTables.h"
+#include "dom/source/CharHelpers.h"
 #include "dom/tree/Element.h"
 
 namespace zeldom40 {
@@ -198,16 +199,6 @@ constexpr std::array<std::int16_t, kSlots> makeSlots() {
 }
 constexpr std::array<std::int16_t, kSlots> kPlainNames = makeSlots();
 
-constexpr char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-constexpr bool equalInAnyCase(std::string_view name, std::string_view upperName) {
-  if (name.size() != upperName.size()) return false;
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    if (upper(name[i]) != upperName[i]) return false;
-  }
-  return true;
-}
-
 constexpr std::string_view kJspPrefix = "jsp:";
 constexpr std::string_view kQdxPrefix = "qdx:";
 constexpr std::string_view kZelxPrefix = "ZELX:";
@@ -222,7 +213,7 @@ HTML40ElementID findExactly(std::string_view name, int first, int last) {
 
 HTML40ElementID findInAnyCase(std::string_view name, int first, int last) {
   for (int id = first; id <= last; ++id) {
-    if (equalInAnyCase(name, rowOf(id)->name)) return static_cast<HTML40ElementID>(id);
+    if (equalsFolded(name, rowOf(id)->name)) return static_cast<HTML40ElementID>(id);
   }
   return ID_NONE;
 }
@@ -238,7 +229,7 @@ HTML40ElementID CatalogueTables::find(std::string_view name) {
   if (bean != ID_NONE) return bean;
   if (name.starts_with(kQdxPrefix)) return findExactly(name, ID_QDX_DBCONNECT, ID_QDX_DBMODIFY);
   if (name == rowOf(ID_SSI_INCLUDE)->name) return ID_SSI_INCLUDE;
-  if (equalInAnyCase(name.substr(0, kZelxPrefix.size()), kZelxPrefix)) {
+  if (equalsFolded(name.substr(0, kZelxPrefix.size()), kZelxPrefix)) {
     return findInAnyCase(name, ID_ZELX_TEXT, ID_ZELX_ATV);
   }
   return ID_NONE;
@@ -354,7 +345,7 @@ const char* GetHTML40DisplayName(const Element* element) {
       break;
     case ID_SCRIPT: {
       const char* runAt = element->getAttributeValue("RUNAT");
-      if (runAt && equalInAnyCase(runAt, "SERVER")) return "JSP Declaration";
+      if (runAt && equalsFolded(runAt, "SERVER")) return "JSP Declaration";
       break;
     }
     case ID_JSP_SCRIPTLET:

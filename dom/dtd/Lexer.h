@@ -58,7 +58,7 @@ class Lexer {
   Lexer();
 
   // Appends a token to the queue.
-  void addToken(LexerType::LexToken kind, std::uint32_t start, std::uint32_t end, std::uint64_t value = 0) {
+  void addToken(LexerType::LexToken kind, std::uint32_t start, std::uint32_t end, std::uint32_t value = 0) {
     if (count_ > mask_) grow();
     ring_[(head_ + count_) & mask_] = LexRecord{kind, start, end, end - start, line_, value};
     ++count_;

@@ -61,7 +61,7 @@ struct LexRecord {
   std::uint32_t end = 0;
   std::uint32_t length = 0;  // end - start; means nothing if one of them is NO_POSITION
   std::uint32_t line = 0;    // 1-based
-  std::uint64_t value = 0;   // a character code or the like
+  std::uint32_t value = 0;   // a character code or the like
 };
 
 }  // namespace zeldom40

@@ -187,7 +187,7 @@ void HTMLLexer::scanAmpersand() {
     int digits = 0;
     if (const int code = parseCharRef(text_, position_ + 1, &digits)) {
       position_ += 1 + static_cast<std::uint32_t>(digits);
-      addToken(LexerType::LEX_CHAR_REF, tokenStart_, position_, static_cast<std::uint64_t>(code));
+      addToken(LexerType::LEX_CHAR_REF, tokenStart_, position_, static_cast<std::uint32_t>(code));
     } else {
       add(LexerType::LEX_AMPERSAND, position_);
     }
@@ -199,7 +199,7 @@ void HTMLLexer::scanAmpersand() {
   const GeneralEntityRecord* entity = frame_ && !name.empty() ? frame_->generalEntities->find(name) : nullptr;
   if (entity) {
     if (position_ < size && text_[position_] == ';') ++position_;
-    addToken(LexerType::LEX_ENTITY_REF, tokenStart_, position_, reinterpret_cast<std::uintptr_t>(entity));
+    addToken(LexerType::LEX_ENTITY_REF, tokenStart_, position_, static_cast<std::uint32_t>(entity->order));
     return;
   }
   // Both reach the text as written.

@@ -91,10 +91,10 @@ void PageParser::addPiece(const LexRecord& token) {
       pendingText_ += text;
       break;
     case LexerType::LEX_ENTITY_REF:
-      pendingText_ += reinterpret_cast<const GeneralEntityRecord*>(static_cast<std::uintptr_t>(token.value))->text;
+      pendingText_ += frame_->generalRecords[token.value].text;
       break;
     case LexerType::LEX_CHAR_REF:
-      appendMarkedCode(static_cast<unsigned>(token.value), pendingText_);
+      appendMarkedCode(token.value, pendingText_);
       break;
     case LexerType::LEX_SPACE: {
       const bool atStart = rawEnd_ <= rawStart_;

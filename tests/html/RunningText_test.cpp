@@ -48,6 +48,7 @@ TEST_F(RunningText, MarksReferencesAndMarkup) {
 // Adds tokens to a plain form one by one.
 class Assembler {
  public:
+  explicit Assembler(const ParserType::_dtd_frame* frame) : frame_(frame) {}
   void begin(bool dropLeading, bool preformatted) {
     text.clear();
     drop_ = dropLeading;
@@ -61,7 +62,7 @@ class Assembler {
         text += ' ';
       }
     } else if (token.kind == LexerType::LEX_ENTITY_REF) {
-      text += reinterpret_cast<const GeneralEntityRecord*>(static_cast<std::uintptr_t>(token.value))->text;
+      text += frame_->generalRecords[token.value].text;
     } else if (token.kind == LexerType::LEX_CHAR_REF) {
       const auto hi = static_cast<char>(token.value / 256);
       const auto lo = static_cast<char>(token.value % 256);
@@ -83,6 +84,7 @@ class Assembler {
   std::string text;
 
  private:
+  const ParserType::_dtd_frame* frame_;
   bool drop_ = false;
   bool pre_ = false;
 };
@@ -103,7 +105,7 @@ TEST_F(RunningText, AssemblesWhatTheTokensSay) {
     const bool drop = random() % 2;
     const bool pre = random() % 2;
     HTMLLexer lexer(page.data(), page.size(), frame);
-    Assembler expected;
+    Assembler expected(frame);
     expected.begin(drop, pre);
     for (LexRecord t = lexer.nextToken(); t.kind != LexerType::LEX_EOF; t = lexer.nextToken()) {
       expected.add(t, lexer.slice(t));
@@ -136,7 +138,7 @@ TEST_F(RunningText, CarriesTheStateOfWhiteSpaceThroughThePage) {
       for (unsigned k = random() % 4; k > 0; --k) run += kPieces[random() % std::size(kPieces)];
       if (run.find('<') != std::string::npos) run.clear();
       if (!run.empty()) {
-        Assembler text;
+        Assembler text(frame);
         text.begin(trailing || broken, pre > 0);
         HTMLLexer lexer(run.data(), run.size(), frame);
         for (LexRecord t = lexer.nextToken(); t.kind != LexerType::LEX_EOF; t = lexer.nextToken()) {
