@@ -1,6 +1,7 @@
 // The repair of misplaced nodes and broken tags.
 #include "dom/html/ErrorCorrector.h"
 
+#include <cassert>
 #include <tuple>
 
 #include "dom/document/Document.h"
@@ -528,6 +529,7 @@ Node* ErrorCorrector::adaptNode(Node* node) {
       insertLast(lastTried, outermost);
       break;
     case Plan::REQUIRED_BELOW_EXPECTED:
+      assert(innermost);
       insertBefore(innermost, outermost, innermost->getFirstChild());
       insertBefore(parent, head, node);
       break;
@@ -535,6 +537,7 @@ Node* ErrorCorrector::adaptNode(Node* node) {
       insertBefore(parent, outermost, node);
       break;
   }
+  assert(holder);
   take(node);
   insertBefore(holder, node, holder->getFirstChild());
   barredAt_ = nullptr;
