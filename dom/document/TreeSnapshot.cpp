@@ -1,6 +1,7 @@
 // Coding and decoding of saved trees.
 #include "dom/document/TreeSnapshot.h"
 
+#include <cassert>
 #include <string>
 #include <utility>
 
@@ -248,6 +249,7 @@ class Decoder {
   Node* next(Node* open, bool* hasChildren) {
     const unsigned head = get();
     if ((head & kKindMask) == CLOSE) {
+      assert(open);
       if (!isClone(open) && open->getNodeType() == Node::NODE_ELEMENT) {
         ElementAccess::setEndSlice(static_cast<Element*>(open), getSlice());
       }
