@@ -107,7 +107,7 @@ void NodePool::release(void* memory, std::size_t size) {
     return;
   }
   auto* chunk =
-      reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(memory) & ~static_cast<std::uintptr_t>(kChunkSize - 1));
+      reinterpret_cast<Chunk*>(static_cast<char*>(memory) - reinterpret_cast<std::uintptr_t>(memory) % kChunkSize);
   auto* cell = static_cast<FreeCell*>(memory);
   cell->next = chunk->free;
   chunk->free = cell;
