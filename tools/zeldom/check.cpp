@@ -192,23 +192,14 @@ ExitCode runCheck(const CheckOptions& options, DOM::JSPVersion version) {
   Printer printer(options, out);
   ExitCode result = kFine;
   for (const std::string& path : options.files) {
-    SourceFile file;
-    if (!readSource(path, options.codepage, &file)) {
-      result = kFailed;
-      continue;
-    }
-    const Page page(library, file.text);
-    if (!page.root()) {
-      complain(path, "too large for a page");
-      result = kFailed;
-      continue;
-    }
-    const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
-    const std::vector<Finding> findings = findErrors(page.document(), map, file.text);
-    printer.print(file, map, findings);
-    const bool fails = std::any_of(findings.begin(), findings.end(),
-                                   [&](const Finding& finding) { return finding.severe || !options.severeOnly; });
-    if (fails) result = worse(result, kFindings);
+    const auto use = [&](const SourceFile& file, const Page& page, const SourceMap& map) {
+      const std::vector<Finding> findings = findErrors(page.document(), map, file.text);
+      printer.print(file, map, findings);
+      const bool fails = std::any_of(findings.begin(), findings.end(),
+                                     [&](const Finding& finding) { return finding.severe || !options.severeOnly; });
+      return fails ? kFindings : kFine;
+    };
+    result = worse(result, withSource(library, path, options.codepage, use));
   }
   printer.finish();
   return out.flush() ? result : kFailed;

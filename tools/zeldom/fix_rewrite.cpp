@@ -90,55 +90,38 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
   Output out;
   ExitCode result = kFine;
   for (const std::string& path : options.files) {
-    SourceFile file;
     if (options.inPlace && path == "-") {
       complain(path, "standard input cannot be changed in place");
       result = kFailed;
       continue;
     }
-    if (!readSource(path, options.codepage, &file)) {
-      result = kFailed;
-      continue;
-    }
-    const Page page(library, file.text);
-    if (!page.root()) {
-      complain(path, "too large for a page");
-      result = kFailed;
-      continue;
-    }
-    const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
-    if (!map.hasFile()) {
-      complain(path, "cannot be written in the form in which it was read");
-      result = kFailed;
-      continue;
-    }
-    const ChangeResult changed = change(library, page, file.text);
-    if (!changed.left.empty()) {
-      complain(path, changed.left);
-      result = worse(result, kFindings);
-    }
-    const bool same = changed.text == file.text;
-    const bool asks = options.diff || options.dryRun;
-    if (same && (options.inPlace || asks)) continue;
-    if (same) {
-      out << file.bytes;
-      continue;
-    }
-    const Versions versions = compare(file, map, changed.text);
-    if (asks) result = worse(result, kFindings);
-    if (options.diff) {
-      out << unifiedDiff(path, versions.before, versions.after, versions.matches);
-    } else if (!options.dryRun && !options.inPlace) {
-      out << versions.bytes();
-    } else {
-      if (!options.dryRun && !replaceFile(path, versions.bytes())) {
-        result = kFailed;
-        continue;
+    const auto use = [&](const SourceFile& file, const Page& page, const SourceMap& map) {
+      if (!map.hasFile()) {
+        complain(path, "cannot be written in the form in which it was read");
+        return kFailed;
       }
-      out.paint(Colour::kName, path) << ": " << changed.done << ", " << versions.changedLines
-                                     << (versions.changedLines == 1 ? " line" : " lines")
-                                     << (options.dryRun ? " would change\n" : " changed\n");
-    }
+      const ChangeResult changed = change(library, page, file.text);
+      if (!changed.left.empty()) complain(path, changed.left);
+      const ExitCode left = changed.left.empty() ? kFine : kFindings;
+      const bool asks = options.diff || options.dryRun;
+      if (changed.text == file.text) {
+        if (!options.inPlace && !asks) out << file.bytes;
+        return left;
+      }
+      const Versions versions = compare(file, map, changed.text);
+      if (options.diff) {
+        out << unifiedDiff(path, versions.before, versions.after, versions.matches);
+      } else if (!options.dryRun && !options.inPlace) {
+        out << versions.bytes();
+      } else {
+        if (!options.dryRun && !replaceFile(path, versions.bytes())) return kFailed;
+        out.paint(Colour::kName, path) << ": " << changed.done << ", " << versions.changedLines
+                                       << (versions.changedLines == 1 ? " line" : " lines")
+                                       << (options.dryRun ? " would change\n" : " changed\n");
+      }
+      return asks ? kFindings : left;
+    };
+    result = worse(result, withSource(library, path, options.codepage, use));
   }
   return out.flush() ? result : kFailed;
 }

@@ -58,6 +58,11 @@ Page::Page(const Library& library, std::string_view bytes)
       document_(dom_->createDocument("HTML")),
       root_(document_->createNodes(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, /*adjust=*/false)) {}
 
+bool Page::usable(const std::string& path) const {
+  if (!root_) complain(path, "too large for a page");
+  return root_ != nullptr;
+}
+
 std::string_view Page::source(Node* node) const {
   const char* text = document_->getSourceBuf(node, Document::SOURCE_ALL, /*compact=*/false);
   // A null node asks for the length of what was just written, without a second walk.

@@ -6,6 +6,7 @@
 
 #include "dom/zeldom40.h"
 #include "tools/zeldom/commands.h"
+#include "tools/zeldom/source_file.h"
 
 namespace zeldom40::tool {
 
@@ -40,8 +41,9 @@ class Page {
   Page& operator=(const Page&) = delete;
 
   Document* document() const { return document_; }
-  // Null if the library refused the page for its size.
+  // Null if the library refused the page for its size; said on stderr by usable().
   Node* root() const { return root_; }
+  bool usable(const std::string& path) const;
   // The page as the library writes it; lives until the next call or the end of the page.
   std::string_view source() const { return source(root_); }
   std::string_view source(Node* node) const;
@@ -59,11 +61,18 @@ ExitCode withPage(const Library& library, const std::string& path, Use use) {
   std::string bytes;
   if (!readInput(path, &bytes)) return kFailed;
   Page page(library, bytes);
-  if (!page.root()) {
-    complain(path, "too large for a page");
-    return kFailed;
-  }
-  return use(page, bytes);
+  return page.usable(path) ? use(page, bytes) : kFailed;
+}
+
+// The same for a file that is imported under `codepage` (0 guesses): what `use(file, page, map)` says.
+template <typename Use>
+ExitCode withSource(const Library& library, const std::string& path, int codepage, Use use) {
+  SourceFile file;
+  if (!readSource(path, codepage, &file)) return kFailed;
+  const Page page(library, file.text);
+  if (!page.usable(path)) return kFailed;
+  const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
+  return use(file, page, map);
 }
 
 // Visits the subtree of `top` in document order, along the links: depth costs no stack. `enter(node, depth)` comes
