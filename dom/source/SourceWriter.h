@@ -29,7 +29,7 @@ class SliceJoiner {
   // Must come before a piece that was appended may change.
   void flush() {
     out_.append(pending_);
-    pending_ = std::string_view(out_.data(), 0);
+    pending_ = {};
   }
 
  private:
