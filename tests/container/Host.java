@@ -11,13 +11,13 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
 import java.util.TreeMap;
-import java.util.logging.Level;
-import java.util.logging.Logger;
+import java.util.logging.LogManager;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import org.apache.catalina.Context;
+import org.apache.catalina.Wrapper;
 import org.apache.catalina.connector.Connector;
 import org.apache.catalina.startup.Tomcat;
 import org.apache.jasper.servlet.JasperInitializer;
@@ -31,7 +31,6 @@ public final class Host {
   private static final int ALL_MILLIS = 300_000;
   private static final int LONGEST_REPLY = 1 << 20;
 
-  private static final Logger ROOT_LOG = Logger.getLogger("");
   private static final Pattern COMMENT = Pattern.compile("<!--.*?-->", Pattern.DOTALL);
   private static final Pattern BODY =
       Pattern.compile("<BODY[^>]*>(.*)</BODY>", Pattern.DOTALL | Pattern.CASE_INSENSITIVE);
@@ -58,7 +57,7 @@ public final class Host {
     watch.start();
 
     Path pages = Path.of(args[0]).toAbsolutePath();
-    ROOT_LOG.setLevel(Level.OFF);  // a page that fails is told in full by its reply
+    LogManager.getLogManager().reset();  // what a page fails for stands in its reply
     Tomcat tomcat = start(pages, args[2]);
     Host host = new Host();
     try {
@@ -82,8 +81,9 @@ public final class Host {
 
     Context context = tomcat.addContext("", pages.toString());
     context.addServletContainerInitializer(new JasperInitializer(), null);
-    Tomcat.addServlet(context, "jsp", "org.apache.jasper.servlet.JspServlet").addInitParameter("development", "false");
-    context.addServletMappingDecoded("*.jsp", "jsp");
+    Wrapper jsp = Tomcat.addServlet(context, "jsp", "org.apache.jasper.servlet.JspServlet");
+    jsp.addInitParameter("development", "false");
+    jsp.addMapping("*.jsp");
 
     // Stands for the application's servlet: puts the bean into the request before the page runs.
     Filter beans = (request, response, chain) -> {
@@ -125,7 +125,7 @@ public final class Host {
   private void check(String request, String reply, String expected) {
     Matcher body = BODY.matcher(COMMENT.matcher(reply).replaceAll(""));
     if (!body.find()) {
-      fail(request, "no page:\n" + reply);
+      fail(request, "no page:\n" + reply.substring(0, Math.min(reply.length(), 800)));
       return;
     }
     String got = normalize(body.group(1));
@@ -188,7 +188,8 @@ public final class Host {
       connection.setReadTimeout(REPLY_MILLIS);
       boolean served = connection.getResponseCode() < 400;
       try (InputStream in = served ? connection.getInputStream() : connection.getErrorStream()) {
-        return new String(in.readNBytes(LONGEST_REPLY), StandardCharsets.ISO_8859_1);
+        String reply = new String(in.readNBytes(LONGEST_REPLY), StandardCharsets.ISO_8859_1);
+        return served ? reply : reply.substring(Math.max(0, reply.indexOf("<pre>")));
       } finally {
         connection.disconnect();
       }

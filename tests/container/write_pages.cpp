@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "dom/dynamic/MetaData.h"
 #include "dom/zeldom40.h"
 
 using namespace zeldom40;
@@ -93,11 +94,17 @@ struct Written {
   bool different = false;  // the page held a run-time text other than the one that its source generates
 };
 
-Written write(DOM* dom, const std::string& page) {
+// `anew`: comments and run-time texts are made from the tree, as after an edit; none that the page held is used.
+Written write(DOM* dom, const std::string& page, bool anew) {
   Document* document = dom->createDocument("HTML");
   // A page that declares no bean is one that a servlet forwards to.
   if (page.find("jsp:useBean") == std::string::npos) document->addOutBoundBean("cart", "shop.Cart");
   Node* root = document->createNodes(page.data(), static_cast<unsigned>(page.size()), nullptr, /*adjust=*/false);
+  for (Node* node = root; node && anew; node = document->findNextNode(node, root, false, false)) {
+    if (node->getNodeType() != Node::NODE_ELEMENT) continue;
+    if (MetaData* metaData = static_cast<Element*>(node)->getMetaData())
+      metaData->setDirty(true, /*runtimeOnly=*/false);
+  }
   const char* source = document->getSourceBuf(root, Document::SOURCE_ALL, /*compact=*/false);
   Written written;
   written.text.assign(source, document->getSourceBufLen(nullptr, Document::SOURCE_ALL, /*compact=*/false));
@@ -122,10 +129,13 @@ int main(int argc, char** argv) {
     if (entry.path().extension() != ".html") continue;
     std::ifstream in(entry.path(), std::ios::binary);
     const std::string authored((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    const Written first = write(dom, authored);
-    const Written second = write(dom, first.text);
+    const Written first = write(dom, authored, /*anew=*/false);
+    const Written second = write(dom, first.text, /*anew=*/false);
+    const Written third = write(dom, first.text, /*anew=*/true);
+    // An element that has nothing to say for the server always counts as one whose text is yet to be made.
+    const bool holdsEmptyPair = first.text.find("--><!--METADATA") != std::string::npos;
     pages++;
-    if (second.different || first.text != second.text) {
+    if ((second.different && !holdsEmptyPair) || first.text != second.text || first.text != third.text) {
       std::printf("%s: does not stay the same when it is read and written again\n", entry.path().filename().c_str());
       faults++;
     }
