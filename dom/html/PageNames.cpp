@@ -1,6 +1,7 @@
 // Look-up of tag names by their bytes.
 #include "dom/html/PageNames.h"
 
+#include <chrono>
 #include <string>
 
 #include "dom/document/NameLookup.h"
@@ -9,17 +10,19 @@
 
 namespace zeldom40 {
 
-namespace {
+// A page must not be able to choose names that all collide, so each parse hashes in its own way.
+PageNames::PageNames(ParserType::_dtd_frame* frame) : frame_(frame), slots_(256, nullptr) {
+  const auto time = std::chrono::steady_clock::now().time_since_epoch().count();
+  const std::uint64_t mixed =
+      (reinterpret_cast<std::uintptr_t>(this) ^ static_cast<std::uint64_t>(time)) * UINT64_C(0x9E3779B97F4A7C15);
+  seed_ = static_cast<std::uint32_t>(mixed >> 32);
+}
 
-std::uint32_t hashFolded(std::string_view text) {
-  std::uint32_t hash = 2166136261u;
+std::uint32_t PageNames::hashFolded(std::string_view text) const {
+  std::uint32_t hash = seed_;
   for (char c : text) hash = (hash ^ static_cast<unsigned char>(upperByte(c))) * 16777619u;
   return hash ^ (hash >> 15);
 }
-
-}  // namespace
-
-PageNames::PageNames(ParserType::_dtd_frame* frame) : frame_(frame), slots_(256, nullptr) {}
 
 PageName& PageNames::find(std::string_view asWritten) {
   const std::uint32_t hash = hashFolded(asWritten);

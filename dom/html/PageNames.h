@@ -41,11 +41,13 @@ class PageNames {
   void declarationsChanged();
 
  private:
+  std::uint32_t hashFolded(std::string_view text) const;
   PageName& add(std::string_view asWritten, std::uint32_t hash);
   void lookUp(PageName& entry);
   void grow();
 
   ParserType::_dtd_frame* frame_;
+  std::uint32_t seed_ = 0;
   unsigned generation_ = 0;
   std::deque<PageName> entries_;
   std::vector<PageName*> slots_;  // its size is a power of two
