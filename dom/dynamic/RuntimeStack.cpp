@@ -260,7 +260,8 @@ void RuntimeStack::pushGeneration(MetaData* metaData, const Around& around, bool
 void RuntimeStack::stepGeneration(Generation& generation) {
   if (generation.next == generation.plan.steps().size()) {
     if (generation.isNested) {
-      MetaDataAccess::finishRuntimeText(*generation.metaData, out_, generation.start, state_, /*dryRun=*/false);
+      MetaDataAccess::finishRuntimeText(*generation.metaData, out_, generation.start, state_, /*dryRun=*/false,
+                                        /*isNested=*/true);
     }
     if (DynContainer* container = generation.data->asContainer()) container->leaveLoops(loops_);
     frames_.pop_back();

@@ -1,4 +1,5 @@
 // Lists, loops, texts and selects.
+#include <pthread.h>
 #include <sys/resource.h>
 #include <thread>
 
@@ -228,6 +229,34 @@ TEST_F(LoopsTest, ACopyInsideItsOriginalGetsALoopOfItsOwn) {
   const std::string text = generated(list);
   EXPECT_TRUE(holds(text, "Object[] _a0 = ")) << text;
   EXPECT_TRUE(holds(text, "Object[] _a1 = ")) << text;
+}
+
+TEST_F(LoopsTest, NestingCostsNeitherStackNorMoreThanItsLength) {
+  constexpr int kDepth = 30000;
+  std::string page;
+  for (int i = 0; i < kDepth; ++i) page += "<UL DYNAMICELEMENT LOOPPROPERTY=a[].b[]><LI>";
+  loadDynamic(page);
+  struct Job {
+    MetaData* list;
+    std::size_t length;
+  } job{element("UL")->getMetaData(), 0};
+  pthread_attr_t small;
+  pthread_attr_init(&small);
+  pthread_attr_setstacksize(&small, 1 << 18);
+  pthread_t thread;
+  const auto run = [](void* argument) -> void* {
+    std::string out;
+    RuntimeTextState state;
+    MetaData* list = static_cast<Job*>(argument)->list;
+    list->getDynamicData()->generate(list, out, state);
+    static_cast<Job*>(argument)->length = out.size();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &small, run, &job), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&small);
+  EXPECT_GT(job.length, std::size_t{500} * kDepth);
+  EXPECT_LT(job.length, std::size_t{4000} * kDepth);
 }
 
 }  // namespace
