@@ -59,7 +59,8 @@ Node* Document::getDocumentType() { return documentType_; }
 
 bool Document::isInTree(const Node* node) const {
   if (!documentElement_) return false;
-  for (; node; node = node->getParentNode()) {
+  // A visual that metadata keeps aside is part of the page.
+  for (; node; node = NodeAccess::above(node)) {
     if (node == documentElement_) return true;
   }
   return false;

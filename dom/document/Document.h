@@ -18,8 +18,10 @@ class AttributeList;
 struct BeanList;
 class Comment;
 class DOM;
+class DTCDocument;
 class DocumentType;
 class Element;
+class MetaData;
 class PI;
 class UndoStack;
 
@@ -83,8 +85,10 @@ class ZELDOM40_API Document : public Node {
   // Not counted: owned by the caller until they join a list or an element.
   Attribute* createAttribute(const char* name, const char* value);
   AttributeList* createAttributeList();
-  // A copy without children that shares no metadata object. Count 1. Null gives null.
+  // A copy without children, with a copy of the metadata. Count 1. Null gives null.
   Element* copyElement(const Element* source);
+  // Metadata of no type, count 1, for Element::setMetaData to take over.
+  MetaData* createMetaData();
   NodeIterator getElementsByTagName(const char* name);
   // Deletes the element and keeps its children in its place; `mergeTexts` joins texts that meet. An element without
   // parent is returned untouched, else null.
@@ -116,6 +120,23 @@ class ZELDOM40_API Document : public Node {
   unsigned long getSourceBufLen(Node* node, SourceMode mode, bool compact) const;
   // Reads the references of all texts below `node` anew from their source. True if there was such a text.
   bool restorePlainTexts(Node* node);
+
+  // --- dynamic content ----------------------------------------------------------------------------------------------
+  // The host's side of the design-time controls; borrowed, null until set. It is asked for an item of each control that
+  // is made from then on, and must outlive the document.
+  DTCDocument* getDTCDocument() { return controls_; }
+  void setDTCDocument(DTCDocument* controls) { controls_ = controls; }
+  // Whether a save would change run-time text that nobody edited: a loaded page has none, or another than is generated
+  // today. Known once the page was written.
+  bool isRuntimeTextDifferent() const { return runtimeTextState_ == kRuntimeTextDifferent; }
+  // The author accepts the new text; nothing marks the document from here on.
+  void runtimeTextWasSynchronized() const { runtimeTextState_ = kRuntimeTextSynchronized; }
+  // For a host that loads another page into this document.
+  void resetRuntimeTextStateOnReload() const { runtimeTextState_ = kRuntimeTextNotCompared; }
+  // Without effect once the document is marked or synchronized.
+  void markRuntimeTextDifferent() const {
+    if (runtimeTextState_ == kRuntimeTextNotCompared) runtimeTextState_ = kRuntimeTextDifferent;
+  }
 
   // --- errors -------------------------------------------------------------------------------------------------------
   // Lists the nodes of the page that carry errors, in document order. Owned by the document; valid until the next call
@@ -204,6 +225,7 @@ class ZELDOM40_API Document : public Node {
   friend struct DocumentAccess;
   friend Text* mergeTexts(Document& document, Node* first, Node* second);
 
+  enum : int { kRuntimeTextNotCompared = 0, kRuntimeTextDifferent = 1, kRuntimeTextSynchronized = 2 };
   enum : unsigned { kRecordTaken = 1, kRecordSuspended = 2, kRecordInGroup = 4, kRecordDisabled = 8 };
 
   // record(), if the change of `node` is one of this document's tree.
@@ -221,6 +243,7 @@ class ZELDOM40_API Document : public Node {
   bool isPlace(const Node* node) const;
   bool dropLeftBehind(Node* node);
   void replaceDocumentElement(Element* root);
+  void rebindControls();
   void shiftOffsets(Node* parent, int index, int by);
   // CHOICE: a page without a cursor may have selections all the same, so a missing cursor ends no adjustment.
   bool placesCanMove(const Node* node) const { return node && documentElement_ && adjustCursors_; }
@@ -240,6 +263,11 @@ class ZELDOM40_API Document : public Node {
   bool skipAdjust_ = false;
   bool adjustCursors_ = true;
   bool inClassify_ = false;
+  bool isBuilding_ = false;  // createNodes is sorting out what it parsed
+  bool inDryRun_ = false;    // run-time text is generated, but not for a save
+  unsigned pairNesting_ = 0;
+  mutable int runtimeTextState_ = kRuntimeTextNotCompared;
+  DTCDocument* controls_ = nullptr;
   Node* retainedCursorNode_ = nullptr;
   mutable std::string sourceBuf_;
   UndoStack* undoStack_ = nullptr;

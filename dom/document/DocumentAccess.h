@@ -30,6 +30,45 @@ struct DocumentAccess {
   static std::string& sourceBuf(const Document* document) { return document->sourceBuf_; }
   static void setDocumentElement(Document* document, Element* root) { document->documentElement_ = root; }
   static void setInClassify(Document* document, bool on) { document->inClassify_ = on; }
+  // Changes of nodes are those of a parse and its sorting out; they make no metadata stale.
+  static bool isBuilding(const Document* document) { return document->isBuilding_; }
+  static bool inDryRun(const Document* document) { return document->inDryRun_; }
+  // How many metadata pairs the text that is being parsed stood inside of.
+  static unsigned pairNesting(const Document* document) { return document->pairNesting_; }
+  static void setPairNesting(Document* document, unsigned nesting) { document->pairNesting_ = nesting; }
+
+  // Run-time text that is asked for meanwhile is of no save. Null: nothing.
+  class DryRun {
+   public:
+    explicit DryRun(Document* document) : document_(document), was_(document && document->inDryRun_) {
+      if (document_) document_->inDryRun_ = true;
+    }
+    ~DryRun() {
+      if (document_) document_->inDryRun_ = was_;
+    }
+    DryRun(const DryRun&) = delete;
+    DryRun& operator=(const DryRun&) = delete;
+
+   private:
+    Document* document_;
+    bool was_;
+  };
+
+  // Changes meanwhile are not worth an undo step.
+  class RecordPause {
+   public:
+    explicit RecordPause(Document* document) : document_(document), flags_(document->recordFlags_) {
+      document->enableRecord(false);
+    }
+    ~RecordPause() { document_->recordFlags_ = flags_; }
+    RecordPause(const RecordPause&) = delete;
+    RecordPause& operator=(const RecordPause&) = delete;
+
+   private:
+    Document* document_;
+    unsigned flags_;
+  };
+
   static bool hasSevereError(const Document* document) { return document->hasSevereError(); }
   static void setErrorWord(Document* document, unsigned long word) {
     document->clearError();

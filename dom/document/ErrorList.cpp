@@ -5,6 +5,8 @@
 #include "dom/document/DocumentAccess.h"
 #include "dom/document/TreeAdjuster.h"
 #include "dom/document/TreeWalker.h"
+#include "dom/dynamic/MetaDataAccess.h"
+#include "dom/dynamic/RuntimeTextState.h"
 #include "dom/html/ErrorCorrector.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
@@ -27,22 +29,50 @@ unsigned leadingBreaks(std::string_view raw) {
   return breaks;
 }
 
+// The line breaks that follow the design-time source of a pair on the page. That of a visual is the run-time element
+// itself, which stands in the tree and is counted there.
+unsigned runtimeLines(MetaData& pair) {
+  if (pair.getType() == MetaData::AuthorTimeVisual) return 0;
+  std::string text;
+  RuntimeTextState state;
+  MetaDataAccess::appendRuntimeText(pair, text, state, /*walkTree=*/false, /*dryRun=*/true, /*underStale=*/false);
+  return lineFeeds(text);
+}
+
 }  // namespace
 
 const std::list<_dom_error_packet*>& Document::getErrorList() const {
   clearErrors();
   unsigned line = 1;
-  for (Node* n = documentElement_; n; n = NodeAccess::nextInSubtree(n, documentElement_)) {
+  auto report = [&](Node* n, unsigned at) {
     if (n->getNodeType() == NODE_ELEMENT) ElementAccess::gatherAttributeErrors(static_cast<Element*>(n));
-    const bool isText = n->getNodeType() == NODE_TEXT;
-    if (n->getError() != 0) {
-      // The place of a text is where its first visible character stands.
-      const unsigned at = line + (isText ? leadingBreaks(TextAccess::rawData(static_cast<Text*>(n))) : 0);
-      n->addRef(false);
-      errorList_.push_back(new _dom_error_packet{static_cast<unsigned>(n->getError()), n, at});
+    if (n->getError() == 0) return;
+    n->addRef(false);
+    errorList_.push_back(new _dom_error_packet{static_cast<unsigned>(n->getError()), n, at});
+  };
+  // The outermost metadata around the node, and the first node behind its element.
+  MetaData* pair = nullptr;
+  const Node* behindPair = nullptr;
+  for (Node* n = documentElement_; n;) {
+    if (!pair && n->getNodeType() == NODE_ELEMENT && (pair = static_cast<Element*>(n)->getMetaData())) {
+      behindPair = NodeAccess::nextSkippingChildren(n, documentElement_);
+      ++line;
+      if (Element* visual = pair->getATV()) {
+        report(visual, line);
+        line += 2;
+      }
     }
-    if (isText) line += lineFeeds(TextAccess::rawData(static_cast<Text*>(n)));
+    const bool isText = n->getNodeType() == NODE_TEXT;
+    const std::string_view raw = isText ? TextAccess::rawData(static_cast<Text*>(n)) : std::string_view();
+    // The place of a text is where its first visible character stands.
+    report(n, line + leadingBreaks(raw));
+    line += lineFeeds(raw);
     if (n->getNodeType() == NODE_COMMENT) line += lineFeeds(CommentAccess::bodyText(static_cast<Comment*>(n)));
+    n = NodeAccess::nextInSubtree(n, documentElement_);
+    if (pair && n == behindPair) {
+      line += 1 + runtimeLines(*pair);
+      pair = nullptr;
+    }
   }
   return errorList_;
 }

@@ -5,6 +5,7 @@
 #include "dom/document/TextMerge.h"
 #include "dom/dtd/DocumentType.h"
 #include "dom/dtd/ElementDefinition.h"
+#include "dom/dynamic/MetaData.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/AttributeList.h"
@@ -108,8 +109,15 @@ AttributeList* Document::createAttributeList() { return new AttributeList; }
 Element* Document::copyElement(const Element* source) {
   if (!source) return nullptr;
   auto* copy = new Element(*source, /*withMetaData=*/false);
+  copy->setMetaData(source->getMetaData());
   copy->addRef(false);
   return copy;
+}
+
+MetaData* Document::createMetaData() {
+  auto* md = new MetaData(this);
+  md->addRef(false);
+  return md;
 }
 
 // --- searches --------------------------------------------------------------------------------------------------------

@@ -1,7 +1,10 @@
 // Undo and redo of a document.
 #include "dom/document/Document.h"
 #include "dom/document/UndoStack.h"
+#include "dom/dynamic/DTCClientItem.h"
+#include "dom/dynamic/MetaData.h"
 #include "dom/tree/Element.h"
+#include "dom/tree/NodeAccess.h"
 
 namespace zeldom40 {
 
@@ -45,6 +48,7 @@ int Document::undo(int count) {
   if (!undoStack_) return 0;
   recordCount_ -= count;
   undoStack_->undo(count);
+  rebindControls();
   return undoStack_->undoCount();
 }
 
@@ -54,12 +58,23 @@ int Document::redo(int count) {
   if (!undoStack_) return 0;
   recordCount_ += count;
   undoStack_->redo(count);
+  rebindControls();
   return undoStack_->redoCount();
 }
 
 int Document::canRedo() { return undoStack_ ? undoStack_->redoCount() : 0; }
 
 unsigned long Document::getRecordCount() { return static_cast<unsigned long>(recordCount_); }
+
+// The elements of another state are copies: each control learns of the one that it stands for now.
+void Document::rebindControls() {
+  for (Node* n = documentElement_; n; n = NodeAccess::nextInSubtree(n, documentElement_)) {
+    if (n->getNodeType() != NODE_ELEMENT) continue;
+    auto* element = static_cast<Element*>(n);
+    DTCClientItem* item = element->getMetaData() ? element->getMetaData()->getClientItem() : nullptr;
+    if (item) item->setElement(element);
+  }
+}
 
 // The root of another state takes the place of the present one. That state is as it was saved, so the next change is
 // worth a record again.

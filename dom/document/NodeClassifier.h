@@ -6,7 +6,9 @@ namespace zeldom40 {
 class Document;
 class Node;
 
-// Dissolves authoring-time wrappers that have nothing to wrap: their children move behind them.
+// Makes elements of metadata pairs, gives dynamic elements and controls the metadata that they lack, and keeps aside
+// the authoring-time visuals that wrap content (a wrapper around nothing that can carry it goes). Walks without
+// recursion.
 void classifyNodes(Document& document, Node* top);
 
 }  // namespace zeldom40

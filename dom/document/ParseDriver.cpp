@@ -34,6 +34,8 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
     enableRecord(false);
     clearError();
   }
+  // What is parsed into a live page is an edit of what stands around it.
+  if (parent != documentElement_) NodeAccess::noteEdit(parent);
   parser.pushNode(parent);
   parser.parse(LexerType::LEX_EOF);
 
@@ -41,16 +43,20 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
   parent->addRef(true);
   parent->dropRef(false);
 
-  if (!inClassify_) {
-    inClassify_ = true;
+  const bool outermost = !inClassify_;
+  if (outermost) {
+    inClassify_ = isBuilding_ = true;
     // What had to be recorded was when the first node came in.
-    const unsigned recordFlags = recordFlags_;
-    enableRecord(false);
+    const DocumentAccess::RecordPause pause(this);
     classifyNodes(*this, parent);
-    recordFlags_ = recordFlags;
     inClassify_ = false;
   }
+  // What is saved of a pair is not changed by the normal form of a page that was only read.
   if (adjust && !hasSevereError()) normalizeNodes(*this, parent, /*corrected=*/false);
+  if (outermost) {
+    isBuilding_ = false;
+    NodeAccess::forgetEdits(parent);
+  }
   if (parent == documentElement_) {
     enableRecord(true);
   } else if (!inClassify_) {

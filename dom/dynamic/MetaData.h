@@ -33,7 +33,7 @@ class ZELDOM40_API MetaData : public Node {
   ~MetaData() override;
 
   Type getType() const { return static_cast<Type>(type_); }
-  void setType(Type type) { type_ = static_cast<std::uint8_t>(type); }
+  void setType(Type type);
   // The run-time text from now on; a host's control calls the first from getRuntimeData. Null is empty.
   void setRuntimeData(const char* text);
   void setRuntimeText(const std::string& text);
@@ -47,6 +47,8 @@ class ZELDOM40_API MetaData : public Node {
   // Takes over one reference of `atv`, a ZELX:ATV element in no tree; a former one is released. False, with nothing
   // changed, for another element and for a MetaData of another type.
   bool setATV(Element* atv);
+  // Gives the visual back with its reference; null if there is none.
+  Element* takeATV();
 
   bool canContain(Node* child, Node** blocking, std::vector<Node*>* path) override;
   // KEPT: UPDATE_CHILD_MODIFIED alone is passed on, as the element's UPDATE_META_DATA_MODIFIED; no flag is ever stored.
@@ -66,7 +68,7 @@ class ZELDOM40_API MetaData : public Node {
   bool isDirty() const { return beginTagDirty_ || endTagDirty_ || runtimeDirty_; }
   bool wasLoadedFromPage() const { return loadedFromPage_; }
   // Appends the run-time text, stored or generated. `walkTree`: the run-time writer met the element on its way.
-  // `dryRun`: nothing that a save would look at may change.
+  // `dryRun`: the node stays as it is, but for where its text ends.
   void appendRuntimeText(std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun);
 
  private:
@@ -74,8 +76,9 @@ class ZELDOM40_API MetaData : public Node {
 
   void releaseOwned() override;
   Node* cloneSelf() const override;
-  void noteUpdate(unsigned long flag) override;
   void dropObject();
+  void storeRuntimeText(std::string text);
+  bool canGenerate();
 
   std::string beginTag_;
   std::string endTag_;
@@ -89,6 +92,7 @@ class ZELDOM40_API MetaData : public Node {
   bool runtimeEndsInScriptlet_ = false;
   bool loadedFromPage_ = false;
   bool runtimeCompared_ = false;
+  std::uint8_t nesting_ = 0;
 };
 
 }  // namespace zeldom40

@@ -1,4 +1,4 @@
-// Internal. What the classifier and the run-time writer do to a MetaData beyond its interface.
+// Internal. What the parser, the classifier and the run-time writer do to a MetaData beyond its interface.
 #pragma once
 
 #include <cstddef>
@@ -18,17 +18,24 @@ struct MetaDataAccess {
   // MetaData::appendRuntimeText up to the generation of a dynamic element, and from its end on, so that a writer can
   // do what lies between without calling itself. `underStale`: an element above has stale dynamic data, so that stored
   // text is not good enough. `start` is the length of `out` when the first part returned.
+  // The text of an element that was written inside another one (`isNested`) is not kept.
   static Rest startRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun,
                                bool underStale);
   static void finishRuntimeText(MetaData& md, const std::string& out, std::size_t start, const RuntimeTextState& state,
-                                bool dryRun);
+                                bool dryRun, bool isNested = false);
+  // appendRuntimeText for a caller that knows what stands above.
+  static void appendRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun,
+                                bool underStale);
   // Whether the dynamic data of an element above `element` is stale. Climbs to the top.
   static bool isUnderStale(const Element* element);
 
-  // The dynamic data is made again if the element now asks for another class.
+  // The dynamic data is made anew if the element asks for another class by now; the old one is the caller's to release.
   static void setObject(MetaData& md, void* object) { md.object_ = object; }
   static void setLoadedFromPage(MetaData& md) { md.loadedFromPage_ = true; }
   static void setRuntimeCompared(MetaData& md) { md.runtimeCompared_ = true; }
+  // How many pairs this one was read inside of: in the design-time source of one, or in the text of a dissolved one.
+  static unsigned nesting(const MetaData& md) { return md.nesting_; }
+  static void setNesting(MetaData& md, unsigned nesting) { md.nesting_ = static_cast<std::uint8_t>(nesting); }
 };
 
 }  // namespace zeldom40

@@ -39,6 +39,11 @@ class HTMLLexer : public Lexer {
   std::uint32_t position() const { return position_; }
   // Passes over a stretch that the parser has read by itself. No token may be queued.
   void skipTo(std::uint32_t position) { position_ = position; }
+  // Forgets what was looked at ahead and goes on at `position`.
+  void restart(std::uint32_t position) {
+    clearQueue();
+    position_ = position;
+  }
 
  private:
   enum Terminator {

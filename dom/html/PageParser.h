@@ -134,6 +134,7 @@ class PageParser {
   void readSubset(Slice subset);
   void readServerTag();
   void readComment(bool server);
+  bool readMetaData(Slice begin, Slice body);
   void setAttributesFromText(Element* element, std::uint32_t from, std::uint32_t to);
 
   // --- placing (Placement.cpp) --------------------------------------------------------------------------------------
@@ -173,6 +174,8 @@ class PageParser {
   SharedName commentName_;
   std::uint32_t lastEnd_ = 0;    // where the token taken last ended
   std::uint32_t textStart_ = 0;  // and the one before it: bytes that a record leaves out belong to a text that begins
+  // By type of metadata: from here on stands no end comment.
+  std::uint32_t noPairEndFrom_[3] = {NO_POSITION, NO_POSITION, NO_POSITION};
 
   // The pending text: its source range, and its plain form where that does not follow from the range alone.
   bool pending_ = false;

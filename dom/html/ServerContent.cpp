@@ -1,7 +1,9 @@
 // Server tags, comments and server-side includes. None of these nodes is ever opened or tested against a content model.
 #include <algorithm>
 
-#include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
+#include "dom/dynamic/MetaDataAccess.h"
+#include "dom/dynamic/MetaDataComment.h"
 #include "dom/html/AttributeScanner.h"
 #include "dom/html/PageParser.h"
 #include "dom/source/CharHelpers.h"
@@ -89,6 +91,48 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
   element->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
 }
 
+// Takes a metadata pair whose begin comment was just taken, up to the end of its end comment. What stands between the
+// two is kept as text and parsed, if at all, when its node is sorted out.
+bool PageParser::readMetaData(Slice begin, Slice body) {
+  // CHOICE: pairs inside pairs are followed so far and no further. Each level keeps all that is inside it as text, so
+  // that a page of nothing else would take far more time and memory than it has bytes.
+  constexpr unsigned kDeepestPair = 8;
+  const unsigned nesting = document_ ? DocumentAccess::pairNesting(document_) : kDeepestPair;
+  MetaData::Type type = MetaData::None;
+  if (nesting >= kDeepestPair || !matchBeginComment(body.in(lexer_.page()), type)) return false;
+  const std::uint32_t from = begin.offset + begin.length;
+  if (from >= noPairEndFrom_[type]) return false;
+
+  // The search leaves nothing behind: what comes is cut into tokens again as its context asks.
+  LexRecord open;
+  LexRecord token = lexer_.nextToken();
+  while (token.kind != LexerType::LEX_EOF) {
+    if (token.kind == LexerType::LEX_COMMENT &&
+        matchEndComment(sliceOf(token.start, endOf(token)).in(lexer_.page()), type)) {
+      break;
+    }
+    open = token;
+    token = lexer_.nextToken();
+  }
+  if (token.kind == LexerType::LEX_EOF) {
+    lexer_.restart(from);
+    noPairEndFrom_[type] = from;
+    return false;
+  }
+  const std::uint32_t to = endOf(lexer_.nextToken());
+  lexer_.restart(to);
+  lastEnd_ = to;
+
+  auto* md = new MetaData(document_);
+  md->setType(type);
+  md->setBeginTag(std::string(begin.in(lexer_.page())));
+  md->setRuntimeText(std::string(sliceOf(from, open.start).in(lexer_.page())));
+  md->setEndTag(std::string(sliceOf(open.start, to).in(lexer_.page())));
+  MetaDataAccess::setNesting(*md, nesting);
+  insertLast(md);
+  return true;
+}
+
 void PageParser::readComment(bool server) {
   const std::uint32_t start = take().start;
   const LexRecord token = take();
@@ -96,7 +140,7 @@ void PageParser::readComment(bool server) {
   const std::uint32_t end = endOf(take());
   const Slice raw = sliceOf(start, end);
 
-  // A begin comment of a metadata pair is an ordinary comment as yet: its pair is recognised here, before the include.
+  if (!server && readMetaData(raw, body)) return;
 
   const std::string_view text = body.in(lexer_.page());
   const std::size_t word = server ? std::string_view::npos : text.find_first_not_of('-');

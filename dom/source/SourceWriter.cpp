@@ -1,7 +1,11 @@
 // Writes raw texts in tree order.
 #include "dom/source/SourceWriter.h"
 
+#include <utility>
+
 #include "dom/document/DocumentAccess.h"
+#include "dom/dynamic/MetaDataAccess.h"
+#include "dom/dynamic/RuntimeTextState.h"
 #include "dom/tree/Comment.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/ElementAccess.h"
@@ -24,56 +28,119 @@ void writeLeaf(Node* node, SliceJoiner& out) {
     case Node::NODE_PI:
       out.append(static_cast<PI*>(node)->getData());
       break;
+    case Node::NODE_META_DATA: {
+      // CHOICE: one that belongs to no element yet has no other place for its text.
+      auto* md = static_cast<MetaData*>(node);
+      if (md->getElement()) break;
+      out.append(md->getBeginTag());
+      out.append(md->getRuntimeText());
+      out.append(md->getEndTag());
+      break;
+    }
     default:
       break;  // no other node has a source
   }
 }
 
+// The walk over one element, by links.
+class SourceWalk {
+ public:
+  SourceWalk(Element* top, SourceOptions options, std::string& out)
+      : top_(top), options_(options), out_(out), joiner_(out) {}
+
+  void write(Document::SourceMode mode) {
+    const bool tags = mode != Document::SOURCE_CONTENT;
+    if (tags && !begin(top_)) return;
+    Node* n = mode != Document::SOURCE_TAGS ? top_->getFirstChild() : nullptr;
+    while (n) {
+      bool entered = false;
+      if (n->getNodeType() == Node::NODE_ELEMENT) {
+        entered = begin(static_cast<Element*>(n));
+      } else {
+        writeLeaf(n, joiner_);
+      }
+      if (entered && n->hasChildNodes()) {
+        n = n->getFirstChild();
+        continue;
+      }
+      if (entered) end(static_cast<Element*>(n));
+      Node* sibling = NodeAccess::childAfter(n);
+      while (!sibling && (n = n->getParentNode()) != top_) {
+        end(static_cast<Element*>(n));
+        sibling = NodeAccess::childAfter(n);
+      }
+      n = sibling;
+    }
+    if (tags) end(top_);
+  }
+
+ private:
+  // False if the element was written whole.
+  bool begin(Element* element) {
+    MetaData* md = ElementAccess::metaData(element);
+    if (md && !options_.rawTree) {
+      writePair(element, *md);
+      return false;
+    }
+    if (Element* visual = visualOf(element)) joiner_.append(ElementAccess::rawBeginTag(visual));
+    joiner_.append(ElementAccess::rawBeginTag(element));
+    return true;
+  }
+
+  void end(Element* element) {
+    joiner_.append(ElementAccess::rawEndTag(element));
+    if (Element* visual = visualOf(element)) joiner_.append(ElementAccess::rawEndTag(visual));
+  }
+
+  Element* visualOf(Element* element) const {
+    return options_.rawTree && !(options_.inner && element == top_) ? element->getATV() : nullptr;
+  }
+
+  void writePair(Element* element, MetaData& md) {
+    joiner_.append(md.getBeginTag());
+    if (!options_.compact || md.getType() == MetaData::AuthorTimeVisual) {
+      joiner_.flush();
+      // Below the top no other metadata stands above, for what has some is written whole.
+      if (underStale_ < 0)
+        underStale_ = MetaDataAccess::isUnderStale(top_) || (element != top_ && isStale(top_)) ? 1 : 0;
+      RuntimeTextState state;
+      MetaDataAccess::appendRuntimeText(md, out_, state, /*walkTree=*/false, /*dryRun=*/false, underStale_ == 1);
+      if (state.inScriptlet) joiner_.append(" %>");
+    }
+    joiner_.append(md.getEndTag());
+  }
+
+  static bool isStale(const Element* element) {
+    const MetaData* md = element->getMetaData();
+    return md && md->getType() == MetaData::DynamicData && md->isDirty();
+  }
+
+  Element* top_;
+  SourceOptions options_;
+  std::string& out_;
+  SliceJoiner joiner_;
+  int underStale_ = -1;
+};
+
 }  // namespace
 
-void writeNode(Node* top, Document::SourceMode mode, std::string& out) {
+void writeNode(Node* top, Document::SourceMode mode, std::string& out, SourceOptions options) {
   if (!top) return;
-  SliceJoiner joiner(out);
   if (top->getNodeType() != Node::NODE_ELEMENT) {
+    SliceJoiner joiner(out);
     writeLeaf(top, joiner);
     return;
   }
-  const bool tags = mode != Document::SOURCE_CONTENT;
-  const bool content = mode != Document::SOURCE_TAGS;
-  if (tags) joiner.append(ElementAccess::rawBeginTag(static_cast<Element*>(top)));
-  Node* n = content ? top->getFirstChild() : nullptr;
-  while (n) {
-    if (n->getNodeType() == Node::NODE_ELEMENT) {
-      joiner.append(ElementAccess::rawBeginTag(static_cast<Element*>(n)));
-      if (Node* child = n->getFirstChild()) {
-        n = child;
-        continue;
-      }
-    } else {
-      writeLeaf(n, joiner);
-    }
-    // Close what ends here.
-    while (true) {
-      if (n->getNodeType() == Node::NODE_ELEMENT) {
-        joiner.append(ElementAccess::rawEndTag(static_cast<Element*>(n)));
-      }
-      if (Node* sibling = NodeAccess::childAfter(n)) {
-        n = sibling;
-        break;
-      }
-      n = n->getParentNode();
-      if (n == top) {
-        n = nullptr;
-        break;
-      }
-    }
-  }
-  if (tags) joiner.append(ElementAccess::rawEndTag(static_cast<Element*>(top)));
+  SourceWalk(static_cast<Element*>(top), options, out).write(mode);
 }
 
-const char* Document::getSourceBuf(Node* node, SourceMode mode, bool) const {
-  sourceBuf_.clear();
-  if (node) writeNode(node, mode, sourceBuf_);
+const char* Document::getSourceBuf(Node* node, SourceMode mode, bool compact) const {
+  // A host that is asked for a control's text on the way may ask for a source itself.
+  std::string text;
+  SourceOptions options;
+  options.compact = compact;
+  if (node) writeNode(node, mode, text, options);
+  sourceBuf_ = std::move(text);
   return sourceBuf_.c_str();
 }
 

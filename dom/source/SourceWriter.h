@@ -37,8 +37,15 @@ class SliceJoiner {
   std::string_view pending_;
 };
 
-// Appends the source of `node` to `out`: the stored raw texts in tree order. Dirty nodes rebuild theirs as they are
-// asked, so that a second write of the same tree rebuilds nothing.
-void writeNode(Node* node, Document::SourceMode mode, std::string& out);
+struct SourceOptions {
+  bool rawTree = false;  // elements with metadata as they stand in the tree, with their visuals around them
+  bool compact = false;  // leaves out run-time text, but that of elements with a visual
+  bool inner = false;    // the node itself without its visual
+};
+
+// Appends the source of `node` to `out`: the stored raw texts in tree order, and for an element with metadata its pair
+// of comments with the run-time text between them. Dirty nodes rebuild theirs as they are asked, so that a second write
+// of the same tree rebuilds nothing.
+void writeNode(Node* node, Document::SourceMode mode, std::string& out, SourceOptions options = {});
 
 }  // namespace zeldom40

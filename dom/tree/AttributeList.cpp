@@ -8,6 +8,7 @@
 #include "dom/document/DocumentAccess.h"
 #include "dom/tree/AttributeAccess.h"
 #include "dom/tree/Element.h"
+#include "dom/tree/NodeAccess.h"
 
 namespace zeldom40 {
 
@@ -28,6 +29,16 @@ std::vector<Attribute*>& AttributeList::vec() {
 
 void AttributeList::recordChange() {
   if (owner_ && owner_->getDocument()) DocumentAccess::recordChange(owner_->getDocument(), owner_);
+}
+
+void AttributeList::noteChange(bool markDirty) {
+  if (!owner_) return;
+  if (markDirty) {
+    owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
+    owner_->setBeginTagDirty();
+  } else {
+    NodeAccess::raiseFlag(owner_, Node::UPDATE_ATTRIBUTE_MODIFIED);
+  }
 }
 
 const Attribute* AttributeList::getAttribute(const std::string& name) const {
@@ -60,14 +71,11 @@ Attribute* AttributeList::put(Attribute* attribute, bool markDirty) {
     delete *present;
     *present = attribute;
   }
-  if (owner_) {
-    owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
-    if (markDirty) owner_->setBeginTagDirty();
-  }
+  noteChange(markDirty);
   return attribute;
 }
 
-Attribute* AttributeList::removeAttribute(const std::string& name) {
+Attribute* AttributeList::removeAttribute(const std::string& name, bool markDirty) {
   // The record comes before the look-up: an absent name is an undo step too.
   recordChange();
   if (!attributes_) return nullptr;
@@ -76,10 +84,7 @@ Attribute* AttributeList::removeAttribute(const std::string& name) {
     Attribute* removed = *it;
     attributes_->erase(it);
     AttributeAccess::setOwner(removed, nullptr);
-    if (owner_) {
-      owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
-      owner_->setBeginTagDirty();
-    }
+    noteChange(markDirty);
     return removed;
   }
   return nullptr;

@@ -42,12 +42,13 @@ class ZELDOM40_API AttributeList {
   // As setAttribute; without `markDirty` neither tags nor metadata are marked, only the update flag is raised.
   Attribute* put(Attribute* attribute, bool markDirty);
   // Takes the attribute out and returns it, not deleted; null if the name is not found.
-  Attribute* removeAttribute(const std::string& name);
+  Attribute* removeAttribute(const std::string& name, bool markDirty = true);
   // Moves all attributes of `other` here; same names are replaced in place.
   void merge(AttributeList* other);
   void setOwner(Element* owner);
   std::vector<Attribute*>& vec();
   void recordChange();
+  void noteChange(bool markDirty);
 
   std::unique_ptr<std::vector<Attribute*>> attributes_;
   Element* owner_ = nullptr;

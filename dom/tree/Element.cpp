@@ -7,6 +7,7 @@
 #include "dom/document/DocumentAccess.h"
 #include "dom/dtd/AttributeDefinition.h"
 #include "dom/dtd/ElementDefinition.h"
+#include "dom/dynamic/MetaData.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/AttributeAccess.h"
@@ -40,7 +41,7 @@ Element::Element(const char* name, Document* document) : Element(std::string(nam
 
 Element::Element(Document* document) : Node(NODE_ELEMENT, document) { Node::setUpdateFlag(UPDATE_CREATED); }
 
-Element::Element(const Element& source, bool) : Node(source) {
+Element::Element(const Element& source, bool withMetaData) : Node(source) {
   elementID_ = source.elementID_;
   elementType_ = source.elementType_;
   endTagExists_ = source.endTagExists_;
@@ -72,6 +73,12 @@ Element::Element(const Element& source, bool) : Node(source) {
     attributes_.list = new AttributeList(*source.attributes_.list);
     attributes_.list->setOwner(this);
   }
+  if (withMetaData && source.getMetaData()) {
+    MetaData* copy = new MetaData(*source.getMetaData());
+    copy->addRef(false);
+    extra().metaData = copy;
+    copy->setElement(this);
+  }
   Node::setUpdateFlag(UPDATE_CREATED);
 }
 
@@ -85,6 +92,16 @@ void Element::releaseOwned() {
   }
   attributesInBlock_ = false;
   attributes_.list = nullptr;
+  if (MetaData* md = getMetaData()) {
+    extra_->metaData = nullptr;
+    md->setElement(nullptr);
+    // A visual goes with the children, for it may hold elements with visuals.
+    if (Element* visual = NodeAccess::refCount(md) == 1 ? md->takeATV() : nullptr) {
+      visual->dropRef(true);
+      NodeAccess::hangOnDying(this, visual);
+    }
+    md->releaseRef(false);
+  }
   delete extra_;
   extra_ = nullptr;
 }
@@ -311,24 +328,20 @@ void ElementAccess::installAttributes(Element* element, AttributeBlock* block) {
 
 // --- dirty marks and raw tags ----------------------------------------------------------------------------------------
 
-void Element::touchMetaData() {
-  // No element carries metadata yet; the nearest one upward that does becomes stale here.
-}
-
 void Element::setBeginTagDirty() {
   // An end tag depends on its begin tag's name.
   beginTagDirty_ = endTagDirty_ = true;
-  touchMetaData();
+  NodeAccess::noteEdit(this);
 }
 
 void Element::setEndTagDirty() {
   endTagDirty_ = true;
-  touchMetaData();
+  NodeAccess::noteEdit(this);
 }
 
-void Element::setUpdateFlag(unsigned long flag) { Node::setUpdateFlag(flag); }
-
-void Element::noteUpdate(unsigned long) {}
+void Element::noteUpdate(unsigned long) {
+  if (getMetaData() && NodeAccess::refCount(this) > 0) NodeAccess::makeStale(this);
+}
 
 std::string_view Element::beginView() const {
   return extra_ && extra_->beginOwn ? std::string_view(extra_->begin) : beginTag_.in(page_);
@@ -404,13 +417,16 @@ bool Element::rebuildsAlways() const {
 }
 
 void Element::refreshBeginTag() {
+  if (elementID_ == ID_OBJECT && getMetaData()) markNestedControl();
   if (!beginTagDirty_) checkContentChange();
   if (!beginTagDirty_) return;
   const bool defined = elementType_ == ELEMENT_DEFINED;
   // KEPT: unknown tags of an HTML page keep their source for ever, and <% %> is never rebuilt from attributes.
   if ((defined && (!(getElementGroup() & GROUP_SCRIPT_DATA) || alternative_)) || rebuildsAlways()) {
-    setRawBeginTag(buildBeginTag());
+    extra().begin = buildBeginTag();
+    extra_->beginOwn = true;
     contentAtTag_ = hasChildNodes();
+    NodeAccess::raiseFlag(this, UPDATE_CONTENT_MODIFIED);
   }
   beginTagDirty_ = false;
 }
@@ -419,7 +435,10 @@ void Element::refreshEndTag() {
   if (!endTagDirty_) checkContentChange();
   if (!endTagDirty_) return;
   if (elementType_ == ELEMENT_DEFINED || rebuildsAlways()) {
-    setRawEndTag(buildEndTag());
+    extra().end = buildEndTag();
+    extra_->endOwn = true;
+    contentAtTag_ = hasChildNodes();
+    NodeAccess::raiseFlag(this, UPDATE_CONTENT_MODIFIED);
   }
   endTagDirty_ = false;
 }
@@ -541,7 +560,7 @@ void Element::setScriptData(const char* data) {
   setRawBeginTag(tag);
 }
 
-// --- searches, dynamic content ---------------------------------------------------------------------------------------
+// --- searches --------------------------------------------------------------------------------------------------------
 
 NodeIterator Element::getElementsByTagName(const std::string& name) {
   auto* found = new std::vector<Node*>;
@@ -553,20 +572,5 @@ NodeIterator Element::getElementsByTagName(const std::string& name) {
   }
   return NodeAccess::makeResults(found);
 }
-
-MetaData* Element::getMetaData() const { return extra_ ? extra_->metaData : nullptr; }
-
-bool Element::isDynamicElement() const {
-  if (elementID_ >= ID_ZELX_TEXT && elementID_ <= ID_ZELX_PROPERTY) return true;
-  if (attributesInBlock_) {
-    const AttributeBlock::Entry* entry = attributes_.block->find("DYNAMICELEMENT");
-    return entry && entry->definition;
-  }
-  if (!attributes_.list) return false;
-  const Attribute* attribute = attributes_.list->getAttribute("DYNAMICELEMENT");
-  return attribute && attribute->getAttributeDefinition();
-}
-
-bool Element::isDTC() const { return elementID_ == ID_OBJECT && ElementAccess::hasAttribute(this, "DTC"); }
 
 }  // namespace zeldom40

@@ -39,7 +39,6 @@ class ZELDOM40_API Element : public Node {
   bool isEndOmittable() const override;
   // Whether the element never has content. Without a definition: true in an HTML document.
   bool isEmptyTag() const override;
-  void setUpdateFlag(unsigned long flag) override;
 
   HTML40ElementID getElementID() const { return static_cast<HTML40ElementID>(elementID_); }
   void setElementID(HTML40ElementID id) { elementID_ = static_cast<std::int16_t>(id); }
@@ -80,8 +79,8 @@ class ZELDOM40_API Element : public Node {
   void setHidden(bool) {}
   bool canHaveATV() const;
 
-  // A changed name or attribute shows in both tags; setEndTagDirty concerns the end tag alone. Both make the metadata
-  // of the nearest enclosing element that has one stale.
+  // A changed name or attribute shows in both tags; setEndTagDirty concerns the end tag alone. As all edits, both make
+  // the metadata of this element and of all around it stale.
   void setBeginTagDirty();
   void setEndTagDirty();
   // The source text; a dirty tag is written anew first, which raises UPDATE_CONTENT_MODIFIED. KEPT: tags unknown to the
@@ -102,9 +101,26 @@ class ZELDOM40_API Element : public Node {
   // Replaces the code. In the alternative form all children go; that form needs a document.
   void setScriptData(const char* data);
 
+  // --- dynamic content (dom/dynamic/MetaDataElement.cpp) ------------------------------------------------------------
+  // Null for an element that is saved as it stands. Owned by the element.
   MetaData* getMetaData() const;
+  // Takes over one reference of `md`; the present one is unlinked and released. One that belongs to another element is
+  // copied, and keeps its reference. Null: none.
+  void setMetaData(MetaData* md);
+  // Whether the server makes the element: one of ZELX:TEXT, ZELX:LOOP and ZELX:PROPERTY, or an element that is declared
+  // to have DYNAMICELEMENT and has it.
   bool isDynamicElement() const;
+  // Adds or deletes the mark, and with it the metadata. KEPT: where the mark is not declared it stays without effect.
+  void setDynamicElement(bool on);
+  // An OBJECT that is a design-time control, or marked with DTC to become one.
   bool isDTC() const;
+  // Makes an OBJECT a control. KEPT: false does nothing.
+  void setDTC(bool on);
+  // The ZELX:ATV element that shows this one to the author; null if there is none.
+  Element* getATV() const;
+  // Takes over one reference of `atv`, or drops the visual for null. False, with nothing changed, for another element,
+  // for metadata of another type, and without a document.
+  bool setATV(Element* atv);
 
  private:
   friend struct ElementAccess;
@@ -124,7 +140,7 @@ class ZELDOM40_API Element : public Node {
   std::string buildBeginTag() const;
   std::string buildEndTag() const;
   bool isHtmlOrLost() const;
-  void touchMetaData();
+  void markNestedControl();
   AttributeList& list();
 
   // Fit into the base's last bytes.

@@ -159,27 +159,37 @@ void Node::setError(unsigned long bits) {
 }
 
 void Node::setUpdateFlag(unsigned long flag) {
-  NodeAccess::addFlags(this, flag);
-  if (flag == UPDATE_SIBLING_CHANGED) return;
-  Node* p = parent_;
-  if (flag == UPDATE_ADDED) {
+  // The parser's nodes are counted when it is through: what it does to them is no edit.
+  if (flag != UPDATE_SIBLING_CHANGED && refCount_ > 0) NodeAccess::noteEdit(this);
+  NodeAccess::raiseFlag(this, flag);
+}
+
+void NodeAccess::raiseFlag(Node* node, unsigned long flag) {
+  addFlags(node, flag);
+  if (flag == Node::UPDATE_SIBLING_CHANGED) return;
+  Node* p = node->parent_;
+  if (flag == Node::UPDATE_ADDED) {
     // A parent that is new itself has told its ancestors already.
-    if (p && (p->updateFlags_ & UPDATE_ADDED)) p = nullptr;
+    if (p && (p->updateFlags_ & Node::UPDATE_ADDED)) p = nullptr;
     // A subtree that is added whole is flagged whole; below a node that has the flag all is flagged.
-    Node* n = firstChild_;
+    Node* n = node->firstChild_;
     while (n) {
-      if (n->updateFlags_ & UPDATE_ADDED) {
-        n = NodeAccess::nextSkippingChildren(n, this);
+      if (n->updateFlags_ & Node::UPDATE_ADDED) {
+        n = nextSkippingChildren(n, node);
       } else {
-        n->noteUpdate(UPDATE_ADDED);
-        NodeAccess::addFlags(n, UPDATE_ADDED);
-        n = NodeAccess::nextInSubtree(n, this);
+        n->noteUpdate(Node::UPDATE_ADDED);
+        addFlags(n, Node::UPDATE_ADDED);
+        n = nextInSubtree(n, node);
       }
     }
   }
-  for (; p && !(p->updateFlags_ & UPDATE_CHILD_MODIFIED); p = p->parent_) {
-    p->noteUpdate(UPDATE_CHILD_MODIFIED);
-    NodeAccess::addFlags(p, UPDATE_CHILD_MODIFIED);
+  for (; p && !(p->updateFlags_ & Node::UPDATE_CHILD_MODIFIED); p = p->parent_) {
+    if (p->nodeType_ == Node::NODE_META_DATA) {
+      // The visual that it keeps aside; its element is told.
+      p->setUpdateFlag(Node::UPDATE_CHILD_MODIFIED);
+      return;
+    }
+    addFlags(p, Node::UPDATE_CHILD_MODIFIED);
   }
 }
 
@@ -425,6 +435,8 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
     std::vector<Node*>& list = parent->children_->list;
     list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), run.begin(), run.end());
   }
+  // What comes may have been edited before, and would not climb any more.
+  if (byHost || parent->refCount_ > 0) noteEdit(parent);
   for (Node* n = head;;) {
     Node* following = n == end ? nullptr : n->next_;
     n->parent_ = parent;

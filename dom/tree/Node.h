@@ -198,7 +198,7 @@ class ZELDOM40_API Node {
   virtual void releaseOwned();
   // A copy of this node alone.
   virtual Node* cloneSelf() const;
-  // Told before a flag is raised on this node from elsewhere in the tree.
+  // Told before a flag is raised on this node because it stands in a subtree that is added.
   virtual void noteUpdate(unsigned long flag);
 
   Document* document_ = nullptr;
@@ -216,7 +216,8 @@ class ZELDOM40_API Node {
   std::uint8_t viewFlags_ : 2 = 0;
   bool listIsTruth_ : 1 = false;  // sibling links of the children were tampered with: the list decides
   bool released_ : 1 = false;
-  bool place_ : 1 = false;  // a cursor or the end of a selection was set here: documents must learn of the node's end
+  bool place_ : 1 = false;   // a cursor or the end of a selection was set here: documents must learn of the node's end
+  bool edited_ : 1 = false;  // what carries metadata from here up knows of an edit; so is the parent marked
 };
 
 }  // namespace zeldom40

@@ -8,6 +8,8 @@
 
 namespace zeldom40 {
 
+class Element;
+
 // A child list by index, shared by its node and the iterators over it.
 struct ChildListHolder {
   std::vector<Node*> list;
@@ -25,6 +27,7 @@ struct NodeAccess {
   static int refCount(const Node* node) { return node->refCount_; }
   static unsigned long flags(const Node* node) { return node->updateFlags_; }
   static void addFlags(Node* node, unsigned long flags) { node->updateFlags_ |= static_cast<std::uint16_t>(flags); }
+  // The way up from a visual that metadata keeps aside.
   static void setParent(Node* node, Node* parent) { node->parent_ = parent; }
   static void addError(Node* node, unsigned long bits) { node->error_ |= static_cast<std::uint32_t>(bits); }
   static void markAsPlace(Node* node) {
@@ -36,6 +39,21 @@ struct NodeAccess {
       node->releaseOwned();
     }
   }
+
+  // --- edits and metadata (MetaDataMarks.cpp) -----------------------------------------------------------------------
+  // `node` or what it holds is being edited: the metadata of it and of all elements around it becomes stale. Each node
+  // climbs once, until forgetEdits.
+  static void noteEdit(Node* node);
+  // Metadata of `top` is current again: edits in its subtree count from here on.
+  static void forgetEdits(Node* top);
+  // The next node on the way up: from a MetaData that belongs to an element on to that element.
+  static Node* above(const Node* node) {
+    return node->nodeType_ == Node::NODE_META_DATA ? aboveMetaData(node) : node->parent_;
+  }
+  // The metadata of `element`, which has some, is stale, unless a parse is sorting out its nodes.
+  static void makeStale(Element* element);
+  // Raises a flag as setUpdateFlag does, for a change that is no edit of the page.
+  static void raiseFlag(Node* node, unsigned long flag);
 
   // --- walks --------------------------------------------------------------------------------------------------------
   // The children in order; strays that only their sibling links connect are not met.
@@ -71,6 +89,11 @@ struct NodeAccess {
   static void detach(Node* child);
   // Links a node of a restored tree below its parent, without any flags.
   static void attachRestored(Node* parent, Node* child);
+  // One more child for a node whose children are about to be destroyed with it.
+  static void hangOnDying(Node* parent, Node* child) {
+    if (parent->children_) parent->children_->list.push_back(child);
+    attachRestored(parent, child);
+  }
   static void clearFlags(Node* node) { node->updateFlags_ = 0; }
   // Links a clone below its parent clone; the flags are what the insertion calls would have left.
   static void adoptClone(Node* parent, Node* child);
@@ -90,6 +113,7 @@ struct NodeAccess {
   static void setPrev(Node* node, Node* prev);
   static void join(Node* left, Node* right);
   static void link(Node* left, Node* right);
+  static Node* aboveMetaData(const Node* node);
   static void trustList(Node* parent);
   static void forgetList(Node* parent);
   static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, Insertion how);

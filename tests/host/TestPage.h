@@ -143,6 +143,15 @@ class PageTest : public testing::Test {
     return std::string(text, doc_->getSourceBufLen(nullptr, mode, false));
   }
 
+  // The same without pairs around dynamic elements, which lose their metadata.
+  std::string plainSource(Node* node = nullptr, Document::SourceMode mode = Document::SOURCE_ALL) {
+    Node* top = node ? node : doc_->getDocumentElement();
+    for (Node* n = top; n; n = doc_->findNextNode(n, top, false, false)) {
+      if (n->getNodeType() == Node::NODE_ELEMENT) static_cast<Element*>(n)->setMetaData(nullptr);
+    }
+    return source(top, mode);
+  }
+
   // The n-th (0-based) node of that name in document order; null if there are not so many.
   Node* find(const char* name, int n = 0) { return doc_->getElementsByTagName(name).moveTo(n); }
   Element* element(const char* name, int n = 0) {

@@ -19,7 +19,7 @@ class PageTableTest : public PageTest {
   void expectTrees(const PageRow (&rows)[count], unsigned parts = kDumpErrors) {
     for (const PageRow& row : rows) {
       EXPECT_EQ(tree(row.page, parts), row.tree) << row.page;
-      EXPECT_EQ(source(), row.page);
+      EXPECT_EQ(plainSource(), row.page);
     }
   }
 };

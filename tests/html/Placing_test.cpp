@@ -124,7 +124,7 @@ class Fragment : public PageTest {
   std::string fillNew(const char* name, std::string_view text) {
     Element* target = doc_->createElement(name);
     const std::string result = fill(target, text);
-    EXPECT_EQ(source(target, Document::SOURCE_CONTENT), text);
+    EXPECT_EQ(plainSource(target, Document::SOURCE_CONTENT), text);
     EXPECT_EQ(target->addRef(false), 2);
     target->releaseRef(false);
     target->releaseRef(true);
