@@ -10,7 +10,7 @@
 #include "dom/dynamic/Primitives.h"
 #include "dom/dynamic/PropertyPath.h"
 #include "dom/dynamic/QueryParameter.h"
-#include "dom/dynamic/RuntimeStack.h"
+#include "dom/dynamic/RuntimeWriter.h"
 #include "dom/dynamic/Tables.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/Attribute.h"
@@ -166,7 +166,7 @@ void DynBase::generate(MetaData* metaData, std::string& out, RuntimeTextState& s
   Element* element = metaData ? metaData->getElement() : nullptr;
   // The identifier must be one of this class.
   if (!element || kindOf(element) != kind_) return;
-  RuntimeStack(out, state, element->getDocument()).generate(metaData);
+  generateRuntimeText(metaData, out, state, /*isOutermost=*/false);
 }
 
 void DynBase::collectProperties(const Element* element, std::set<std::string>& used) const {

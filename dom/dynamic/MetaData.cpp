@@ -248,6 +248,16 @@ bool MetaDataAccess::isUnderStale(const Element* element) {
   return false;
 }
 
+bool MetaDataAccess::isUnderMetaData(const Element* element) {
+  const Node* n = element->getParentNode();
+  while (n && !(n->getNodeType() == Node::NODE_ELEMENT && static_cast<const Element*>(n)->getMetaData())) {
+    // A visual stands in no tree, but the element that it is for has metadata.
+    if (n->getNodeType() == Node::NODE_META_DATA) return true;
+    n = n->getParentNode();
+  }
+  return n != nullptr;
+}
+
 MetaDataAccess::Rest MetaDataAccess::startRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state,
                                                       bool walkTree, bool dryRun, bool underStale) {
   Element* element = md.element_;
@@ -317,7 +327,7 @@ void MetaDataAccess::finishRuntimeText(MetaData& md, const std::string& out, std
 }
 
 void MetaDataAccess::appendRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree,
-                                       bool dryRun, bool underStale) {
+                                       bool dryRun, bool underStale, bool isOutermost) {
   switch (startRuntimeText(md, out, state, walkTree, dryRun, underStale)) {
     case Rest::NONE:
       return;
@@ -327,7 +337,7 @@ void MetaDataAccess::appendRuntimeText(MetaData& md, std::string& out, RuntimeTe
     case Rest::GENERATE: {
       const DocumentAccess::DryRun guard(dryRun ? md.getDocument() : nullptr);
       const std::size_t start = out.size();
-      md.getDynamicData()->generate(&md, out, state);
+      generateRuntimeText(&md, out, state, isOutermost);
       finishRuntimeText(md, out, start, state, dryRun);
       return;
     }

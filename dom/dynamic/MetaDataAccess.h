@@ -23,11 +23,13 @@ struct MetaDataAccess {
                                bool underStale);
   static void finishRuntimeText(MetaData& md, const std::string& out, std::size_t start, const RuntimeTextState& state,
                                 bool dryRun, bool isNested = false);
-  // appendRuntimeText for a caller that knows what stands above.
+  // appendRuntimeText for a caller that knows what stands above; `isOutermost`: no element with metadata does.
   static void appendRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun,
-                                bool underStale);
+                                bool underStale, bool isOutermost = false);
   // Whether the dynamic data of an element above `element` is stale. Climbs to the top.
   static bool isUnderStale(const Element* element);
+  // Whether an element above has metadata. Climbs to the top.
+  static bool isUnderMetaData(const Element* element);
 
   // The dynamic data is made anew if the element asks for another class by now; the old one is the caller's to release.
   static void setObject(MetaData& md, void* object) { md.object_ = object; }

@@ -166,8 +166,15 @@ void RuntimeStack::writeChildren(Element* element) {
   run();
 }
 
-void RuntimeStack::generate(MetaData* metaData) {
-  pushGeneration(metaData, aroundOf(metaData->getElement()), /*isNested=*/false);
+void RuntimeStack::generate(MetaData* metaData, bool isOutermost) {
+  Element* element = metaData->getElement();
+  Around around;
+  if (isOutermost) {
+    around.textAllowed = allowsTextAround(element);
+  } else {
+    around = aroundOf(element);
+  }
+  pushGeneration(metaData, around, /*isNested=*/false);
   run();
 }
 
@@ -295,6 +302,11 @@ void RuntimeStack::stepGeneration(Generation& generation) {
 // --- the plain functions ---------------------------------------------------------------------------------------------
 
 bool cannotHoldText(Document*, const Element* element) { return cannotHoldText(element, allowsTextAround(element)); }
+
+void generateRuntimeText(MetaData* metaData, std::string& out, RuntimeTextState& state, bool isOutermost) {
+  Element* element = metaData->getElement();
+  if (element) RuntimeStack(out, state, element->getDocument()).generate(metaData, isOutermost);
+}
 
 void emitEndTag(Element* element, std::string& out, RuntimeTextState& state) {
   writeEndTag(element, cannotHoldText(element->getDocument(), element), out, state);

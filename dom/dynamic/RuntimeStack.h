@@ -27,7 +27,7 @@ class RuntimeStack {
   // From a caller outside of the walk; each runs to its end.
   void writeElement(Element* element, bool ignoreMetaData);
   void writeChildren(Element* element);
-  void generate(MetaData* metaData);
+  void generate(MetaData* metaData, bool isOutermost);
 
  private:
   struct Around {

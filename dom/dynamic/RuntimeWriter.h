@@ -8,6 +8,7 @@ namespace zeldom40 {
 
 class Document;
 class Element;
+class MetaData;
 class Text;
 struct RuntimeTextState;
 
@@ -31,5 +32,9 @@ void emitEndTag(Element* element, std::string& out, RuntimeTextState& state);
 void emitChildren(Element* element, std::string& out, RuntimeTextState& state);
 void emitElement(Element* element, std::string& out, RuntimeTextState& state, bool ignoreMetaData);
 void emitText(Text* text, std::string& out, RuntimeTextState& state);
+
+// The body of DynamicData::generate. It climbs to the top for the loops that the element stands in, unless the caller
+// knows that no element with metadata stands above.
+void generateRuntimeText(MetaData* metaData, std::string& out, RuntimeTextState& state, bool isOutermost);
 
 }  // namespace zeldom40

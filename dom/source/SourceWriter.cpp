@@ -101,10 +101,13 @@ class SourceWalk {
     if (!options_.compact || md.getType() == MetaData::AuthorTimeVisual) {
       joiner_.flush();
       // Below the top no other metadata stands above, for what has some is written whole.
-      if (underStale_ < 0)
+      if (underStale_ < 0) {
         underStale_ = MetaDataAccess::isUnderStale(top_) || (element != top_ && isStale(top_)) ? 1 : 0;
+        isOutermost_ = (element == top_ || !top_->getMetaData()) && !MetaDataAccess::isUnderMetaData(top_);
+      }
       RuntimeTextState state;
-      MetaDataAccess::appendRuntimeText(md, out_, state, /*walkTree=*/false, /*dryRun=*/false, underStale_ == 1);
+      MetaDataAccess::appendRuntimeText(md, out_, state, /*walkTree=*/false, /*dryRun=*/false, underStale_ == 1,
+                                        isOutermost_);
       if (state.inScriptlet) joiner_.append(" %>");
     }
     joiner_.append(md.getEndTag());
@@ -120,6 +123,7 @@ class SourceWalk {
   std::string& out_;
   SliceJoiner joiner_;
   int underStale_ = -1;
+  bool isOutermost_ = false;  // no metadata stands above the pairs
 };
 
 }  // namespace
