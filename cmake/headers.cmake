@@ -14,7 +14,10 @@ set(ZELDOM40_HEADERS
     dom/dtd/LexerType.h
     dom/dtd/Parser.h
     dom/dtd/ParserType.h
+    dom/dynamic/DTCClientItem.h
+    dom/dynamic/DTCDocument.h
     dom/dynamic/JavaTypeLookupIF.h
+    dom/dynamic/MetaData.h
     dom/html/HTMLParser.h
     dom/source/CodeConv.h
     dom/source/DocumentStyle.h

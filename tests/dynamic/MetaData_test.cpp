@@ -1,0 +1,397 @@
+// Metadata pairs: how a page's comments become elements, how they are written, and what makes them stale.
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "dom/dynamic/MetaDataComment.h"
+#include "tests/host/TestPage.h"
+
+namespace zeldom40 {
+namespace {
+
+using std::string_literals::operator""s;
+
+std::string begin(const char* type, std::string_view source) {
+  return "<!--METADATA type=\""s + type + "\" startspan\r\n" + std::string(source) + "\r\n-->";
+}
+std::string end(const char* type) { return "<!--METADATA type=\""s + type + "\" endspan-->"; }
+std::string pair(const char* type, std::string_view source, std::string_view runtime) {
+  return begin(type, source) + std::string(runtime) + end(type);
+}
+
+constexpr const char* kDyn = "DynamicData";
+constexpr const char* kVisual = "AuthorTimeVisual";
+constexpr const char* kControl = "DesignerControl";
+constexpr const char* kImage = "<IMG DYNAMICELEMENT SRC=\"a.gif\">";
+
+class MetaDataTest : public PageTest {
+ public:
+  using PageTest::doc_;
+  using PageTest::element;
+  using PageTest::text;
+
+ protected:
+  std::string body() { return dumpTree(element("BODY")); }
+  // The tree, with a mark behind each element that has metadata: its type and whether it is stale.
+  std::string marks() {
+    std::string out;
+    for (Node* n = doc_->getDocumentElement(); n; n = doc_->findNextNode(n, nullptr, false, false)) {
+      MetaData* md = n->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(n)->getMetaData() : nullptr;
+      if (md) out += n->getName() + ':' + std::to_string(md->getType()) + (md->isDirty() ? "! " : " ");
+    }
+    return out;
+  }
+};
+
+// --- comments --------------------------------------------------------------------------------------------------------
+
+TEST(MetaDataComment, BeginsOnItsFirstLineInAnyOrderAndCase) {
+  const struct {
+    std::string_view body;
+    int type;  // -1: no begin comment
+  } rows[] = {
+      {"--METADATA type=\"DynamicData\" startspan\r\nx\r\n--", 1},
+      {"-- metadata TYPE='designercontrol' x=1 STARTSPAN\nx--", 0},
+      {"---METADATA startspan type = AUTHORTIMEVISUAL y\rx--", 2},
+      {"--METADATA type=\"DynamicData\" startspan--", -1},
+      {"--METADATA type=\"DynamicData\"\r\nstartspan--", -1},
+      {"--METADATA startspan\r\ntype=\"DynamicData\"--", -1},
+      {"--METADATA type=\"Other\" startspan\r\n--", -1},
+      {"--METADATA type startspan\r\n--", -1},
+      {"--METADATA type=\"DynamicData\" startspan endspan\r\n--", -1},
+      {"--METADATAS type=\"DynamicData\" startspan\r\n--", -1},
+      {"--x METADATA type=\"DynamicData\" startspan\r\n--", -1},
+      {"--\r\n--", -1},
+      {"", -1},
+  };
+  for (const auto& row : rows) {
+    MetaData::Type type = MetaData::None;
+    const bool matched = matchBeginComment(row.body, type);
+    EXPECT_EQ(matched ? type : -1, row.type) << row.body;
+  }
+}
+
+TEST(MetaDataComment, EndsWithTheSameType) {
+  EXPECT_TRUE(matchEndComment("--METADATA type=\"DynamicData\" endspan--", MetaData::DynamicData));
+  EXPECT_TRUE(matchEndComment("--MetaData\r\nx EndSpan Type=dynamicdata----", MetaData::DynamicData));
+  EXPECT_FALSE(matchEndComment("--METADATA type=\"DesignerControl\" endspan--", MetaData::DynamicData));
+  EXPECT_FALSE(matchEndComment("--METADATA endspan--", MetaData::DynamicData));
+  EXPECT_FALSE(matchEndComment("--METADATA type=\"DynamicData\" startspan--", MetaData::DynamicData));
+  EXPECT_FALSE(matchEndComment("----", MetaData::DynamicData));
+}
+
+TEST(MetaDataComment, ASourceThatWouldEndTheCommentIsKept) {
+  for (const char* source : {"<P>", "a--b", "--&amp;lt;", "<!-- c -->", "-->-->", "--->", "--&gt;", "--&amp;gt;",
+                             "--&amp;amp;gt;-->", "--&", "--&amp;", "----&gt;>", "<A t=\"-->\">"}) {
+    const std::string comment = makeBeginComment(MetaData::DynamicData, source);
+    EXPECT_EQ(comment.find("-->"), comment.size() - 3) << source;
+    EXPECT_EQ(designSource(comment), source);
+  }
+  // A source with neither stands there as it is.
+  EXPECT_EQ(makeBeginComment(MetaData::DynamicData, "<A>--&amp;b</A>"), begin(kDyn, "<A>--&amp;b</A>"));
+}
+
+// --- reading ---------------------------------------------------------------------------------------------------------
+
+TEST_F(MetaDataTest, APairBecomesItsElementAndComesBackAsItWas) {
+  const struct {
+    std::string page;
+    const char* body;
+    const char* marks;
+  } rows[] = {
+      {pair(kControl, "<OBJECT ID=x></OBJECT>", "<B>run</B>"), "BODY(OBJECT)", "OBJECT:0 "},
+      {pair(kVisual, "<ZELX:ATV IMGSRC=a></ZELX:ATV>", "<%= x %>"), "BODY(JSP:EXPRESSION)", "JSP:EXPRESSION:2 "},
+      {pair(kVisual, "<ZELX:ATV></ZELX:ATV>", "\r\n<%= x %> \r\n"), "BODY(JSP:EXPRESSION)", "JSP:EXPRESSION:2 "},
+      // No object generates for this type, so the stored text stands.
+      {pair(kDyn, "<INPUT DYNAMICELEMENT TYPE=password>", "<%= p %>"), "BODY(INPUT)", "INPUT:1 "},
+      {"<!-- metadata TYPE='designercontrol' x=1 STARTSPAN\n<OBJECT></OBJECT>-->r"s + end(kControl), "BODY(OBJECT)",
+       "OBJECT:0 "},
+      {pair(kControl, "<OBJECT></OBJECT>", "a\0b"s), "BODY(OBJECT)", "OBJECT:0 "},
+      // The first end comment of the type ends the pair; one of another type does not.
+      {pair(kControl, "<OBJECT></OBJECT>", "a" + end(kDyn)) + pair(kControl, "<OBJECT></OBJECT>", "b"),
+       "BODY(OBJECT OBJECT)", "OBJECT:0 OBJECT:0 "},
+      {begin(kControl, "<OBJECT></OBJECT>") + "r<!--METADATA type=DesignerControl endspan", "BODY(OBJECT)",
+       "OBJECT:0 "},
+  };
+  for (const auto& row : rows) {
+    const std::string page = "<BODY>" + row.page;
+    load(page);
+    EXPECT_EQ(body(), row.body) << page;
+    EXPECT_EQ(marks(), row.marks) << page;
+    EXPECT_EQ(source(), page);
+    EXPECT_EQ(source(), page) << "at the second time";
+  }
+}
+
+TEST_F(MetaDataTest, WhatIsNoPairStaysWhatAPlainReaderSees) {
+  const struct {
+    std::string page;
+    const char* body;
+  } rows[] = {
+      // Never a pair: no line break, no end, the end of another type, an unknown type, a server comment.
+      {"<!--METADATA type=\"DynamicData\" startspan--><B>x</B>" + end(kDyn), nullptr},
+      {begin(kDyn, kImage) + "<B>x</B>", nullptr},
+      {begin(kDyn, kImage) + "<B>x</B>" + end(kControl), nullptr},
+      {begin("Other", kImage) + "<B>x</B>" + end("Other"), nullptr},
+      {"<%--METADATA type=\"DynamicData\" startspan\r\n" + std::string(kImage) + "--%><B>x</B>" + end(kDyn), nullptr},
+      // A pair that describes no element of its type.
+      {pair(kDyn, "<IMG>", "<B>x</B>"), nullptr},
+      {pair(kDyn, "", "<B>x</B>"), nullptr},
+      {pair(kControl, "<IMG>", "<B>x</B>"), nullptr},
+      {pair(kVisual, "<ZELX:ATV></ZELX:ATV>", "<B>x</B>"), nullptr},
+  };
+  for (const auto& row : rows) {
+    const std::string page = "<BODY>" + row.page;
+    load(page);
+    EXPECT_EQ(marks(), "") << page;
+    EXPECT_NE(element("B"), nullptr) << page;
+    EXPECT_EQ(source(), page);
+  }
+}
+
+TEST_F(MetaDataTest, WhatStandsBesideTheElementMovesIntoThePage) {
+  load("<BODY>" + pair(kControl, "t<OBJECT></OBJECT><HR>", "r"));
+  EXPECT_EQ(body(), "BODY(\"t\" OBJECT HR)");
+  EXPECT_EQ(marks(), "OBJECT:0! ");
+  EXPECT_EQ(source(), "<BODY>t" + pair(kControl, "<OBJECT></OBJECT>", "r") + "<HR>");
+  // The content of a visual moves out behind what it shows.
+  load("<BODY>" + pair(kVisual, "<ZELX:ATV><B>v</B></ZELX:ATV>", "<%= x %>"));
+  EXPECT_EQ(body(), "BODY(JSP:EXPRESSION B(\"v\"))");
+  EXPECT_EQ(source(), "<BODY>" + pair(kVisual, "<ZELX:ATV></ZELX:ATV>", "<%= x %>") + "<B>v</B>");
+}
+
+TEST_F(MetaDataTest, WhatTheParentCannotHaveIsMarked) {
+  load("<TABLE><TR>" + pair(kControl, "<OBJECT></OBJECT> ", "r") + "</TABLE>");
+  EXPECT_TRUE(element("OBJECT")->getError() & ERR_ELEMENT_CANNOT_BE_CONTAINED);
+}
+
+TEST_F(MetaDataTest, ElementsWithoutAPairGetOneAtTheNextSave) {
+  const struct {
+    const char* page;
+    const char* marks;
+  } rows[] = {
+      {"<BODY><OBJECT DTC></OBJECT><OBJECT></OBJECT>", "OBJECT:0! "},
+      {"<BODY><UL DYNAMICELEMENT><LI><ZELX:PROPERTY PROPERTY=a.b></UL>", "UL:1! ZELX:PROPERTY:1! "},
+      {"<BODY><B DYNAMICELEMENT>x</B>", ""},
+      // A visual goes to the first element inside that can carry it; one around nothing goes.
+      {"<BODY><ZELX:ATV><B><%= a %><%= b %></B></ZELX:ATV>", "JSP:EXPRESSION:2! "},
+      {"<BODY><ZELX:ATV><B>x</B></ZELX:ATV>", ""},
+      {"<BODY><ZELX:ATV FONTTEXT=o><ZELX:ATV FONTTEXT=i><%= a %></ZELX:ATV></ZELX:ATV>", "JSP:EXPRESSION:2! "},
+  };
+  for (const auto& row : rows) {
+    load(row.page);
+    EXPECT_EQ(marks(), row.marks) << row.page;
+  }
+  EXPECT_EQ(source(), "<BODY>" + pair(kVisual, "<ZELX:ATV FONTTEXT=i></ZELX:ATV>", "<%= a %>"));
+}
+
+TEST_F(MetaDataTest, PairsInsidePairsAreFollowedSoFar) {
+  std::string page = "<OBJECT></OBJECT>";
+  for (int i = 0; i < 30; ++i) {
+    page = makeBeginComment(MetaData::DesignerControl, page + "<OBJECT></OBJECT>") + "r" +
+           makeEndComment(MetaData::DesignerControl);
+  }
+  load(page);
+  EXPECT_NE(element("OBJECT", 1), nullptr);
+  // Each level moved out of its source into the page; those that were not followed are next.
+  for (int i = 0; i < 4; ++i) load(source());
+  const std::string saved = source();
+  load(saved);
+  EXPECT_EQ(source(), saved);
+  EXPECT_NE(element("OBJECT", 30), nullptr);
+}
+
+TEST_F(MetaDataTest, HostilePagesTakeTimeByTheirLength) {
+  std::string lone;
+  for (int i = 0; i < 20000; ++i) lone += begin(i % 2 ? kDyn : kControl, "<B>") + "<P>";
+  load(lone);
+  EXPECT_EQ(source(), lone);
+  std::string many = "<BODY>";
+  for (int i = 0; i < 5000; ++i) many += pair(kControl, "<OBJECT></OBJECT>", "r");
+  load(many);
+  EXPECT_EQ(source(), many);
+}
+
+// --- edits -----------------------------------------------------------------------------------------------------------
+
+TEST_F(MetaDataTest, AnEditMakesAllMetaDataAroundItStale) {
+  const std::string page =
+      "<BODY>" + pair(kDyn, "<UL DYNAMICELEMENT><LI><B>x</B><I></I><EM></EM></UL>", "run") + "<P>y";
+  const struct {
+    const char* what;
+    void (*edit)(MetaDataTest&);
+    bool stale;
+  } rows[] = {
+      {"text", [](MetaDataTest& t) { t.text()->setData("z", true); }, true},
+      {"attribute", [](MetaDataTest& t) { t.element("B")->setAttribute("ID", "i", true); }, true},
+      {"unannounced", [](MetaDataTest& t) { t.element("B")->setAttribute("ID", "i", false); }, false},
+      {"raw tag", [](MetaDataTest& t) { t.element("LI")->setRawBeginTag("<li>"); }, true},
+      {"removal", [](MetaDataTest& t) { t.doc_->deleteNodes(t.element("B")); }, true},
+      {"insertion", [](MetaDataTest& t) { t.element("LI")->insertLast(t.doc_->createElement("HR")); }, true},
+      {"parse",
+       [](MetaDataTest& t) {
+         Element* empty = t.element(t.element("I")->hasChildNodes() ? "EM" : "I");
+         t.doc_->createNodes("<S>", 3, empty, true);
+       },
+       true},
+      {"elsewhere", [](MetaDataTest& t) { t.element("P")->setAttribute("ID", "i", true); }, false},
+      {"reading", [](MetaDataTest& t) { t.element("B")->getRawBeginTag(); }, false},
+  };
+  for (const auto& row : rows) {
+    // With the flags of the parse standing, and with none.
+    for (const bool clear : {false, true}) {
+      doc_->createNodes(page.data(), static_cast<unsigned>(page.size()), nullptr, /*adjust=*/true);
+      if (clear) doc_->clearUpdateFlag();
+      EXPECT_EQ(marks(), "UL:1 ");
+      // Once more behind a save, which makes it current again.
+      for (int round = 0; round < 2; ++round) {
+        if (round == 1) source();
+        if (round == 1 && !element("B")) break;
+        row.edit(*this);
+        EXPECT_EQ(marks(), row.stale ? "UL:1! " : "UL:1 ") << row.what << round;
+      }
+    }
+  }
+}
+
+TEST_F(MetaDataTest, WhatWasEditedBeforeItCameStillCounts) {
+  load("<BODY>" + pair(kDyn, "<UL DYNAMICELEMENT><LI>x</UL>", "run"));
+  Element* bold = doc_->createElement("B");
+  bold->setAttribute("ID", "i", true);
+  element("LI")->insertLast(bold);
+  source();
+  EXPECT_EQ(marks(), "UL:1 ");
+  bold->setAttribute("ID", "j", true);
+  EXPECT_EQ(marks(), "UL:1! ");
+  EXPECT_NE(source().find("<LI>x<B id=\"j\"></B>"), std::string::npos) << source();
+}
+
+TEST_F(MetaDataTest, AnEditOfAVisualIsOneOfThePage) {
+  load("<BODY>" + pair(kVisual, "<ZELX:ATV></ZELX:ATV>", "<%= x %>"));
+  Element* shown = element("JSP:EXPRESSION");
+  shown->getATV()->setAttribute("FONTTEXT", "t", true);
+  EXPECT_EQ(doc_->canUndo(), 1);
+  EXPECT_TRUE(shown->getMetaData()->isDirty());
+  EXPECT_TRUE(shown->getUpdateFlag() & Node::UPDATE_META_DATA_MODIFIED);
+  EXPECT_NE(source().find("<ZELX:ATV fonttext=\"t\">"), std::string::npos) << source();
+  doc_->undo(1);
+  EXPECT_EQ(source(), "<BODY>" + pair(kVisual, "<ZELX:ATV></ZELX:ATV>", "<%= x %>"));
+}
+
+TEST_F(MetaDataTest, VisualsAreTakenOnlyIfTheyFit) {
+  load("<BODY><%= x %>" + pair(kControl, "<OBJECT></OBJECT>", "r"));
+  Element* shown = element("JSP:EXPRESSION");
+  Element* wrong = doc_->createElement("B");
+  Element* visual = doc_->createElement("ZELX:ATV");
+  EXPECT_FALSE(shown->setATV(wrong));
+  EXPECT_EQ(shown->getMetaData(), nullptr);
+  EXPECT_FALSE(element("OBJECT")->setATV(visual));
+  EXPECT_EQ(marks(), "OBJECT:0 ");
+  EXPECT_TRUE(shown->setATV(visual));
+  EXPECT_EQ(shown->getATV(), visual);
+  EXPECT_EQ(visual->getParentNode(), shown->getMetaData());
+  EXPECT_FALSE(element("OBJECT")->setATV(nullptr));
+  EXPECT_TRUE(shown->setATV(nullptr));
+  EXPECT_EQ(shown->getMetaData(), nullptr);
+  wrong->releaseRef(true);
+}
+
+TEST_F(MetaDataTest, MetaDataOfAnotherElementIsCopied) {
+  load("<BODY>" + pair(kControl, "<OBJECT ID=a></OBJECT>", "r") + "<OBJECT ID=b></OBJECT>");
+  Element* a = element("OBJECT", 0);
+  Element* b = element("OBJECT", 1);
+  b->setMetaData(a->getMetaData());
+  EXPECT_NE(b->getMetaData(), a->getMetaData());
+  EXPECT_EQ(b->getMetaData()->getElement(), b);
+  EXPECT_EQ(a->getMetaData()->getElement(), a);
+  a->setDynamicElement(true);
+  EXPECT_EQ(a->getMetaData(), nullptr) << "not declared for OBJECT";
+}
+
+TEST_F(MetaDataTest, DynamicMarkComesAndGoesWithMetaData) {
+  load("<BODY><UL><LI>x</UL><B>y</B>");
+  element("UL")->setDynamicElement(true);
+  element("B")->setDynamicElement(true);
+  EXPECT_EQ(marks(), "UL:1! ");
+  EXPECT_NE(element("B")->getAttributeNode("DYNAMICELEMENT"), nullptr);
+  doc_->adjustNodes(nullptr, false);
+  element("UL")->setDynamicElement(false);
+  EXPECT_EQ(marks(), "");
+  EXPECT_EQ(element("UL")->getNumAttributes(), 0u);
+  doc_->undo(1);
+  EXPECT_EQ(marks(), "UL:1! ") << "the metadata is part of what is undone";
+}
+
+// --- flags, lines ----------------------------------------------------------------------------------------------------
+
+TEST_F(MetaDataTest, OneFlagIsPassedOnAndNoneIsKept) {
+  load("<BODY>" + pair(kControl, "<OBJECT></OBJECT>", "r"));
+  MetaData* md = element("OBJECT")->getMetaData();
+  md->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
+  EXPECT_EQ(element("OBJECT")->getUpdateFlag(), 0u);
+  md->setUpdateFlag(Node::UPDATE_CHILD_MODIFIED);
+  EXPECT_EQ(element("OBJECT")->getUpdateFlag(), Node::UPDATE_META_DATA_MODIFIED);
+  EXPECT_EQ(md->getUpdateFlag(), 0u);
+}
+
+TEST_F(MetaDataTest, ErrorsBehindAPairStandOnTheirLine) {
+  load("<BODY>" + pair(kControl, "<OBJECT></OBJECT>", "one\r\ntwo\r\n") + "<FOO>");
+  ASSERT_EQ(doc_->getErrorList().size(), 1u);
+  EXPECT_EQ(doc_->getErrorList().front()->line, 5u);
+}
+
+TEST_F(MetaDataTest, RuntimeTextThatWasNeverSavedIsDifferent) {
+  load("<BODY>" + pair(kDyn, kImage, ""));
+  EXPECT_TRUE(doc_->isRuntimeTextDifferent());
+  doc_->runtimeTextWasSynchronized();
+  load("<BODY>" + pair(kDyn, kImage, ""));
+  EXPECT_FALSE(doc_->isRuntimeTextDifferent());
+  doc_->resetRuntimeTextStateOnReload();
+  load("<BODY>" + pair(kDyn, kImage, "other"));
+  EXPECT_FALSE(doc_->isRuntimeTextDifferent());
+  doc_->getErrorList();
+  EXPECT_FALSE(doc_->isRuntimeTextDifferent()) << "counting lines compares nothing";
+  source();
+  EXPECT_TRUE(doc_->isRuntimeTextDifferent());
+}
+
+// --- any page --------------------------------------------------------------------------------------------------------
+
+TEST_F(MetaDataTest, ASavedPageIsSavedTheSameAgain) {
+  const std::string pieces[] = {begin(kDyn, kImage),
+                                begin(kControl, "<OBJECT></OBJECT>"),
+                                begin(kVisual, "<ZELX:ATV></ZELX:ATV>"),
+                                end(kDyn),
+                                end(kControl),
+                                end(kVisual),
+                                begin(kDyn, "<UL DYNAMICELEMENT LOOPPROPERTY=\"a.b[]\"><LI><!-- c --&gt;x</UL>"),
+                                "<UL DYNAMICELEMENT><LI>",
+                                "</UL>",
+                                "<ZELX:LOOP>",
+                                "</ZELX:LOOP>",
+                                "<TABLE><TR><TD>",
+                                "</TABLE>",
+                                "<%= x %>",
+                                "<ZELX:ATV>",
+                                "</ZELX:ATV>",
+                                "<OBJECT DTC>",
+                                "<!-- c -->",
+                                "t \r\n",
+                                "\0\x1B\x1C"s};
+  std::minstd_rand random(7);
+  for (int i = 0; i < 400; ++i) {
+    std::string page;
+    for (std::size_t n = random() % 14; n-- > 0;) page += pieces[random() % std::size(pieces)];
+    page.resize(page.size() - std::min<std::size_t>(page.size(), random() % 4));
+    load(page);
+    doc_->getErrorList();
+    const std::string first = source();
+    load(first);
+    const std::string second = source();
+    load(second);
+    EXPECT_EQ(source(), second) << quotedBytes(page);
+  }
+}
+
+}  // namespace
+}  // namespace zeldom40
