@@ -17,21 +17,25 @@ int leadingInteger(const char* text) {
   return static_cast<int>(negative ? -value : std::min<long long>(value, INT_MAX));
 }
 
+void CellGrid::expireSpans() {
+  if (taken_.empty() || nextExpiry_ >= row_) return;
+  std::erase_if(taken_, [this](const Span& span) { return span.lastRow < row_; });
+  nextExpiry_ = rows_;
+  for (const Span& span : taken_) nextExpiry_ = std::min(nextExpiry_, span.lastRow);
+}
+
 void CellGrid::beginRow() {
-  if (hasRow_) {
-    std::erase_if(taken_, [](const Span& span) { return span.rowsBelow == 0; });
-    for (Span& span : taken_) --span.rowsBelow;
-    if (!takenBelow_.empty()) {
-      // What this row's cells cover below stands for what it overlaps of the rows above as well.
-      const auto middle = static_cast<std::ptrdiff_t>(taken_.size());
-      taken_.insert(taken_.end(), takenBelow_.begin(), takenBelow_.end());
-      std::inplace_merge(taken_.begin(), taken_.begin() + middle, taken_.end(),
-                         [](const Span& a, const Span& b) { return a.first < b.first; });
-      takenBelow_.clear();
-    }
+  expireSpans();
+  if (!takenBelow_.empty()) {
+    if (taken_.empty()) nextExpiry_ = rows_;
+    for (const Span& span : takenBelow_) nextExpiry_ = std::min(nextExpiry_, span.lastRow);
+    const auto middle = static_cast<std::ptrdiff_t>(taken_.size());
+    taken_.insert(taken_.end(), takenBelow_.begin(), takenBelow_.end());
+    std::inplace_merge(taken_.begin(), taken_.begin() + middle, taken_.end(),
+                       [](const Span& a, const Span& b) { return a.first < b.first; });
+    takenBelow_.clear();
   }
-  hasRow_ = true;
-  if (rowsLeft_ > 0) --rowsLeft_;
+  ++row_;
   next_ = 0;
   above_ = 0;
 }
@@ -41,9 +45,15 @@ CellGrid::Columns CellGrid::addCell(int colspan, int rowspan) {
   for (; above_ < taken_.size() && taken_[above_].first <= next_; ++above_)
     next_ = std::max(next_, taken_[above_].last + 1);
   const Columns cell{next_, next_ + colspan - 1};
-  const std::size_t rowsBelow = std::min(static_cast<std::size_t>(rowspan) - 1, rowsLeft_);
-  if (rowsBelow > 0) takenBelow_.push_back({cell.first, cell.last, rowsBelow - 1});
   next_ = cell.last + 1;
+  const std::size_t lastRow = std::min(row_ - 1 + static_cast<std::size_t>(rowspan) - 1, rows_);
+  if (lastRow < row_) return cell;
+  // Neighbours that end together are one span, so that a row of equal cells costs the rows below one step.
+  if (!takenBelow_.empty() && takenBelow_.back().last + 1 == cell.first && takenBelow_.back().lastRow == lastRow) {
+    takenBelow_.back().last = cell.last;
+  } else {
+    takenBelow_.push_back({cell.first, cell.last, lastRow});
+  }
   return cell;
 }
 

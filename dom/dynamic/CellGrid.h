@@ -18,24 +18,28 @@ class CellGrid {
     long last = -1;
   };
 
-  explicit CellGrid(std::size_t rows) : rowsLeft_(rows) {}
+  explicit CellGrid(std::size_t rows) : rows_(rows) {}
   void beginRow();
   // The next cell of the row. A span below 1 covers nothing, rows below the last one do not exist.
   Columns addCell(int colspan, int rowspan);
 
  private:
+  // Columns that a cell above keeps taken.
   struct Span {
     long first;
     long last;
-    std::size_t rowsBelow;  // in how many rows below the present one the columns are taken
+    std::size_t lastRow;
   };
 
-  std::size_t rowsLeft_;  // below the present row, once there is one
-  bool hasRow_ = false;
+  void expireSpans();
+
+  std::size_t rows_;
+  std::size_t row_ = 0;  // behind the present row
   long next_ = 0;
   std::size_t above_ = 0;         // of taken_, the first span that ends behind next_
   std::vector<Span> taken_;       // by cells of the rows above, from left to right
   std::vector<Span> takenBelow_;  // by cells of this row
+  std::size_t nextExpiry_ = 0;    // the first lastRow in taken_
 };
 
 }  // namespace zeldom40
