@@ -193,8 +193,9 @@ void RuntimeStack::run() {
 void RuntimeStack::visitElement(Element* element, bool ignoreMetaData, const Around& around) {
   MetaData* metaData = element->getMetaData();
   if (metaData && !ignoreMetaData) {
-    switch (
-        MetaDataAccess::startRuntimeText(*metaData, out_, state_, /*walkTree=*/true, /*dryRun=*/false, around.stale)) {
+    // The text that a nested element gave when it was asked alone began elsewhere, outside of this scriptlet.
+    const bool stale = around.stale || (around.isGenerated && metaData->getType() == MetaData::DynamicData);
+    switch (MetaDataAccess::startRuntimeText(*metaData, out_, state_, /*walkTree=*/true, /*dryRun=*/false, stale)) {
       case MetaDataAccess::Rest::NONE:
         return;
       case MetaDataAccess::Rest::GENERATE:
@@ -252,6 +253,7 @@ void RuntimeStack::pushGeneration(MetaData* metaData, const Around& around, bool
   generation->data.reset(static_cast<DynBase*>(DynamicDataFactory::copy(data)));
   generation->around = generation->inside = around;
   generation->inside.stale = around.stale || hasStaleData(element);
+  generation->inside.isGenerated = true;
   if (DynContainer* container = data->asContainer()) {
     generation->inside.container = container;
     container->enterLoops(loops_);

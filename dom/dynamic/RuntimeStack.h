@@ -33,6 +33,7 @@ class RuntimeStack {
   struct Around {
     DynContainer* container = nullptr;  // whose loops resolve the paths
     bool stale = false;                 // the dynamic data of an element above is stale
+    bool isGenerated = false;           // an element above is being generated
     bool textAllowed = true;            // in the nearest element that is not transparent
   };
   struct Generation;
