@@ -35,7 +35,8 @@ unsigned runtimeLines(MetaData& pair) {
   if (pair.getType() == MetaData::AuthorTimeVisual) return 0;
   std::string text;
   RuntimeTextState state;
-  MetaDataAccess::appendRuntimeText(pair, text, state, /*walkTree=*/false, /*dryRun=*/true, /*underStale=*/false);
+  MetaDataAccess::appendRuntimeText(pair, text, state, /*walkTree=*/false, /*dryRun=*/true, /*underStale=*/false,
+                                    /*isOutermost=*/true);
   return lineFeeds(text);
 }
 

@@ -83,27 +83,28 @@ void dissolveVisual(Element* visual, Element* target) {
   }
 }
 
-void expandPair(MetaData* md, std::vector<Task>& tasks) {
+void expandPair(MetaData* md, AdoptionRules& rules, std::vector<Task>& tasks) {
   MetaDataAccess::setLoadedFromPage(*md);
   if (md->getType() != MetaData::AuthorTimeVisual && md->getRuntimeText().empty()) {
     // The page was never saved with it: there is nothing to compare.
     md->getDocument()->markRuntimeTextDifferent();
     MetaDataAccess::setRuntimeCompared(*md);
   }
-  const ExpandedPair run = expandMetaData(md);
+  const ExpandedPair run = expandMetaData(md, rules);
   findTasks(run.first, run.last, tasks);
 }
 
 }  // namespace
 
 void classifyNodes(Document&, Node* top) {
+  AdoptionRules rules;
   std::vector<Task> tasks;
   findTasks(top->getFirstChild(), top->getLastChild(), tasks);
   while (!tasks.empty()) {
     const Task task = tasks.back();
     tasks.pop_back();
     if (task.node->getNodeType() == Node::NODE_META_DATA) {
-      expandPair(static_cast<MetaData*>(task.node), tasks);
+      expandPair(static_cast<MetaData*>(task.node), rules, tasks);
       continue;
     }
     auto* element = static_cast<Element*>(task.node);

@@ -104,7 +104,7 @@ void dropEdgeSpace(Node* holder) {
 
 // The run from `first` on was parsed where anything may stand: what `parent` cannot have is marked as a misplaced node
 // of a page is. Transparent elements ask for their children.
-void checkAdoption(Node* parent, Node* first) {
+void checkAdoption(Node* parent, Node* first, AdoptionRules& rules) {
   for (Node* top = first; top; top = top->getNextSibling()) {
     for (Node* n = top; n;) {
       Element* element = asElement(n);
@@ -112,9 +112,9 @@ void checkAdoption(Node* parent, Node* first) {
         n = NodeAccess::nextInSubtree(n, top);
         continue;
       }
-      if (element && !parent->canContain(n, nullptr, nullptr)) {
+      if (element && !rules.allows(parent, n)) {
         n->setError(ERR_ELEMENT_CANNOT_BE_CONTAINED);
-      } else if (n->getNodeType() == Node::NODE_TEXT && !parent->canContain(n, nullptr, nullptr)) {
+      } else if (n->getNodeType() == Node::NODE_TEXT && !rules.allows(parent, n)) {
         auto* text = static_cast<Text*>(n);
         if (text->isEmptyText(true)) {
           text->setTextType(Text::TEXT_FORMATTING);
@@ -128,9 +128,9 @@ void checkAdoption(Node* parent, Node* first) {
   }
 }
 
-void insertChecked(Node* parent, ExpandedPair run, Node* ref, bool behindRef) {
+void insertChecked(Node* parent, ExpandedPair run, Node* ref, bool behindRef, AdoptionRules& rules) {
   if (!run.first) return;
-  checkAdoption(parent, run.first);
+  checkAdoption(parent, run.first, rules);
   NodeAccess::insertFree(parent, run.first, ref, behindRef);
 }
 
@@ -191,9 +191,10 @@ Element* expandVisual(MetaData* md, Element* visual, bool& impure) {
   dropEdgeSpace(runtime.holder());
   Element* target = findTarget(runtime, impure, [](const Element* e) { return e->canHaveATV(); });
   if (!target) return nullptr;
-  insertChecked(parent, runtime.takeAll(), visual, /*behindRef=*/false);
+  AdoptionRules rules;
+  insertChecked(parent, runtime.takeAll(), visual, /*behindRef=*/false, rules);
   if (visual->hasChildNodes()) {
-    insertChecked(parent, Fragment::takeChildren(visual), visual, /*behindRef=*/true);
+    insertChecked(parent, Fragment::takeChildren(visual), visual, /*behindRef=*/true, rules);
     impure = true;
   }
   NodeAccess::detach(visual);
@@ -203,7 +204,18 @@ Element* expandVisual(MetaData* md, Element* visual, bool& impure) {
 
 }  // namespace
 
-ExpandedPair expandMetaData(MetaData* md) {
+bool AdoptionRules::allows(Node* parent, Node* child) {
+  const Element* element = asElement(child);
+  const void* kind = element ? element->getElementDefinition() : nullptr;
+  if (!kind) return parent->canContain(child, nullptr, nullptr);
+  if (parent != parent_) answers_.clear();
+  parent_ = parent;
+  const auto [answer, isNew] = answers_.try_emplace(kind, false);
+  if (isNew) answer->second = parent->canContain(child, nullptr, nullptr);
+  return answer->second;
+}
+
+ExpandedPair expandMetaData(MetaData* md, AdoptionRules& rules) {
   Node* parent = md->getParentNode();
   if (md->getType() == MetaData::None || !md->getDocument() || !parent) return {};
   const std::string source = designSource(md->getBeginTag());
@@ -217,7 +229,7 @@ ExpandedPair expandMetaData(MetaData* md) {
   // More than the element: both texts follow from the element alone at the next save.
   if (impure) md->setDirty(true, /*runtimeOnly=*/false);
   const ExpandedPair run = design.takeAll();
-  insertChecked(parent, run, md, /*behindRef=*/true);
+  insertChecked(parent, run, md, /*behindRef=*/true, rules);
   NodeAccess::detach(md);
   target->setMetaData(md);
   return run;

@@ -1,10 +1,24 @@
 // Internal. Turns a metadata pair of a page into the element that it describes.
 #pragma once
 
+#include <unordered_map>
+
 namespace zeldom40 {
 
 class MetaData;
 class Node;
+
+// What the element that holds pairs may contain. Each answer climbs to the top of the page, and a page may hold a great
+// many pairs side by side.
+class AdoptionRules {
+ public:
+  // parent->canContain(child); remembers the answers of the last parent.
+  bool allows(Node* parent, Node* child);
+
+ private:
+  Node* parent_ = nullptr;
+  std::unordered_map<const void*, bool> answers_;  // by definition
+};
 
 // The nodes that took the place of a MetaData node, neighbours from first to last; null if there are none.
 struct ExpandedPair {
@@ -16,6 +30,6 @@ struct ExpandedPair {
 // to the element in it (for a visual, to the one in the run-time text). A pair that describes no such element becomes
 // what a plain reader sees: two comments with the run-time text, parsed, between them; `md` is deleted then. The new
 // nodes are not sorted out: pairs among them still wait.
-ExpandedPair expandMetaData(MetaData* md);
+ExpandedPair expandMetaData(MetaData* md, AdoptionRules& rules);
 
 }  // namespace zeldom40
