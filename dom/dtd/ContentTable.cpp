@@ -51,6 +51,7 @@ const ContentTable::Answer& ContentTable::answer(Slot& slot, const ElementDefini
   std::vector<Node*> path;
   Node* token = nullptr;
   result.allowed = ModelWalk(question, frame_.elements, &path).canContain(parent, &token);
+  result.throughGroups = path.size() > 2;
   if (!path.empty()) path.pop_back();
   for (const Node* node : path) {
     if (node->getNodeType() == Node::NODE_ELEMENT_TOKEN) result.implied.push_back(&NodeAccess::sharedName(node));

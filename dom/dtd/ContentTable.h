@@ -31,6 +31,8 @@ class ContentTable {
   // omitted: upper-case names, outermost first, empty where the child stands directly.
   struct Answer {
     bool allowed = false;
+    bool throughGroups =
+        false;  // the way has more than one step before the child; a shorter one always counts as direct
     std::vector<const SharedName*> implied;
   };
 

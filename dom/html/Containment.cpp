@@ -85,7 +85,7 @@ bool Containment::answer(const ElementDefinition* definition, const ContentTable
                                           : table_->elementAnswer(*definition, subject.definition, subject.tableId);
   if (!found.allowed) return ContentTable::included(sets, subject.tableId);
   // Directly, or below an element of the parent's own name.
-  return found.implied.empty() || *found.implied.back() == askedName;
+  return !found.throughGroups || found.implied.empty() || *found.implied.back() == askedName;
 }
 
 bool Containment::chainCanContain(const std::vector<const ElementDefinition*>& chain, Node* child) {
