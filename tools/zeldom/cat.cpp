@@ -26,8 +26,8 @@ std::string side(std::string_view text, std::size_t offset) {
 
 }  // namespace
 
-ExitCode runCat(const CatOptions& options, DOM::JSPVersion version) {
-  const Library library(version);
+ExitCode runCat(const CatOptions& options, const Settings& settings) {
+  const Library library(settings);
   if (!library.usable()) return kFailed;
   Output out;
   ExitCode result = kFine;
@@ -49,7 +49,7 @@ ExitCode runCat(const CatOptions& options, DOM::JSPVersion version) {
       out.paint(Colour::kError, side(written, offset)) << "\n";
       return kFindings;
     };
-    result = worse(result, withPage(library, file, use));
+    result = worse(result, withPage(library, file, Pairs::kGenerate, use));
   }
   if (options.verify) {
     out << pages << (pages == 1 ? " page, " : " pages, ") << total << " bytes: " << different

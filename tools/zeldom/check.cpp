@@ -185,21 +185,24 @@ class Printer {
 
 }  // namespace
 
-ExitCode runCheck(const CheckOptions& options, DOM::JSPVersion version) {
-  const Library library(version);
+ExitCode runCheck(const CheckOptions& options, const Settings& settings) {
+  const Library library(settings);
   if (!library.usable()) return kFailed;
   Output out;
   Printer printer(options, out);
   ExitCode result = kFine;
   for (const std::string& path : options.files) {
-    const auto use = [&](const SourceFile& file, const Page& page, const SourceMap& map) {
+    const auto use = [&](SourceFile& file, const Page& page) {
+      // Some pairs come back otherwise than they were read. Findings then stand where a save will put them.
+      if (const std::string_view now = page.source(); now != file.text) file.bytes = file.text = now;
+      const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
       const std::vector<Finding> findings = findErrors(page.document(), map, file.text);
       printer.print(file, map, findings);
       const bool fails = std::any_of(findings.begin(), findings.end(),
                                      [&](const Finding& finding) { return finding.severe || !options.severeOnly; });
       return fails ? kFindings : kFine;
     };
-    result = worse(result, withSource(library, path, options.codepage, use));
+    result = worse(result, withSource(library, path, options.codepage, Pairs::kKeep, use));
   }
   printer.finish();
   return out.flush() ? result : kFailed;

@@ -154,7 +154,11 @@ class Collector {
     const SourceMap::Range begin = map_.getBeginTag(node);
     const SourceMap::Range end = map_.getEndTag(node);
     if (bit == ERR_ELEMENT_INVALID_CASE_END || (begin.isKnown() && begin.isEmpty() && !end.isEmpty())) return end;
-    return begin.isKnown() ? begin : map_.getRange(node);
+    if (begin.isKnown()) return begin;
+    // What stands inside of a metadata pair is where the pair begins.
+    while (node && !map_.getRange(node).isKnown()) node = node->getParentNode();
+    const SourceMap::Range range = map_.getRange(node);
+    return {range.begin, range.begin};
   }
 
   const SourceMap& map_;

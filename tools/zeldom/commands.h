@@ -17,6 +17,12 @@ enum ExitCode {
 
 inline ExitCode worse(ExitCode a, ExitCode b) { return a > b ? a : b; }
 
+// What the options that several commands share say.
+struct Settings {
+  DOM::JSPVersion version = DOM::JSP_VERSION_0;
+  std::string types;  // a file of Java types; empty: none
+};
+
 struct TreeOptions {
   std::vector<std::string> files;
   bool attributes = false;
@@ -67,19 +73,37 @@ struct FormatOptions {
   int columns = 72;
 };
 
+struct RuntimeOptions {
+  std::vector<std::string> files;
+  bool keep = false;  // the pairs, as a save writes them
+  int codepage = 0;
+};
+
+// Of the commands that list something of each page.
+struct ListOptions {
+  std::vector<std::string> files;
+  bool json = false;
+};
+
 // Prints each page as a tree. Findings: a node with an error bit.
-ExitCode runTree(const TreeOptions& options, DOM::JSPVersion version);
+ExitCode runTree(const TreeOptions& options, const Settings& settings);
 // Parses and writes each page. Findings (with `verify`): what is written differs from what was read.
-ExitCode runCat(const CatOptions& options, DOM::JSPVersion version);
+ExitCode runCat(const CatOptions& options, const Settings& settings);
 // Passes each file through the code conversion, import and export.
 ExitCode runConvert(const ConvertOptions& options);
 // Prints what the built-in DTD says.
 ExitCode runDtd(const DtdOptions& options);
 // Prints what is wrong with each page. Findings: an error, a severe one with `severeOnly`.
-ExitCode runCheck(const CheckOptions& options, DOM::JSPVersion version);
+ExitCode runCheck(const CheckOptions& options, const Settings& settings);
 // Repairs each page. Findings: severe errors that remain; with `diff` or `dryRun`, a page that would change.
-ExitCode runFix(const RewriteOptions& options, DOM::JSPVersion version);
+ExitCode runFix(const RewriteOptions& options, const Settings& settings);
 // Lays each page out anew. Findings: as for runFix, and a page that must be repaired first.
-ExitCode runFormat(const FormatOptions& options, DOM::JSPVersion version);
+ExitCode runFormat(const FormatOptions& options, const Settings& settings);
+// Writes each page as a server gets it.
+ExitCode runRuntime(const RuntimeOptions& options, const Settings& settings);
+// Lists the beans that each page knows.
+ExitCode runBeans(const ListOptions& options, const Settings& settings);
+// Lists the metadata pairs of each page. Findings: run-time text that the page does not generate today.
+ExitCode runPairs(const ListOptions& options, const Settings& settings);
 
 }  // namespace zeldom40::tool

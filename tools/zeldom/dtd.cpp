@@ -341,7 +341,7 @@ void printJson(Output& out, const Elements& elements, std::size_t first, std::si
 
 ExitCode runDtd(const DtdOptions& options) {
   // CHOICE: the command shows both generations of server tags and says which needs which, so that one table holds all.
-  const Library library(DOM::JSP_VERSION_0);
+  const Library library(Settings{});
   if (!library.usable()) return kFailed;
   const Elements elements(library);
   const bool all = options.element.empty();

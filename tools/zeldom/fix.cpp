@@ -88,7 +88,7 @@ std::vector<std::string_view> closersOf(const Page& page) {
 // Whether a tag behind `text` would be read as one.
 bool isClosed(const Library& library, const std::string& text, bool inScript) {
   const std::string tag = "<IMG>";
-  const Page probe(library, inScript ? text : text + tag);
+  const Page probe(library, inScript ? text : text + tag, Pairs::kKeep);
   Node* last = lastNode(probe);
   if (inScript || !last) return last && closersOf(probe).empty();
   return last->getNodeType() == Node::NODE_ELEMENT && static_cast<Element*>(last)->getRawBeginTag() == tag;
@@ -111,7 +111,7 @@ bool closeAtEnd(const Library& library, const Page& page, std::string* text) {
 // Repairs a page and stores its new source, unless there was nothing that could be repaired.
 std::size_t repair(const Library& library, const Page& page, std::string* text) {
   if (std::string closed; closeAtEnd(library, page, &closed)) {
-    const Page whole(library, closed);
+    const Page whole(library, closed, Pairs::kKeep);
     const std::size_t more = hasSevereErrors(whole) ? repair(library, whole, &closed) : 0;
     *text = std::move(closed);
     return more + 1;
@@ -124,8 +124,8 @@ std::size_t repair(const Library& library, const Page& page, std::string* text) 
 
 }  // namespace
 
-ExitCode runFix(const RewriteOptions& options, DOM::JSPVersion version) {
-  const Library library(version);
+ExitCode runFix(const RewriteOptions& options, const Settings& settings) {
+  const Library library(settings);
   if (!library.usable()) return kFailed;
   return rewriteFiles(options, library, [&options](const Library& lib, const Page& page, const std::string& text) {
     ChangeResult result;
@@ -142,16 +142,16 @@ ExitCode runFix(const RewriteOptions& options, DOM::JSPVersion version) {
       result.left = remaining(severeErrors(page));
       return result;
     }
-    // What counts is how a reader of the new text sees it. A place that was out of the reader's sight, such as the rest
-    // of a script that had no end, may show errors of its own now.
+    // What counts is how a reader of the new text sees it. A place that was out of the reader's
+    // sight, such as the rest of a script that had no end, may show errors of its own now.
     for (int round = 1;; ++round) {
-      const Page again(lib, result.text);
+      const Page again(lib, result.text, Pairs::kKeep);
       if (!again.root() || !hasSevereErrors(again)) break;
       std::string next;
       const bool going = round < kRounds && (!options.inPlace || swallowed(again).empty());
       const std::size_t more = going ? repair(lib, again, &next) : 0;
       if (more == 0 || next == result.text) {
-        result.left = remaining(severeErrors(Page(lib, result.text)));
+        result.left = remaining(severeErrors(Page(lib, result.text, Pairs::kKeep)));
         break;
       }
       repairs += more;

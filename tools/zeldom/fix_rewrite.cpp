@@ -1,6 +1,7 @@
 // From the changed text of a page to the new bytes of its file.
 #include "tools/zeldom/fix_rewrite.h"
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -30,6 +31,23 @@ struct Versions {
   }
 };
 
+// The places of a file's text, whatever a page makes of it: that of a document with nothing but one text.
+class TextMap {
+ public:
+  TextMap(const Library& library, const SourceFile& file) : page_(library, {}) {
+    Text* text = page_.document()->createTextNode("");
+    text->setTextType(Text::TEXT_LITERAL);  // its source is what it is given
+    text->setRawData(file.text);
+    page_.root()->insertLast(text);
+    map_.emplace(page_.document(), file.bytes.data(), file.bytes.size(), file.charset);
+  }
+  const SourceMap& map() const { return *map_; }
+
+ private:
+  Page page_;
+  std::optional<SourceMap> map_;
+};
+
 // The bytes of each line of the text in the file. Together they are the whole file.
 std::vector<std::string_view> fileLines(const SourceFile& file, const SourceMap& map,
                                         const std::vector<std::string_view>& lines) {
@@ -49,8 +67,10 @@ std::vector<std::string_view> fileLines(const SourceFile& file, const SourceMap&
 }
 
 // Lines that did not change keep their bytes: another conversion of the same text may be spelled otherwise.
-Versions compare(const SourceFile& file, const SourceMap& map, const std::string& text) {
+Versions compare(const Library& library, const SourceFile& file, const std::string& text) {
   Versions versions;
+  const TextMap known(library, file);
+  const SourceMap& map = known.map();
   const std::vector<std::string_view> old = splitLines(file.text);
   const std::vector<std::string_view> now = splitLines(text);
   versions.before = fileLines(file, map, old);
@@ -86,7 +106,7 @@ std::size_t severeErrors(const Page& page) {
   return count;
 }
 
-ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change) {
+ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change, Pairs pairs) {
   Output out;
   ExitCode result = kFine;
   for (const std::string& path : options.files) {
@@ -95,11 +115,7 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
       result = kFailed;
       continue;
     }
-    const auto use = [&](const SourceFile& file, const Page& page, const SourceMap& map) {
-      if (!map.hasFile()) {
-        complain(path, "cannot be written in the form in which it was read");
-        return kFailed;
-      }
+    const auto use = [&](const SourceFile& file, const Page& page) {
       const ChangeResult changed = change(library, page, file.text);
       if (!changed.left.empty()) complain(path, changed.left);
       const ExitCode left = changed.left.empty() ? kFine : kFindings;
@@ -108,7 +124,7 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
         if (!options.inPlace && !asks) out << file.bytes;
         return left;
       }
-      const Versions versions = compare(file, map, changed.text);
+      const Versions versions = compare(library, file, changed.text);
       if (options.diff) {
         out << unifiedDiff(path, versions.before, versions.after, versions.matches);
       } else if (!options.dryRun && !options.inPlace) {
@@ -121,7 +137,7 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
       }
       return asks ? kFindings : left;
     };
-    result = worse(result, withSource(library, path, options.codepage, use));
+    result = worse(result, withSource(library, path, options.codepage, pairs, use));
   }
   return out.flush() ? result : kFailed;
 }

@@ -18,8 +18,9 @@ struct ChangeResult {
 // Changes a page. `text` is the text that it was parsed from.
 using PageChange = std::function<ChangeResult(const Library& library, const Page& page, const std::string& text)>;
 
-// Runs `change` on each file and does with the result what the options say.
-ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change);
+// Runs `change` on each file and does with the result what the options say. `pairs` is for the page that it is given.
+ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change,
+                      Pairs pairs = Pairs::kKeep);
 
 // How many severe errors a page has.
 std::size_t severeErrors(const Page& page);

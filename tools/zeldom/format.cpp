@@ -7,8 +7,8 @@
 
 namespace zeldom40::tool {
 
-ExitCode runFormat(const FormatOptions& options, DOM::JSPVersion version) {
-  const Library library(version);
+ExitCode runFormat(const FormatOptions& options, const Settings& settings) {
+  const Library library(settings);
   if (!library.usable()) return kFailed;
   DocumentStyle* style = library.dom()->getDocumentStyle();
   style->SetIndent(options.indent);
@@ -22,7 +22,8 @@ ExitCode runFormat(const FormatOptions& options, DOM::JSPVersion version) {
       result.left = "has severe errors and stays as it is (see zeldom fix)";
       return result;
     }
-    // The nodes still count as new, so that each of them is laid out and not only those that an edit has touched.
+    // The nodes still count as new, so that each of them is laid out and not only those that an
+    // edit has touched.
     page.document()->adjustNodes(nullptr, /*full=*/true);
     result.text = page.source();
     return result;

@@ -68,6 +68,11 @@ void addRewriteOptions(CLI::App* command, RewriteOptions* options) {
   addCodepage(command, &options->codepage);
 }
 
+void addTypes(CLI::App* command, std::string* types) {
+  command->add_option("--types", *types, "JSON file of Java types, for the run-time text that is generated (see below)")
+      ->type_name("JSON");
+}
+
 // What a command says with --help beyond its options.
 constexpr char kExitHelp[] =
     "Exits with 0 when all is fine, 1 with findings or differences, 2 when it could not do the job.";
@@ -78,8 +83,8 @@ int run(int argc, char** argv) {
   app.footer(kExitHelp);
   app.require_subcommand(1);
   app.fallthrough();
-  DOM::JSPVersion version = DOM::JSP_VERSION_0;
-  addChoice(&app, "--jsp-version", &version, kVersions,
+  Settings settings;
+  addChoice(&app, "--jsp-version", &settings.version, kVersions,
             "Which server tags exist: the jsp: and qdx: names (0, the default) or the older bean tags (1)");
 
   std::function<ExitCode()> command;
@@ -89,13 +94,13 @@ int run(int argc, char** argv) {
   addFiles(treeCommand, &tree.files);
   treeCommand->add_flag("-a,--attributes", tree.attributes, "Show attributes too");
   treeCommand->add_flag("--json", tree.json, "Print JSON: a list of files, each with a flat list of its nodes");
-  treeCommand->callback([&] { command = [&] { return runTree(tree, version); }; });
+  treeCommand->callback([&] { command = [&] { return runTree(tree, settings); }; });
 
   CatOptions cat;
   CLI::App* catCommand = app.add_subcommand("cat", "Parse each page and write it");
   addFiles(catCommand, &cat.files);
   catCommand->add_flag("--verify", cat.verify, "Write nothing, but compare with the input and report differences");
-  catCommand->callback([&] { command = [&] { return runCat(cat, version); }; });
+  catCommand->callback([&] { command = [&] { return runCat(cat, settings); }; });
 
   CheckOptions check;
   CLI::App* checkCommand = app.add_subcommand("check", "Report what is wrong with pages");
@@ -104,12 +109,12 @@ int run(int argc, char** argv) {
   addChoice(checkCommand, "--fail-on", &check.severeOnly, kSeverities, "Which findings make the exit code 1 (any)");
   checkCommand->add_flag("--excerpts", check.excerpts, "Show the lines of the page even if no terminal shows them");
   addCodepage(checkCommand, &check.codepage);
-  checkCommand->callback([&] { command = [&] { return runCheck(check, version); }; });
+  checkCommand->callback([&] { command = [&] { return runCheck(check, settings); }; });
 
   RewriteOptions fix;
   CLI::App* fixCommand = app.add_subcommand("fix", "Repair pages; lines that need no repair keep their bytes");
   addRewriteOptions(fixCommand, &fix);
-  fixCommand->callback([&] { command = [&] { return runFix(fix, version); }; });
+  fixCommand->callback([&] { command = [&] { return runFix(fix, settings); }; });
 
   FormatOptions format;
   CLI::App* formatCommand = app.add_subcommand("format", "Lay out the source of pages anew");
@@ -120,7 +125,29 @@ int run(int argc, char** argv) {
   formatCommand->add_option("--columns", format.columns, "Column from which the next blank becomes a line break")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
-  formatCommand->callback([&] { command = [&] { return runFormat(format, version); }; });
+  formatCommand->callback([&] { command = [&] { return runFormat(format, settings); }; });
+
+  RuntimeOptions runtime;
+  CLI::App* runtimeCommand = app.add_subcommand("runtime", "Write each page as its server gets it");
+  addFiles(runtimeCommand, &runtime.files);
+  runtimeCommand->add_flag("--keep", runtime.keep, "Keep the comments that hold the author's side");
+  addCodepage(runtimeCommand, &runtime.codepage);
+  runtimeCommand->callback([&] { command = [&] { return runRuntime(runtime, settings); }; });
+
+  ListOptions pairs;
+  CLI::App* pairsCommand = app.add_subcommand(
+      "pairs",
+      "List the metadata pairs of each page, and whether the run-time text of each is current, different from what is "
+      "generated today, empty, kept (nothing here can generate it) or new (not yet a pair)");
+  addFiles(pairsCommand, &pairs.files);
+  pairsCommand->add_flag("--json", pairs.json, "Print JSON: a list of files, each with a list of its pairs");
+  pairsCommand->callback([&] { command = [&] { return runPairs(pairs, settings); }; });
+
+  ListOptions beans;
+  CLI::App* beansCommand = app.add_subcommand("beans", "List the beans that each page knows: names and classes");
+  addFiles(beansCommand, &beans.files);
+  beansCommand->add_flag("--json", beans.json, "Print JSON: a list of files, each with a list of its beans");
+  beansCommand->callback([&] { command = [&] { return runBeans(beans, settings); }; });
 
   ConvertOptions convert;
   CLI::App* convertCommand = app.add_subcommand("convert", "Write files in another charset or with other line ends");
@@ -143,6 +170,10 @@ int run(int argc, char** argv) {
   dtdCommand->callback([&] { command = [&] { return runDtd(dtd); }; });
 
   for (CLI::App* sub : app.get_subcommands({})) sub->footer(kExitHelp);
+  for (CLI::App* sub : {catCommand, fixCommand, formatCommand, runtimeCommand, pairsCommand, beansCommand}) {
+    addTypes(sub, &settings.types);
+    sub->footer(std::string(kTypesHelp) + "\n\n" + kExitHelp);
+  }
 
   try {
     app.parse(argc, argv);

@@ -48,19 +48,56 @@ bool readInput(const std::string& path, std::string* bytes) {
   return true;
 }
 
+Library::Library(const Settings& settings) : typesFine_(settings.types.empty() || types_.load(settings.types)) {
+  if (!typesFine_) return;
+  dom_ = DOM::createDOM(nullptr, settings.version, nullptr, nullptr);
+  if (dom_ && !settings.types.empty()) dom_->setJavaTypeLookupIF(&types_);
+}
+
 bool Library::usable() const {
-  if (!dom_) complain("library", "out of memory");
+  if (!dom_ && typesFine_) complain("library", "out of memory");
   return dom_ != nullptr;
 }
 
-Page::Page(const Library& library, std::string_view bytes)
-    : dom_(library.dom()),
-      document_(dom_->createDocument("HTML")),
-      root_(document_->createNodes(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, /*adjust=*/false)) {}
+Page::Page(const Library& library, std::string_view bytes, Pairs pairs)
+    : dom_(library.dom()), document_(dom_->createDocument("HTML")) {
+  for (const auto& [name, type] : library.types().beans()) document_->addOutBoundBean(name.c_str(), type.c_str());
+  root_ = document_->createNodes(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, /*adjust=*/false);
+  if (pairs == Pairs::kKeep) keepPairs();
+}
 
 bool Page::usable(const std::string& path) const {
   if (!root_) complain(path, "too large for a page");
   return root_ != nullptr;
+}
+
+std::vector<Element*> Page::pairs() const {
+  std::vector<Element*> found;
+  for (Node* n = root_; n;) {
+    const bool isElement = n->getNodeType() == Node::NODE_ELEMENT;
+    const bool isPair = isElement && static_cast<Element*>(n)->getMetaData();
+    if (isPair) found.push_back(static_cast<Element*>(n));
+    n = document_->findNextNode(n, root_, /*updatedOnly=*/false, /*skipChildren=*/isPair);
+  }
+  return found;
+}
+
+void Page::keepPairs() const {
+  for (Node* n = root_; n;) {
+    auto* element = n->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(n) : nullptr;
+    MetaData* metaData = element ? element->getMetaData() : nullptr;
+    const bool isPair = metaData && metaData->wasLoadedFromPage();
+    if (isPair && metaData->getType() == MetaData::DynamicData) {
+      // A copy does not count as loaded, so that nothing compares its text with a new one. No type generates nothing.
+      auto* copy = new MetaData(*metaData);
+      copy->addRef(false);
+      if (copy->getRuntimeText().empty()) copy->setType(MetaData::None);
+      element->setMetaData(copy);
+    } else if (metaData && !isPair && metaData->getType() != MetaData::AuthorTimeVisual) {
+      element->setMetaData(nullptr);
+    }
+    n = document_->findNextNode(n, root_, /*updatedOnly=*/false, /*skipChildren=*/isPair);
+  }
 }
 
 std::string_view Page::source(Node* node) const {

@@ -3,10 +3,12 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "dom/zeldom40.h"
 #include "tools/zeldom/commands.h"
 #include "tools/zeldom/source_file.h"
+#include "tools/zeldom/types.h"
 
 namespace zeldom40::tool {
 
@@ -19,23 +21,32 @@ void complain(const std::string& subject, const std::string& message);
 // The library, for as long as a command runs. Documents must go first.
 class Library {
  public:
-  explicit Library(DOM::JSPVersion version) : dom_(DOM::createDOM(nullptr, version, nullptr, nullptr)) {}
+  explicit Library(const Settings& settings);
   ~Library() { DOM::destroyDOM(dom_); }
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
-  // Null if it could not be made; said on stderr by usable().
+  // Null if it could not be made or if the types could not be read; usable() says so on stderr.
   DOM* dom() const { return dom_; }
   bool usable() const;
+  const Types& types() const { return types_; }
 
  private:
-  DOM* dom_;
+  DOM* dom_ = nullptr;
+  Types types_;
+  bool typesFine_;
+};
+
+// What becomes of dynamic elements when a page is written.
+enum class Pairs {
+  kGenerate,  // a save: each is a pair of comments with the run-time text that it generates today
+  kKeep       // what stands in the file comes back as it is, unless the page is edited there
 };
 
 // A parsed page.
 class Page {
  public:
-  Page(const Library& library, std::string_view bytes);
+  Page(const Library& library, std::string_view bytes, Pairs pairs = Pairs::kGenerate);
   ~Page() { dom_->deleteDocument(document_); }
   Page(const Page&) = delete;
   Page& operator=(const Page&) = delete;
@@ -47,6 +58,10 @@ class Page {
   // The page as the library writes it; lives until the next call or the end of the page.
   std::string_view source() const { return source(root_); }
   std::string_view source(Node* node) const;
+  // The elements that are written as pairs, in document order, but for those inside of others.
+  std::vector<Element*> pairs() const;
+  // What Pairs::kKeep asks for, of a page that was parsed without.
+  void keepPairs() const;
 
  private:
   DOM* dom_;
@@ -57,22 +72,20 @@ class Page {
 // Reads and parses one file and returns what `use(page, bytes)` says; without a call kFailed, with the reason on
 // stderr, for a file that cannot be read or that the library refuses.
 template <typename Use>
-ExitCode withPage(const Library& library, const std::string& path, Use use) {
+ExitCode withPage(const Library& library, const std::string& path, Pairs pairs, Use use) {
   std::string bytes;
   if (!readInput(path, &bytes)) return kFailed;
-  Page page(library, bytes);
+  Page page(library, bytes, pairs);
   return page.usable(path) ? use(page, bytes) : kFailed;
 }
 
-// The same for a file that is imported under `codepage` (0 guesses): what `use(file, page, map)` says.
+// The same for a file that is imported under `codepage` (0 guesses): what `use(file, page)` says.
 template <typename Use>
-ExitCode withSource(const Library& library, const std::string& path, int codepage, Use use) {
+ExitCode withSource(const Library& library, const std::string& path, int codepage, Pairs pairs, Use use) {
   SourceFile file;
   if (!readSource(path, codepage, &file)) return kFailed;
-  const Page page(library, file.text);
-  if (!page.usable(path)) return kFailed;
-  const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
-  return use(file, page, map);
+  const Page page(library, file.text, pairs);
+  return page.usable(path) ? use(file, page) : kFailed;
 }
 
 // Visits the subtree of `top` in document order, along the links: depth costs no stack. `enter(node, depth)` comes

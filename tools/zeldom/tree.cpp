@@ -223,8 +223,8 @@ void printJson(Output& out, const TreeOptions& options, const std::string& file,
 
 }  // namespace
 
-ExitCode runTree(const TreeOptions& options, DOM::JSPVersion version) {
-  const Library library(version);
+ExitCode runTree(const TreeOptions& options, const Settings& settings) {
+  const Library library(settings);
   if (!library.usable()) return kFailed;
   Output out;
   ExitCode result = kFine;
@@ -243,7 +243,7 @@ ExitCode runTree(const TreeOptions& options, DOM::JSPVersion version) {
       }
       return flawed ? kFindings : kFine;
     };
-    result = worse(result, withPage(library, file, use));
+    result = worse(result, withPage(library, file, Pairs::kKeep, use));
   }
   if (options.json) out << (*separator == '[' ? "[]\n" : "]\n");
   return out.flush() ? result : kFailed;
