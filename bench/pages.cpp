@@ -1,6 +1,7 @@
 // Micro benchmarks: reading, writing, copying, freeing and walking pages of three sizes.
 #include <malloc.h>
 #include <string>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
@@ -117,6 +118,67 @@ void walk(benchmark::State& state) {
   report(state, page, nodes);
 }
 
+// One undo record after another, each with the edit of one paragraph and the closing of that edit.
+class UndoSteps {
+ public:
+  explicit UndoSteps(OpenPage& page) : document_(page.document()) {
+    page.parse();
+    document_.clearUpdateFlag();
+    for (Node* n = document_.getDocumentElement(); n; n = document_.findNextNode(n, nullptr, false, false)) {
+      if (n->getNodeType() == Node::NODE_TEXT && n->getParentNode()->getName() == "P") texts_.push_back(n);
+    }
+  }
+  // Any number of times: the records go round the page.
+  void edit() {
+    auto* text = static_cast<Text*>(texts_[next_++ * 7919 % texts_.size()]);
+    text->setData(next_ % 2 ? "edited" : "edited again", /*notify=*/true);
+    document_.adjustNodes(nullptr, /*full=*/false);
+  }
+  Document& document() { return document_; }
+
+ private:
+  Document& document_;
+  std::vector<Node*> texts_;
+  std::size_t next_ = 0;
+};
+
+void record(benchmark::State& state) {
+  OpenPage page(static_cast<std::size_t>(state.range(0)));
+  const long before = liveNodes::count;
+  UndoSteps steps(page);
+  const long nodes = liveNodes::count - before;
+  for (auto _ : state) {
+    steps.document().record();
+    state.PauseTiming();
+    steps.edit();
+    state.ResumeTiming();
+  }
+  report(state, page, nodes);
+}
+
+// How much memory ten records take, measured by the page and the tree that they belong to.
+void tenRecords(benchmark::State& state) {
+  double tree = 0;
+  double all = 0;
+  for (auto _ : state) {
+    OpenPage page(static_cast<std::size_t>(state.range(0)));
+    page.parse();
+    page.document().deleteNodes(nullptr);
+    const double empty = heapBytes();
+    UndoSteps steps(page);
+    tree = heapBytes() - empty;
+    for (int i = 0; i < 10; ++i) {
+      steps.document().record();
+      steps.edit();
+    }
+    all = heapBytes() - empty;
+    if (steps.document().getRecordCount() != 10) state.SkipWithError("not every edit has its record");
+  }
+  state.counters["tree"] = tree;
+  state.counters["with records"] = all;
+  state.counters["ratio"] = all / tree;
+}
+
 void createDOM(benchmark::State& state) {
   for (auto _ : state) DOM::destroyDOM(DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr));
 }
@@ -130,6 +192,8 @@ BENCHMARK(write)->Arg(kSmall)->Arg(kMiddle)->Arg(kLarge);
 BENCHMARK(cloneAndRelease)->Arg(kSmall)->Arg(kMiddle)->Arg(kLarge);
 BENCHMARK(release)->Arg(kSmall)->Arg(kMiddle)->Arg(kLarge);
 BENCHMARK(walk)->Arg(kSmall)->Arg(kMiddle)->Arg(kLarge);
+BENCHMARK(record)->Arg(kSmall)->Arg(kMiddle)->Arg(kLarge);
+BENCHMARK(tenRecords)->Arg(kLarge)->Iterations(1);
 BENCHMARK(createDOM);
 
 }  // namespace
