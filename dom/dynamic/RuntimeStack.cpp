@@ -68,6 +68,14 @@ bool cannotHoldText(const Element* element, bool allowedAround) {
   return element->getDocument() && !hasNoEndTag(element) && !allowsText(element, allowedAround);
 }
 
+// CHOICE: SCRIPT, STYLE and their like take no running text, yet their body is no stray white space: without it the
+// browser would get an empty script.
+bool isBodyOfScript(const Element* element, const Text* text) {
+  const ElementDefinition* definition = element->getElementDefinition();
+  return text->getTextType() == Text::TEXT_LITERAL && definition &&
+         definition->getContentType() == ElementDefinition::CONTENT_CDATA;
+}
+
 void writeEndTag(Element* element, bool cannotHoldText, std::string& out, RuntimeTextState& state) {
   const bool startsLine = (element->getElementGroup() & GROUP_BLOCK) != 0;
   if (hasNoEndTag(element)) {
@@ -231,8 +239,9 @@ void RuntimeStack::stepChildren(Frame& frame) {
   if (Element* element = asElement(child)) {
     const Around inside = frame.inside;
     visitElement(element, /*ignoreMetaData=*/false, inside);
-  } else if (child->getNodeType() == Node::NODE_TEXT && !frame.cannotHoldText) {
-    emitText(static_cast<Text*>(child), out_, state_);
+  } else if (child->getNodeType() == Node::NODE_TEXT) {
+    Text* text = static_cast<Text*>(child);
+    if (!frame.cannotHoldText || isBodyOfScript(frame.element, text)) emitText(text, out_, state_);
   }
 }
 
