@@ -10,7 +10,6 @@
 #include <string>
 #include <string_view>
 
-#include "dom/dynamic/MetaData.h"
 #include "dom/zeldom40.h"
 
 using namespace zeldom40;
@@ -37,12 +36,14 @@ constexpr Property kProperties[] = {
     {"shop.Cart", "label", "StringBuffer", ""},
     {"shop.Cart", "field", "java.lang.String", ""},
     {"shop.Cart", "count", "int", ""},
+    {"shop.Cart", "self", "shop.Cart", ""},
     {"shop.Item", "name", "String", ""},
     {"shop.Item", "price", "int", "cost"},
     {"shop.Order", "lines", "shop.Item", ""},
     {"shop.Order", "line", "shop.Item", "getLine"},
     {"shop.Order", "marks", "String", ""},
     {"shop.Order", "id", "String", ""},
+    {"shop.Order", "self", "shop.Order", ""},
 };
 
 const Property* find(std::string_view owner, std::string_view name) {

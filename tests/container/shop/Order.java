@@ -10,6 +10,10 @@ public final class Order {
     this.number = number;
   }
 
+  public Order getSelf() {
+    return this;
+  }
+
   public String getId() {
     return "no" + number;
   }
