@@ -1,4 +1,5 @@
-// Runs the tool on the examples of docs/repair.md and docs/errors.md: what they show is what it does.
+// Runs the tool on the examples of the documentation: what they show is what it does. Quoted code is in its file.
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -75,6 +76,84 @@ TEST_F(Docs, ErrorsAreWhatCheckSaysAndEachHasASection) {
     EXPECT_NE(titles.find(id + "\n"), std::string::npos) << id << " has no section";
   }
   EXPECT_EQ(count, static_cast<int>(sections.size()));
+}
+
+TEST_F(Docs, RuntimeTextsAreWhatIsGenerated) {
+  const std::vector<Section> sections = sectionsOf("dynamic.md");
+  for (const Section& section : sections) {
+    if (section.blocks.size() == 1) write("types.json", section.blocks[0]);
+  }
+  int shown = 0;
+  for (const Section& section : sections) {
+    if (section.blocks.size() != 2) continue;
+    ++shown;
+    const bool pair = section.blocks[1].find("METADATA") != std::string::npos;
+    const std::string arguments = std::string("runtime --types types.json page.html") + (pair ? " --keep" : "");
+    EXPECT_EQ(print(arguments, section.blocks[0]), section.blocks[1]) << section.title;
+    EXPECT_EQ(print(arguments, print("runtime --types types.json --keep page.html", section.blocks[0])),
+              section.blocks[1])
+        << section.title << ", saved and read again";
+  }
+  EXPECT_EQ(shown, 13);
+}
+
+// A fenced block under "<!-- in: FOLDER -->", with commands and their output, or "<!-- code: FILE -->".
+struct Marked {
+  std::string mark;
+  std::string place;
+  std::vector<std::string> lines;
+};
+
+std::vector<Marked> markedBlocksOf(const std::string& file) {
+  std::vector<Marked> blocks;
+  std::istringstream lines(readFile(ZELDOM40_SOURCE_DIR "/" + file));
+  Marked next;
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t colon = line.find(": ");
+    if (line.rfind("<!-- ", 0) == 0 && colon < line.size()) {
+      next = {line.substr(5, colon - 5), line.substr(colon + 2, line.rfind(" -->") - colon - 2), {}};
+    } else if (line.rfind("```", 0) == 0) {
+      while (std::getline(lines, line) && line != "```") next.lines.push_back(line);
+      blocks.push_back(next);
+      next = {};
+    }
+  }
+  return blocks;
+}
+
+// Without the blanks before each line: code is quoted from inside a function.
+std::string flat(const std::string& text) {
+  std::istringstream lines(text);
+  std::string all;
+  for (std::string line; std::getline(lines, line);) {
+    all += line.substr(std::min(line.find_first_not_of(' '), line.size())) + "\n";
+  }
+  return all;
+}
+
+TEST_F(Docs, CommandsPrintAndCodeReadsAsShown) {
+  int commands = 0, quotes = 0;
+  for (const char* page : {"README.md", "docs/hosting.md"}) {
+    for (const Marked& block : markedBlocksOf(page)) {
+      place_ = ZELDOM40_SOURCE_DIR "/" + block.place;
+      std::string text;
+      for (auto line = block.lines.rbegin(); line != block.lines.rend(); ++line) {
+        if (block.mark != "in" || line->rfind("$ ", 0) != 0) {
+          text = *line + "\n" + text;
+          continue;
+        }
+        const bool isTool = line->rfind("$ zeldom ", 0) == 0;
+        EXPECT_EQ(run(isTool ? line->substr(9) : "--version >/dev/null; " + line->substr(2)).out, text) << *line;
+        text.clear();
+        ++commands;
+      }
+      if (block.mark != "code") continue;
+      EXPECT_NE(flat(readFile(place_)).find(flat(text)), std::string::npos) << page << "\n" << text;
+      ++quotes;
+    }
+  }
+  EXPECT_GE(commands, 12);
+  EXPECT_GE(quotes, 15);
 }
 
 }  // namespace
