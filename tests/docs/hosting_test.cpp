@@ -1,4 +1,6 @@
 // The samples of docs/hosting.md, one test each. The page quotes them; the tests of the tool compare the two.
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -243,6 +245,109 @@ TEST_F(Hosting, HoldsASubtreeOverItsDeletion) {
   document->getElementsByTagName("BODY").toFirstNode()->insertLast(p);
 
   EXPECT_EQ(sourceOf(document, document->getDocumentElement()), "<BODY><P>b</P><P>a</P></BODY>");
+}
+
+TEST_F(Hosting, MakesAnElementDynamic) {
+  load(document, "<BODY><UL><LI>one</UL></BODY>");
+
+  auto* list = static_cast<Element*>(document->getElementsByTagName("UL").toFirstNode());
+  list->setAttribute("LOOPPROPERTY", "cart.items[]", /*notify=*/true);
+  list->setDynamicElement(true);  // adds DYNAMICELEMENT
+  document->adjustNodes(nullptr, /*full=*/false);
+
+  const std::string saved = sourceOf(document, document->getDocumentElement());
+  EXPECT_NE(saved.find("dynamicelement><LI>one</UL>\r\n--><%\r\ntry {\r\n"), std::string::npos) << saved;
+  EXPECT_NE(saved.find("Object[] _a0 = cart.getItems();"), std::string::npos) << saved;
+  EXPECT_FALSE(document->isRuntimeTextDifferent());
+}
+
+char* copyOf(const std::string& text) {
+  char* copy = static_cast<char*>(std::malloc(text.size() + 1));
+  if (copy) std::memcpy(copy, text.c_str(), text.size() + 1);
+  return copy;
+}
+
+class Types : public JavaTypeLookupIF {
+ public:
+  char* lookupType(const char* path, const char* beanClass) const override {
+    const bool isItem = beanClass == std::string("shop.Cart") && path == std::string("cart.items[]");
+    return isItem ? copyOf("shop.Item") : nullptr;
+  }
+  char* lookupGetter(const char* type, const char* property) const override {
+    const bool isPrice = type == std::string("shop.Item") && property == std::string("price");
+    return isPrice ? copyOf("cost") : nullptr;
+  }
+  void freeResult(char* text) const override { std::free(text); }
+};
+
+TEST_F(Hosting, AnswersAboutTypesAndListsBeans) {
+  const Types types;
+  dom->setJavaTypeLookupIF(&types);
+  document->addOutBoundBean("cart", "shop.Cart");  // a servlet puts it into the request
+
+  load(document,
+       "<ZELX:LOOP LOOPPROPERTY=\"cart.items[]\"><ZELX:PROPERTY PROPERTY=\"cart.items[].price\"></ZELX:LOOP>");
+  const std::string saved = sourceOf(document, document->getDocumentElement());
+  EXPECT_NE(saved.find("shop.Item _p0 = _a0[0];"), std::string::npos) << saved;
+  EXPECT_NE(saved.find("<%= _p0.cost() %>"), std::string::npos) << saved;
+
+  std::string seen;
+  void* handle = nullptr;
+  document->getBeanListBegin(handle);
+  const char* name = nullptr;
+  const char* type = nullptr;
+  while (document->getBeanListNext(handle, name, type)) seen += std::string(name) + ": " + type + "\n";
+  document->getBeanListEnd(handle);
+  EXPECT_NE(seen.find("cart: shop.Cart\n"), std::string::npos) << seen;
+}
+
+TEST_F(Hosting, TellsTheAuthorThatASaveChangesRuntimeText) {
+  const std::string page =
+      "<P><!--METADATA type=\"DynamicData\" startspan\r\n<ZELX:PROPERTY "
+      "PROPERTY=\"cart.title\">\r\n-->older<!--METADATA "
+      "type=\"DynamicData\" endspan-->";
+  bool told = false;
+
+  load(document, page);
+  const std::string source = sourceOf(document, document->getDocumentElement());
+  if (document->isRuntimeTextDifferent()) {
+    told = true;  // ask the author, and then
+    document->runtimeTextWasSynchronized();
+  }
+
+  EXPECT_TRUE(told);
+  EXPECT_NE(source.find("--><%= cart.getTitle() %><!--"), std::string::npos) << source;
+  EXPECT_FALSE(document->isRuntimeTextDifferent());
+}
+
+class Clock final : public DTCClientItem {
+ public:
+  void getRuntimeData(MetaData* metaData) override { metaData->setRuntimeData("<%= new java.util.Date() %>"); }
+};
+
+class Controls : public DTCDocument {
+ public:
+  DTCClientItem* createClientItem(Element* element) override {
+    Clock* clock = new Clock;
+    clock->addRef();  // the library's reference
+    clock->setElement(element);
+    return clock;
+  }
+  void destroyClientItem(DTCClientItem* item) override {
+    if (item && item->releaseRef() == 0) delete static_cast<Clock*>(item);
+  }
+};
+
+TEST_F(Hosting, ServesAControl) {
+  Controls controls;
+  Document* page = dom->createDocument("HTML");
+
+  page->setDTCDocument(&controls);  // before the page is parsed
+  load(page, "<P><OBJECT DTC CLASSID=clock></OBJECT>");
+  const std::string source = sourceOf(page, page->getDocumentElement());
+
+  EXPECT_NE(source.find("--><%= new java.util.Date() %><!--METADATA"), std::string::npos) << source;
+  dom->deleteDocument(page);
 }
 
 }  // namespace
