@@ -65,6 +65,7 @@ void Comment::setData(const char* data) { setData(std::string(data ? data : ""))
 
 void Comment::setData(const std::string& data) {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  NodeAccess::noteEdit(this);
   strings().data = data;
   strings().hasData = true;
   rawDirty_ = true;
@@ -106,6 +107,7 @@ void Comment::setRawData(const std::string& text) {
     return;
   }
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  NodeAccess::noteEdit(this);
   TextStrings& s = strings();
   s.raw = text;
   s.data = view.substr(2, view.size() - 2 - closer.size());
@@ -115,6 +117,7 @@ void Comment::setRawData(const std::string& text) {
 
 void Comment::setJSP(bool jsp) {
   if (jsp == jsp_) return;
+  NodeAccess::noteEdit(this);
   jsp_ = jsp;
   // The data must outlive the slices, which show the other form.
   getData();

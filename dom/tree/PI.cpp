@@ -2,6 +2,7 @@
 #include "dom/tree/PI.h"
 
 #include "dom/document/DocumentAccess.h"
+#include "dom/tree/NodeAccess.h"
 
 namespace zeldom40 {
 
@@ -19,6 +20,7 @@ void PI::setName(const char* name) { setName(std::string(name ? name : "")); }
 
 void PI::setName(const std::string& name) {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  NodeAccess::noteEdit(this);
   Node::setName(name);
 }
 
@@ -26,6 +28,7 @@ void PI::setData(const char* data) { setData(std::string(data ? data : "")); }
 
 void PI::setData(const std::string& data) {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  NodeAccess::noteEdit(this);
   data_ = data;
 }
 
