@@ -15,6 +15,7 @@ std::string pairOf(const char* runtime) { return std::string(kBegin) + runtime +
 
 // An item that gives a text.
 struct Item : DTCClientItem {
+  virtual ~Item() = default;  // the base has none, for the library deletes no item
   void setElement(Element* element) override {
     ++bound;
     DTCClientItem::setElement(element);
