@@ -164,6 +164,10 @@ const std::vector<Shape>& shapes() {
 , {"attributes, distinct", M / 5, SHAPE{return "<P " + numbered("a", n, "=1 ", n) + ">";
 }
 }
+, {"attributes, then small tags", M / 5,
+   SHAPE{return "<P " + numbered("a", n, "=1 ", n) + ">" + repeated("<B>x</B>", n);
+}
+}
 , {"attributes, equal", M / 5, SHAPE{return "<P " + repeated("align=left ", n) + ">";
 }
 }

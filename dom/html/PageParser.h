@@ -156,6 +156,7 @@ class PageParser {
   bool hasContentBeside(int index, const Node* chain);
   void insertLast(Node* node);
   void append(Node* parent, Node* node);
+  void forgetAttributeNames();
 
   HTMLLexer& lexer_;
   ParserType::_dtd_frame* frame_;

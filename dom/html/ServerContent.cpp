@@ -59,7 +59,7 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
   const std::string_view text = lexer_.text();
   const ElementDefinition* definition = element->getElementDefinition();
   attributes_.clear();
-  attributeNames_.clear();
+  forgetAttributeNames();
   std::size_t position = from;
   ScannedAttribute found;
   auto sliceOfView = [&](std::string_view part) {

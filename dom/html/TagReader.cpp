@@ -12,6 +12,7 @@ namespace zeldom40 {
 namespace {
 
 constexpr std::size_t kManyAttributes = 8;
+constexpr std::size_t kFewBuckets = 256;
 
 }  // namespace
 
@@ -30,7 +31,7 @@ void PageParser::readBeginTag() {
   bool nameCase = false;
   bool attributeCase = false;
   attributes_.clear();
-  attributeNames_.clear();
+  forgetAttributeNames();
   attributePending_ = attributeError_ = hiddenInput_ = false;
   tagDefinition_ = nullptr;
 
@@ -188,6 +189,13 @@ void PageParser::readBeginTag() {
   if (definition && definition->getContentType() == ElementDefinition::CONTENT_CDATA && !selfClosed) {
     readCDATAContent(*name, end);
   }
+}
+
+// Emptying a map costs its buckets, however few are in use: after a tag with very many, a new one is made.
+void PageParser::forgetAttributeNames() {
+  if (attributeNames_.empty()) return;
+  if (attributeNames_.bucket_count() > kFewBuckets) attributeNames_ = {};
+  attributeNames_.clear();
 }
 
 void PageParser::commitAttribute() {
