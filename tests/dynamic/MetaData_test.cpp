@@ -357,6 +357,22 @@ TEST_F(MetaDataTest, RuntimeTextThatWasNeverSavedIsDifferent) {
 
 // --- any page --------------------------------------------------------------------------------------------------------
 
+TEST_F(MetaDataTest, RuntimeTextCannotHideItsEndOrBringOne) {
+  for (const std::string& text :
+       {"<!-- a"s, "<!-"s, "<!"s, "<%-- a"s, "<% a"s, "<%= \"<!-- b"s, "<?a"s, "<a href='<!-- b"s,
+        "a" + end(kControl) + "b" + end(kControl) + "c<!--", "<!-- a -->"s}) {
+    SCOPED_TRACE(text);
+    load("<BODY>" + pair(kControl, "<OBJECT></OBJECT>", "x") + "<P>author</P>" +
+         pair(kControl, "<OBJECT></OBJECT>", "y"));
+    element("OBJECT")->getMetaData()->setRuntimeText(text);
+    const std::string saved = source();
+    EXPECT_NE(saved.find("-->" + text.substr(0, 10)), std::string::npos) << saved;
+    load(saved);
+    EXPECT_EQ(dumpTree(element("BODY")).substr(0, 32), "BODY(OBJECT P(\"author\") OBJECT)") << saved;
+    EXPECT_EQ(source(), saved);
+  }
+}
+
 TEST_F(MetaDataTest, ASavedPageIsSavedTheSameAgain) {
   const std::string pieces[] = {begin(kDyn, kImage),
                                 begin(kControl, "<OBJECT></OBJECT>"),
