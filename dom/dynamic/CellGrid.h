@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace zeldom40 {
@@ -10,36 +11,35 @@ namespace zeldom40 {
 int leadingInteger(const char* text);
 
 // Rows are filled from the top, cells from the left: a cell takes the first free place, and a ROWSPAN keeps its columns
-// taken in the rows below. Only the ends of cells are stored, so that a span of any size costs nothing.
+// taken in the rows below. A tree over all columns that an index can name tells up to which row each is taken, so that
+// neither a span of any size nor many that overlap cost more than the way down to their ends.
 class CellGrid {
  public:
   struct Columns {
-    long first = -1;  // both 0-based; -1 for a cell that covers nothing
-    long last = -1;
+    long long first = -1;  // both 0-based; -1 for a cell that covers nothing
+    long long last = -1;
   };
 
-  explicit CellGrid(std::size_t rows) : rows_(rows) {}
+  explicit CellGrid(std::size_t rows) : rows_(rows), parts_(1) {}
   void beginRow();
   // The next cell of the row. A span below 1 covers nothing, rows below the last one do not exist.
   Columns addCell(int colspan, int rowspan);
 
  private:
-  // Columns that a cell above keeps taken.
-  struct Span {
-    long first;
-    long last;
-    std::size_t lastRow;
+  // A stretch of columns whose length is a power of two.
+  struct Part {
+    std::uint32_t halves = 0;  // in parts_, next to each other; 0 while they do not differ
+    std::uint32_t all = 0;     // all its columns are taken in the rows before this one
+    std::uint32_t least = 0;   // likewise, with what its halves tell
   };
 
-  void expireSpans();
+  void take(long long first, long long last, std::uint32_t behindRow);
+  long long firstFree(long long from) const;
 
   std::size_t rows_;
   std::size_t row_ = 0;  // behind the present row
-  long next_ = 0;
-  std::size_t above_ = 0;         // of taken_, the first span that ends behind next_
-  std::vector<Span> taken_;       // by cells of the rows above, from left to right
-  std::vector<Span> takenBelow_;  // by cells of this row
-  std::size_t nextExpiry_ = 0;    // the first lastRow in taken_
+  long long next_ = 0;
+  std::vector<Part> parts_;  // the first is the whole
 };
 
 }  // namespace zeldom40
