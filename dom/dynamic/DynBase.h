@@ -77,12 +77,9 @@ class DynContainer : public DynBase {
   // The properties that the element loops over, the outer loop first; what is no loop property counts as missing.
   virtual std::vector<std::string> loopProperties(const Element* element) const;
 
-  // Ends the preparation: everything below the element is prepared, and `inner` holds the properties that it reads.
-  // `loops` is not empty; `ancestors` are the loop properties of this element and of all around it. What these loops
-  // cannot serve goes to `used`.
+  // Ends the preparation. `loops` is not empty; for each of them `parallel` holds what advances together with it.
   void initScopes(const LoopScope* parent, unsigned level, const std::vector<std::string>& loops,
-                  const std::string& varPrefix, const LoopAncestors& ancestors, const std::set<std::string>& inner,
-                  std::set<std::string>& used);
+                  const std::string& varPrefix, const std::vector<std::set<std::string>>& parallel);
   void clearScopes();
   // Of the inner loop, if there are two.
   const LoopScope& scope() const { return scope_; }

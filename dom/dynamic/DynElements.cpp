@@ -182,15 +182,13 @@ std::vector<std::string> DynContainer::loopProperties(const Element* element) co
 }
 
 void DynContainer::initScopes(const LoopScope* parent, unsigned level, const std::vector<std::string>& loops,
-                              const std::string& varPrefix, const LoopAncestors& ancestors,
-                              const std::set<std::string>& inner, std::set<std::string>& used) {
+                              const std::string& varPrefix, const std::vector<std::set<std::string>>& parallel) {
   if (loops.size() < 2) {
-    scope_.init(parent, loops.front(), level, varPrefix, ancestors, inner, used);
+    scope_.init(parent, loops.front(), level, varPrefix, parallel.front());
     return;
   }
-  std::set<std::string> between;
-  scope_.init(outerScope(), loops[1], level + 1, varPrefix, ancestors, inner, between);
-  outerScope()->init(parent, loops[0], level, varPrefix, ancestors, between, used);
+  outerScope()->init(parent, loops[0], level, varPrefix, parallel[0]);
+  scope_.init(outerScope(), loops[1], level + 1, varPrefix, parallel[1]);
 }
 
 void DynContainer::clearScopes() {

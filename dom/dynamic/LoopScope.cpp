@@ -1,33 +1,83 @@
 // Which loop serves which property.
 #include "dom/dynamic/LoopScope.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "dom/dynamic/PropertyPath.h"
 
 namespace zeldom40 {
 
-// --- LoopAncestors ---------------------------------------------------------------------------------------------------
+// --- LoopNest --------------------------------------------------------------------------------------------------------
 
-void LoopAncestors::change(std::string_view loopProperty, int by) {
-  changeEntry(loopProperty, by);
-  changeEntry(ownerPath(loopProperty), by);
-}
-
-void LoopAncestors::changeEntry(std::string_view path, int by) {
-  const auto entry = counts_.try_emplace(std::string(path), 0).first;
+void LoopNest::changeLength(std::size_t length, int by) {
+  const auto entry = lengths_.try_emplace(length, 0).first;
   entry->second += by;
-  if (entry->second == 0) counts_.erase(entry);
-  lengths_[path.size()] += by;
+  if (entry->second == 0) lengths_.erase(entry);
 }
 
-bool LoopAncestors::serve(std::string_view path, std::size_t longerThan) const {
-  if (counts_.empty()) return false;
-  for (std::size_t end = path.size(); end > longerThan && end != std::string_view::npos;
-       end = path.rfind('.', end - 1)) {
-    const auto length = lengths_.find(end);
-    if (length != lengths_.end() && length->second > 0 && counts_.contains(std::string(path.substr(0, end))))
-      return true;
+void LoopNest::open(const std::string& loopProperty, bool isOuterOfTwo) {
+  const std::size_t index = loops_.size();
+  const std::string_view owner = ownerPath(loopProperty);
+  const bool isArraySegment = arrayPartLength(loopProperty) == loopProperty.size();
+  entries_[loopProperty].over.push_back(index);
+  entries_[std::string(owner)].owned[isArraySegment].push_back(index);
+  changeLength(loopProperty.size(), +1);
+  changeLength(owner.size(), +1);
+  loops_.push_back({loopProperty, owner.size(), isArraySegment, index + (isOuterOfTwo ? 1 : 0), {}});
+  if (isLoopProperty(owner)) read(owner, index);
+}
+
+std::set<std::string> LoopNest::close() {
+  const Loop done = std::move(loops_.back());
+  loops_.pop_back();
+  const auto leave = [this](const std::string& path, auto list) {
+    const auto entry = entries_.find(path);
+    list(entry->second).pop_back();
+    changeLength(path.size(), -1);
+    const Entry& e = entry->second;
+    if (e.over.empty() && e.owned[0].empty() && e.owned[1].empty()) entries_.erase(entry);
+  };
+  leave(
+      done.property, [](Entry & entry) -> auto& { return entry.over; });
+  leave(
+      done.property.substr(0, done.ownerLength), [&](Entry & entry) -> auto& {
+        return entry.owned[done.isArraySegment];
+      });
+  return done.parallel;
+}
+
+void LoopNest::read(std::string_view path, std::size_t limit) {
+  constexpr std::size_t kNone = std::string_view::npos;
+  const std::size_t arrays = arrayPartLength(path);
+  std::size_t serving = kNone;   // the innermost loop over a part of the path
+  std::size_t parallel = kNone;  // the innermost loop with an owner in it that may take it along
+  std::size_t held = kNone;      // the outermost loop that holds more of the path than the part at hand
+  const auto raise = [](std::size_t& innermost, std::size_t index) {
+    if (innermost == kNone || index > innermost) innermost = index;
+  };
+  for (std::size_t end = path.size();;) {
+    const auto entry = lengths_.contains(end) ? entries_.find(std::string(path.substr(0, end))) : entries_.end();
+    if (entry != entries_.end()) {
+      const Entry& e = entry->second;
+      for (const bool needsArray : {false, true}) {
+        const auto& owned = e.owned[needsArray];
+        if (needsArray && arrays <= end) continue;
+        const auto behind = std::partition_point(owned.begin(), owned.end(), [&](std::size_t index) {
+          return index < limit && (held == kNone || loops_[index].reach < held);
+        });
+        if (behind != owned.begin()) raise(parallel, *(behind - 1));
+      }
+      if (!e.over.empty()) raise(serving, e.over.back());
+      for (const auto* list : {&e.over, &e.owned[0], &e.owned[1]}) {
+        if (!list->empty()) held = std::min(held, list->front());
+      }
+    }
+    if (end == 0) break;
+    const std::size_t dot = path.rfind('.', end - 1);
+    end = dot == std::string_view::npos ? 0 : dot;
   }
-  return false;
+  if (parallel != kNone && (serving == kNone || serving < parallel)) loops_[parallel].parallel.emplace(path);
 }
 
 // --- LoopScope -------------------------------------------------------------------------------------------------------
@@ -35,33 +85,16 @@ bool LoopAncestors::serve(std::string_view path, std::size_t longerThan) const {
 void LoopScope::clear() { *this = LoopScope(); }
 
 void LoopScope::init(const LoopScope* parent, const std::string& loopProperty, unsigned level,
-                     const std::string& varPrefix, const LoopAncestors& ancestors, const std::set<std::string>& inner,
-                     std::set<std::string>& outerUsed) {
+                     const std::string& varPrefix, const std::set<std::string>& parallel) {
   parallelProperties_.clear();
   parent_ = parent;
   loopProperty_ = loopProperty;
   level_ = level;
   varPrefix_ = varPrefix;
-  if (loopProperty.empty()) {
-    outerUsed.insert(inner.begin(), inner.end());
-    return;
-  }
-  const std::string_view owner = ownerPath(loopProperty_);
-  if (isLoopProperty(owner)) outerUsed.emplace(owner);
-  const std::size_t arrays = countArrays(loopProperty_);
+  const std::size_t ownerLength = ownerPath(loopProperty_).size();
   unsigned next = 0;
-  for (const std::string& path : inner) {
-    if (isPathUnder(path, loopProperty_)) continue;
-    // An enclosing loop serves what belongs to another owner, what has fewer arrays than this loop, and what one of
-    // them holds already.
-    if (!isPathUnder(path, owner) || countArrays(path) < arrays || ancestors.serve(path, owner.size())) {
-      outerUsed.insert(path);
-      continue;
-    }
-    // An array of the same owner advances together with the loop. KEPT: the number goes up even if the array has one
-    // already.
-    parallelProperties_.emplace(cutAtArray(path, owner.size()), next++);
-  }
+  // KEPT: the number goes up even if the array has one already.
+  for (const std::string& path : parallel) parallelProperties_.emplace(cutAtArray(path, ownerLength), next++);
 }
 
 std::string LoopScope::variable(char letter, int number) const {

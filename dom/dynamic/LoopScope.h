@@ -11,20 +11,39 @@
 
 namespace zeldom40 {
 
-// The loop properties of all loops around a place. A path asks for its own prefixes, so an answer costs the length of
-// the path, however deep the place is.
-class LoopAncestors {
+// The loops that a preparation stands in. Tells at once which of them serves a property, so that what none serves is
+// not handed from loop to loop.
+//
+// From the innermost loop outward: a loop serves what is under its property. An array of the same owner advances
+// together with the loop, unless a loop around, or the owner of its property, holds more of the path.
+class LoopNest {
  public:
-  void add(std::string_view loopProperty) { change(loopProperty, +1); }
-  void remove(std::string_view loopProperty) { change(loopProperty, -1); }
-  // Whether a loop property, or the owner of one, that is longer than `longerThan` bytes has `path` under it.
-  bool serve(std::string_view path, std::size_t longerThan) const;
+  // `isOuterOfTwo`: the next loop belongs to the same element, and what that one holds counts for both.
+  void open(const std::string& loopProperty, bool isOuterOfTwo = false);
+  // A property is read inside all loops that are open.
+  void read(const std::string& path) { read(path, loops_.size()); }
+  // Ends the innermost loop; returns the properties that advance together with it.
+  std::set<std::string> close();
 
  private:
-  void change(std::string_view loopProperty, int by);
-  void changeEntry(std::string_view path, int by);
+  struct Loop {
+    std::string property;
+    std::size_t ownerLength;
+    bool isArraySegment;  // the last segment of the property; else it has no name
+    std::size_t reach;    // the innermost loop whose holdings count
+    std::set<std::string> parallel;
+  };
+  // The loops of a path, the outermost first.
+  struct Entry {
+    std::vector<std::size_t> over;      // loop over it
+    std::vector<std::size_t> owned[2];  // have it for the owner, by isArraySegment
+  };
 
-  std::unordered_map<std::string, int> counts_;
+  void read(std::string_view path, std::size_t limit);
+  void changeLength(std::size_t length, int by);
+
+  std::vector<Loop> loops_;
+  std::unordered_map<std::string, Entry> entries_;
   std::unordered_map<std::size_t, int> lengths_;  // of the entries: a prefix of another length is not looked up
 };
 
@@ -35,10 +54,9 @@ class LoopScope {
 
   // No loop: everything resolves to itself.
   void clear();
-  // `inner` are the properties that are read inside the loop; those that this scope cannot serve go to `outerUsed`, for
-  // the enclosing loop.
+  // `parallel` are the properties that advance together with the loop.
   void init(const LoopScope* parent, const std::string& loopProperty, unsigned level, const std::string& varPrefix,
-            const LoopAncestors& ancestors, const std::set<std::string>& inner, std::set<std::string>& outerUsed);
+            const std::set<std::string>& parallel);
 
   bool isLoop() const { return !loopProperty_.empty(); }
   const std::string& loopProperty() const { return loopProperty_; }

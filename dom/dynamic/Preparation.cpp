@@ -42,7 +42,9 @@ bool Preparation::enter(Element* element) {
   DynBase* data = dynamicDataOf(element);
   if (!data) return true;
   if (DynContainer* container = data->asContainer()) return enterContainer(element, container);
-  data->collectProperties(element, open_.back().inner);
+  std::set<std::string> read;
+  data->collectProperties(element, read);
+  for (const std::string& path : read) nest_.read(path);
   return true;
 }
 
@@ -58,14 +60,16 @@ bool Preparation::enterContainer(Element* element, DynContainer* container) {
   if (isLookedThrough(element, container)) return true;
   std::vector<std::string> loops = container->loopProperties(element);
   if (loops.empty()) return false;
-  Open open{container, element, nullptr, 0, std::move(loops), {}};
+  Open open{container, element, nullptr, 0, std::move(loops)};
   if (!open_.empty()) {
     const Open& outer = open_.back();
     open.parent = &outer.container->scope();
     open.level = outer.level + static_cast<unsigned>(outer.loops.size());
   }
-  for (const std::string& loop : open.loops) ancestors_.add(loop);
-  container->collectOwnProperties(element, open.inner);
+  for (const std::string& loop : open.loops) nest_.open(loop, &loop != &open.loops.back());
+  std::set<std::string> read;
+  container->collectOwnProperties(element, read);
+  for (const std::string& path : read) nest_.read(path);
   if (container->kind() == DynKind::TABLE)
     tablePlaces_[element] = {TablePlace::TABLE, DynTable::isHorizontal(element), hasTableBody(element)};
   open_.push_back(std::move(open));
@@ -77,17 +81,10 @@ void Preparation::leave(const Element* element) {
   const Open done = std::move(open_.back());
   open_.pop_back();
   const char* prefix = element->getAttributeValue("VARPREFIX");
-  std::set<std::string> unserved;
-  done.container->initScopes(done.parent, done.level, done.loops, prefix ? prefix : "", ancestors_, done.inner,
-                             unserved);
-  for (const std::string& loop : done.loops) ancestors_.remove(loop);
-  if (open_.empty()) {
-    tablePlaces_.clear();
-  } else {
-    std::set<std::string>& outer = open_.back().inner;
-    if (outer.size() < unserved.size()) outer.swap(unserved);
-    outer.merge(unserved);
-  }
+  std::vector<std::set<std::string>> parallel(done.loops.size());
+  for (auto loop = parallel.rbegin(); loop != parallel.rend(); ++loop) *loop = nest_.close();
+  done.container->initScopes(done.parent, done.level, done.loops, prefix ? prefix : "", parallel);
+  if (open_.empty()) tablePlaces_.clear();
 }
 
 // --- loop wrappers in tables -----------------------------------------------------------------------------------------

@@ -36,7 +36,6 @@ class Preparation {
     const LoopScope* parent;
     unsigned level;
     std::vector<std::string> loops;
-    std::set<std::string> inner;
   };
   // A place between the parts of a dynamic table.
   struct TablePlace {
@@ -54,7 +53,7 @@ class Preparation {
 
   std::unordered_map<const DynContainer*, const MetaData*> prepared_;
   std::vector<Open> open_;
-  LoopAncestors ancestors_;
+  LoopNest nest_;
   std::unordered_map<const Node*, TablePlace> tablePlaces_;
 };
 

@@ -14,49 +14,49 @@ std::string list(const std::map<std::string, unsigned>& properties) {
   return out;
 }
 
-std::string list(const Paths& paths) {
-  std::string out;
-  for (const std::string& path : paths) out += path + ' ';
-  return out;
+// What advances together with a loop, as its scope numbers it.
+std::string parallel(const std::string& loop, const Paths& paths) {
+  LoopScope scope;
+  scope.init(nullptr, loop, 0, "", paths);
+  return list(scope.parallelProperties());
 }
 
-TEST(LoopScope, SharesPropertiesBetweenItselfAndTheLoopsAround) {
+TEST(LoopNest, SharesPropertiesBetweenItsLoops) {
   const struct {
-    const char* loop;
-    Paths around;
-    Paths inner;
-    const char* parallel;
-    const char* left;
+    std::vector<const char*> loops;  // the outermost first
+    Paths read;                      // in the innermost
+    const char* parallel;            // of each loop, the innermost first
   } cases[] = {
-      {"a.b[]", {}, {"a.b[]", "a.b[].c", "a.b[].c[].d"}, "", ""},
-      {"a.b[]", {}, {"a.x", "c"}, "", "a.x c "},
+      {{"a.b[]"}, {"a.b[]", "a.b[].c", "a.b[].c[].d", "a.x", "c", ""}, "| "},
       // Arrays of the same owner advance together; a second path to one of them leaves a gap in the numbers.
-      {"a.b[]", {}, {"a.c[].m", "a.c[].n", "a.d()"}, "a.c[]=0 a.d()=2 ", ""},
-      {"a.b[].c[]",
-       {"a.b[]"},
-       {"a.b[].c[].x", "a.b[].d[].y", "a.b[].e", "a.f[]"},
-       "a.b[].d[]=0 ",
-       "a.b[] a.b[].e a.f[] "},
-      {"c.d[]", {"a.b[]"}, {"a.b[].e", "a.b[].e[]", "a.x[]"}, "a.x[]=0 ", "a.b[].e a.b[].e[] "},
-      // The owner of a loop around is served there as well.
-      {"c.d[]", {"a.b[].e[]"}, {"a.b[].f[]"}, "", "a.b[].f[] "},
-      {"", {}, {"a.b[].c"}, "", "a.b[].c "},
+      {{"a.b[]"}, {"a.c[].m", "a.c[].n", "a.d()"}, "a.c[]=0 a.d()=2 | "},
+      {{"a.b[]", "a.b[].c[]"}, {"a.b[].c[].x", "a.b[].d[].y", "a.b[].e"}, "a.b[].d[]=0 | | "},
+      {{"a.b[]", "a.b[].c[]"}, {"a.f[]"}, "| a.f[]=0 | "},
+      {{"a.b[]", "c.d[]"}, {"a.b[].e", "a.b[].e[]", "a.x[]"}, "a.x[]=0 | | "},
+      // The owner of a loop around is served there as well; a loop reads the owner of its own property.
+      {{"a.b[].e[]", "c.d[]"}, {"a.b[].f[]"}, "| a.b[].f[]=0 | "},
+      {{"x.y[]", "a.b[].c[]"}, {}, "| a.b[]=0 | "},
+      {{"x.y[]", "x.y[]"}, {"x.y[].z", "x.w[]"}, "x.w[]=0 | | "},
   };
   for (const auto& c : cases) {
-    LoopAncestors around;
-    for (const std::string& path : c.around) around.add(path);
-    LoopScope scope;
-    Paths left;
-    scope.init(nullptr, c.loop, 0, "", around, c.inner, left);
-    EXPECT_EQ(list(scope.parallelProperties()), c.parallel) << c.loop;
-    EXPECT_EQ(list(left), c.left) << c.loop;
+    LoopNest nest;
+    for (const char* loop : c.loops) nest.open(loop);
+    for (const std::string& path : c.read) nest.read(path);
+    std::string found;
+    for (auto loop = c.loops.rbegin(); loop != c.loops.rend(); ++loop) found += parallel(*loop, nest.close()) + "| ";
+    EXPECT_EQ(found, c.parallel) << c.loops.back();
   }
+  // Of two loops of one element the outer one takes nothing that the inner one's owner holds.
+  LoopNest two;
+  two.open("x.y[]", /*isOuterOfTwo=*/true);
+  two.open("a.b[].c[]");
+  EXPECT_TRUE(two.close().empty());
+  EXPECT_TRUE(two.close().empty());
 }
 
 TEST(LoopScope, NamesVariablesByPrefixLevelAndNumber) {
   LoopScope scope;
-  Paths left;
-  scope.init(nullptr, "a.b[]", 2, "x", LoopAncestors(), {}, left);
+  scope.init(nullptr, "a.b[]", 2, "x", {});
   EXPECT_EQ(scope.elementVariable(LoopScope::kMain), "x_p2");
   EXPECT_EQ(scope.elementVariable(0), "x_p2_0");
   EXPECT_EQ(scope.arrayVariable(3), "x_a2_3");
@@ -65,10 +65,9 @@ TEST(LoopScope, NamesVariablesByPrefixLevelAndNumber) {
 }
 
 TEST(OpenLoops, TheInnermostLoopThatHoldsAPathGivesItsVariable) {
-  Paths left;
   LoopScope outer, inner, none;
-  outer.init(nullptr, "a.b[]", 0, "", LoopAncestors(), {"a.c[].d"}, left);
-  inner.init(&outer, "a.b[]", 1, "y", LoopAncestors(), {}, left);
+  outer.init(nullptr, "a.b[]", 0, "", {"a.c[].d"});
+  inner.init(&outer, "a.b[]", 1, "y", {});
   OpenLoops loops;
   loops.enter(outer);
   loops.enter(none);
