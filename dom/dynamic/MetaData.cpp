@@ -215,20 +215,24 @@ void MetaData::setDirty(bool value, bool runtimeOnly) {
   if (!value && element_) NodeAccess::forgetEdits(element_);
 }
 
-const std::string& MetaData::getBeginTag() {
-  if ((!beginTagDirty_ && !beginTag_.empty()) || getType() == None) return beginTag_;
+const std::string& MetaData::getBeginTag() { return MetaDataAccess::beginTag(*this, SourceOptions::UNKNOWN); }
+
+const std::string& MetaDataAccess::beginTag(MetaData& md, SourceOptions::Above above) {
+  const MetaData::Type type = md.getType();
+  if ((!md.beginTagDirty_ && !md.beginTag_.empty()) || type == MetaData::None) return md.beginTag_;
   std::string source;
-  if (getDocument()) {
+  if (md.getDocument()) {
     SourceOptions options;
     options.rawTree = options.compact = true;
-    if (getType() == AuthorTimeVisual) {
-      writeNode(getATV(), Document::SOURCE_TAGS, source, options);
+    options.above = above;
+    if (type == MetaData::AuthorTimeVisual) {
+      writeNode(md.getATV(), Document::SOURCE_TAGS, source, options);
     } else {
-      writeNode(element_, Document::SOURCE_ALL, source, options);
+      writeNode(md.element_, Document::SOURCE_ALL, source, options);
     }
   }
-  setBeginTag(makeBeginComment(getType(), source));
-  return beginTag_;
+  md.setBeginTag(makeBeginComment(type, source));
+  return md.beginTag_;
 }
 
 const std::string& MetaData::getEndTag() {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "dom/dynamic/MetaData.h"
+#include "dom/source/SourceWriter.h"
 
 namespace zeldom40 {
 
@@ -23,6 +24,8 @@ struct MetaDataAccess {
                                bool underStale);
   static void finishRuntimeText(MetaData& md, const std::string& out, std::size_t start, const RuntimeTextState& state,
                                 bool dryRun, bool isNested = false);
+  // The begin comment for a caller that knows what stands above.
+  static const std::string& beginTag(MetaData& md, SourceOptions::Above above);
   // appendRuntimeText for a caller that knows what stands above; `isOutermost`: no element with metadata does.
   static void appendRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree, bool dryRun,
                                 bool underStale, bool isOutermost = false);

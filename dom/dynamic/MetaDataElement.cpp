@@ -98,14 +98,9 @@ void Element::setDTC(bool on) {
 
 // In a source the mark tells a control inside another pair from one that has a pair of its own. A reader must find it
 // right wherever the element was moved to; setting it right is no edit, for it follows from those that were made.
-void Element::markNestedControl() {
+void Element::markNestedControl(bool nested) {
   Document* document = getDocument();
   if (getMetaData()->getType() != MetaData::DesignerControl || !DocumentAccess::isLive(document)) return;
-  const Node* n = getParentNode();
-  while (n && !(n->getNodeType() == NODE_ELEMENT && static_cast<const Element*>(n)->getMetaData())) {
-    n = n->getParentNode();
-  }
-  const bool nested = n != nullptr;
   if (nested == ElementAccess::hasAttribute(this, kControlMark)) return;
   const DocumentAccess::RecordPause pause(document);
   if (nested) {

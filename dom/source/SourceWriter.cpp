@@ -5,6 +5,7 @@
 
 #include "dom/document/DocumentAccess.h"
 #include "dom/dynamic/MetaDataAccess.h"
+#include "dom/dynamic/PairGuard.h"
 #include "dom/dynamic/RuntimeTextState.h"
 #include "dom/tree/Comment.h"
 #include "dom/tree/Element.h"
@@ -83,7 +84,12 @@ class SourceWalk {
       return false;
     }
     if (Element* visual = visualOf(element)) joiner_.append(ElementAccess::rawBeginTag(visual));
-    joiner_.append(ElementAccess::rawBeginTag(element));
+    // An element of a tree that is written raw stands below one with metadata, but for the top.
+    if (options_.rawTree && (element != top_ || options_.above != SourceOptions::UNKNOWN)) {
+      joiner_.append(ElementAccess::rawBeginTag(element, element != top_ || options_.above == SourceOptions::METADATA));
+    } else {
+      joiner_.append(ElementAccess::rawBeginTag(element));
+    }
     return true;
   }
 
@@ -97,18 +103,20 @@ class SourceWalk {
   }
 
   void writePair(Element* element, MetaData& md) {
-    joiner_.append(md.getBeginTag());
+    // Below the top no other metadata stands above, for what has some is written whole.
+    if (underStale_ < 0) {
+      underStale_ = MetaDataAccess::isUnderStale(top_) || (element != top_ && isStale(top_)) ? 1 : 0;
+      isOutermost_ = (element == top_ || !top_->getMetaData()) && !MetaDataAccess::isUnderMetaData(top_);
+    }
+    joiner_.append(MetaDataAccess::beginTag(md, isOutermost_ ? SourceOptions::PLAIN : SourceOptions::METADATA));
     if (!options_.compact || md.getType() == MetaData::AuthorTimeVisual) {
       joiner_.flush();
-      // Below the top no other metadata stands above, for what has some is written whole.
-      if (underStale_ < 0) {
-        underStale_ = MetaDataAccess::isUnderStale(top_) || (element != top_ && isStale(top_)) ? 1 : 0;
-        isOutermost_ = (element == top_ || !top_->getMetaData()) && !MetaDataAccess::isUnderMetaData(top_);
-      }
+      const std::size_t from = out_.size();
       RuntimeTextState state;
       MetaDataAccess::appendRuntimeText(md, out_, state, /*walkTree=*/false, /*dryRun=*/false, underStale_ == 1,
                                         isOutermost_);
-      if (state.inScriptlet) joiner_.append(" %>");
+      if (state.inScriptlet) out_ += " %>";
+      closeRunTimeText(out_, from, md.getType(), md.getEndTag());
     }
     joiner_.append(md.getEndTag());
   }

@@ -41,6 +41,8 @@ struct SourceOptions {
   bool rawTree = false;  // elements with metadata as they stand in the tree, with their visuals around them
   bool compact = false;  // leaves out run-time text, but that of elements with a visual
   bool inner = false;    // the node itself without its visual
+  // Whether an element above the node has metadata, if the caller knows.
+  enum Above { UNKNOWN, PLAIN, METADATA } above = UNKNOWN;
 };
 
 // Appends the source of `node` to `out`: the stored raw texts in tree order, and for an element with metadata its pair

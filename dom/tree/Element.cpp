@@ -7,7 +7,7 @@
 #include "dom/document/DocumentAccess.h"
 #include "dom/dtd/AttributeDefinition.h"
 #include "dom/dtd/ElementDefinition.h"
-#include "dom/dynamic/MetaData.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/AttributeAccess.h"
@@ -419,7 +419,17 @@ bool Element::rebuildsAlways() const {
 }
 
 void Element::refreshBeginTag() {
-  if (elementID_ == ID_OBJECT && getMetaData()) markNestedControl();
+  if (elementID_ == ID_OBJECT && getMetaData()) markNestedControl(MetaDataAccess::isUnderMetaData(this));
+  refreshTag();
+}
+
+std::string_view ElementAccess::rawBeginTag(Element* element, bool isUnderMetaData) {
+  if (element->elementID_ == ID_OBJECT && element->getMetaData()) element->markNestedControl(isUnderMetaData);
+  element->refreshTag();
+  return element->beginView();
+}
+
+void Element::refreshTag() {
   if (!beginTagDirty_) checkContentChange();
   if (!beginTagDirty_) return;
   const bool defined = elementType_ == ELEMENT_DEFINED;

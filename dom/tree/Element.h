@@ -134,13 +134,14 @@ class ZELDOM40_API Element : public Node {
   std::string_view beginView() const;
   std::string_view endView() const;
   void refreshBeginTag();
+  void refreshTag();
   void refreshEndTag();
   void checkContentChange();
   bool rebuildsAlways() const;
   std::string buildBeginTag() const;
   std::string buildEndTag() const;
   bool isHtmlOrLost() const;
-  void markNestedControl();
+  void markNestedControl(bool nested);
   AttributeList& list();
 
   // Fit into the base's last bytes.

@@ -43,6 +43,8 @@ struct ElementAccess {
     element->refreshBeginTag();
     return element->beginView();
   }
+  // For a caller that knows whether an element above has metadata, so that nobody climbs to find out.
+  static std::string_view rawBeginTag(Element* element, bool isUnderMetaData);
   static std::string_view rawEndTag(Element* element) {
     element->refreshEndTag();
     return element->endView();
