@@ -342,7 +342,8 @@ void MetaDataAccess::appendRuntimeText(MetaData& md, std::string& out, RuntimeTe
       const DocumentAccess::DryRun guard(dryRun ? md.getDocument() : nullptr);
       const std::size_t start = out.size();
       generateRuntimeText(&md, out, state, isOutermost);
-      finishRuntimeText(md, out, start, state, dryRun);
+      // An element that comes to stand elsewhere without being edited would take the names of its old loops along.
+      finishRuntimeText(md, out, start, state, dryRun, /*isNested=*/!isOutermost && isUnderMetaData(md.element_));
       return;
     }
   }
