@@ -16,6 +16,8 @@ struct Shape {
 };
 
 const std::vector<Shape>& shapes();
+// Pages with metadata; what is written is another text than was read, for new pairs get their comments.
+const std::vector<Shape>& dynamicShapes();
 
 // `word` n times.
 std::string repeated(const char* word, std::size_t n);

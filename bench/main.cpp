@@ -1,5 +1,5 @@
 // The benchmark program: zeldom40_bench [options of the benchmark library], or
-// zeldom40_bench growth [--divide=N] [--pairs=N] [part of a shape's name...], or
+// zeldom40_bench growth [--divide=N] [--pairs=N] [--dynamic] [part of a shape's name...], or
 // zeldom40_bench growth-edit [--divide=N] [--all] [part of a shape's name...].
 #include <string>
 #include <vector>
