@@ -69,7 +69,7 @@ class CountingControls : public DTCDocument {
   const std::string& wrong() const { return wrong_; }
 
  private:
-  struct Item : DTCClientItem {
+  struct Item final : DTCClientItem {
     explicit Item(CountingControls& host) : controls(host) {}
     void setElement(Element* element) override {
       if (!live) controls.wrong_ = "a dead item is bound";

@@ -232,6 +232,9 @@ const std::string& MetaDataAccess::beginTag(MetaData& md, SourceOptions::Above a
     }
   }
   md.setBeginTag(makeBeginComment(type, source));
+  // Asked alone, a nested control has its mark, which goes with the element around it.
+  md.beginTagDirty_ =
+      above == SourceOptions::UNKNOWN ? md.element_ && isUnderMetaData(md.element_) : above == SourceOptions::METADATA;
   return md.beginTag_;
 }
 

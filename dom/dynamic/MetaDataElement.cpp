@@ -5,6 +5,7 @@
 #include "dom/tree/AttributeList.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/ElementAccess.h"
+#include "dom/tree/NodeAccess.h"
 
 namespace zeldom40 {
 
@@ -70,16 +71,20 @@ void Element::setDynamicElement(bool on) {
   if (!on) {
     if (byNature) return;
     recordChange(this);
+    // What stands around writes the element in another way, even if no mark goes.
+    if (getMetaData()) NodeAccess::noteEdit(this);
     setMetaData(nullptr);
     deleteAttribute(kDynamicMark);
     return;
   }
   if (!byNature && !ElementAccess::hasAttribute(this, kDynamicMark)) setAttribute(kDynamicMark, "", /*notify=*/true);
+  const MetaData* before = getMetaData();
   if (isDynamicElement()) {
     ensureMetaData(this, MetaData::DynamicData);
   } else {
     setMetaData(nullptr);
   }
+  if (getMetaData() != before) NodeAccess::noteEdit(this);
 }
 
 // --- design-time controls --------------------------------------------------------------------------------------------
