@@ -477,6 +477,8 @@ class DynamicHost {
     if (!controls_.wrong().empty()) fault_ = controls_.wrong();
     if (!fault_.empty() || !choices_.chance(3)) return;
     if (choices_.chance(2)) differs("the page itself", written(*document_, document_->getDocumentElement()), expected_);
+    // Pages of others leave out end tags, so that an insertion may be read in another place.
+    if (!page_.empty()) return;
     Document* again = open();
     read(*again, expected_);
     differs("saved again", written(*again, again->getDocumentElement()), expected_);
