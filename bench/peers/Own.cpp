@@ -230,8 +230,8 @@ void prepareHold() { anyDOM(); }
 void hold(const Page& page) { (new OpenPage(page))->parse(); }
 
 long nodesOf(const Page& page) {
-  const long before = liveNodes::count;
   OpenPage open(page);
+  const long before = liveNodes::count;
   open.parse();
   return liveNodes::count - before;
 }
