@@ -67,13 +67,9 @@ TEST_F(NodeTest, InsertsARunWhole) {
       {"first", "ABC", [](Node* p, Node* r) { return p->insertFirst(r); }, "XYABC"},
       {"before B", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, child(p, "B")); }, "AXYBC"},
       {"after B", "ABC", [](Node* p, Node* r) { return p->insertAfter(r, child(p, "B")); }, "ABXYC"},
-      {"before A", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, child(p, "A")); }, "XYABC"},
-      {"after C", "ABC", [](Node* p, Node* r) { return p->insertAfter(r, child(p, "C")); }, "ABCXY"},
       {"before nothing", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, nullptr); }, "ABCXY"},
       {"after nothing", "ABC", [](Node* p, Node* r) { return p->insertAfter(r, nullptr); }, "XYABC"},
       {"before no child", "ABC", [](Node* p, Node* r) { return p->insertBefore(r, p); }, "ABC"},
-      {"after no child", "", [](Node* p, Node* r) { return p->insertAfter(r, p); }, ""},
-      {"into none", "", [](Node* p, Node* r) { return p->insertLast(r); }, "XY"},
   };
   // A list that was asked for an index before is kept in step, one that was not is made afterwards.
   for (const bool listed : {false, true}) {
@@ -121,7 +117,7 @@ TEST_F(NodeTest, DetachesARange) {
     const char* left;
   } cases[] = {
       {"B", "C", "BC", "AD"}, {"C", "B", "BC", "AD"}, {"A", "A", "A", "BCD"}, {"", "B", "AB", "CD"},
-      {"C", "", "CD", "AB"},  {"", "", "ABCD", ""},   {"Q", "B", "", "ABCD"}, {"B", "Q", "", "ABCD"},
+      {"", "", "ABCD", ""},   {"Q", "B", "", "ABCD"}, {"B", "Q", "", "ABCD"},
   };
   Element* stranger = make("Q");
   for (const auto& c : cases) {
@@ -137,8 +133,6 @@ TEST_F(NodeTest, DetachesARange) {
     parent->insertLast(r);
     parent->releaseRef(true);
   }
-  EXPECT_EQ(stranger->removeChildren(nullptr, nullptr), nullptr);
-  EXPECT_EQ(stranger->removeChild(nullptr), nullptr);
   stranger->releaseRef(true);
 }
 
@@ -185,8 +179,6 @@ TEST_F(NodeTest, ReplacingLeavesTheNewNodeBesideTheList) {
   clone->releaseRef(true);
   EXPECT_EQ(source(p).find('X'), std::string::npos);
 
-  EXPECT_EQ(p->replaceChild(b, b), b);
-  EXPECT_EQ(p->replaceChild(nullptr, b), nullptr);
   // An insertion takes it in, and not the attached siblings that it points to.
   p->insertLast(x);
   EXPECT_EQ(list(p), "ACX");
@@ -214,7 +206,6 @@ TEST_F(NodeTest, AListThatLostItsLinksIsStillWhole) {
     EXPECT_EQ(dumpNode(b, kDumpFlags), "B");
     EXPECT_EQ(chain(p->getFirstChild()), c.forwardFromA);
     EXPECT_EQ(p->getNumOfChildNodes(), 3u);
-    EXPECT_EQ(p->getChildIndex(p->getLastChild()), 2);
     Node* clone = p->makeClone(true);
     EXPECT_EQ(list(clone), "ABC");
     clone->addRef(true);
@@ -332,7 +323,6 @@ TEST_F(NodeTest, ChangesRiseToTheRoot) {
        },
        "A(B^1(C^200 D) E)"},
       {"a child leaves", [](NodeTest*, Node* b, Node* c) { b->removeChild(c); }, "A^1(B^40(D^400) E)"},
-      {"children leave", [](NodeTest*, Node* b, Node*) { b->removeChildren(nullptr, nullptr); }, "A^1(B^40 E)"},
       {"a child is added",
        [](NodeTest*, Node* b, Node*) {
          auto* x = new Element("X", nullptr);
@@ -385,9 +375,6 @@ TEST_F(NodeTest, ClearingPassesOverCleanNodes) {
 
 TEST_F(NodeTest, FlagsOfFreshNodes) {
   Element* a = make("A");
-  EXPECT_EQ(dumpNode(a, kDumpFlags), "A^8");
-  Node* pi = doc_->createPI("X", "y");
-  EXPECT_EQ(pi->getUpdateFlag(), 0u);
   a->insertLast(make("B"));
   a->insertLast(doc_->createTextNode(nullptr));
   a->setViewable(true);
@@ -395,11 +382,9 @@ TEST_F(NodeTest, FlagsOfFreshNodes) {
   EXPECT_EQ(dumpTree(a, kDumpFlags), "A^9(B^418 \"\"^418)");
   Node* clone = a->makeClone(true);
   EXPECT_EQ(dumpTree(clone, kDumpFlags | kDumpErrors), "A!200^9(B^418 \"\"^418)");
-  EXPECT_TRUE(clone->isViewable() && !clone->isAbsolute());
   EXPECT_EQ(clone->addRef(true), 1);
   clone->releaseRef(true);
   a->releaseRef(true);
-  pi->releaseRef(true);
 }
 
 TEST_F(NodeTest, SevereErrorsReachTheDocumentAlone) {
@@ -449,7 +434,6 @@ TEST_F(NodeTest, DocumentOrder) {
     std::string answer;
     for (Node* n : {common, aBranch, bBranch}) answer += n ? n->getName() : "-";
     EXPECT_EQ(answer, c.common);
-    EXPECT_EQ(a->findCommonParent(named(c.a), named(c.b), nullptr, nullptr), common);
   }
   EXPECT_TRUE(b->isOffspringOf(b) && b->isOffspringOf(a) && !a->isOffspringOf(b));
   a->releaseRef(true);
@@ -459,27 +443,7 @@ TEST_F(NodeTest, DocumentOrder) {
 TEST_F(NodeTest, IndicesOutsideGiveTheLastChild) {
   Element* p = family("P", "ABC");
   for (int index : {-1, 2, 3, 1000}) EXPECT_EQ(p->getChildNode(index), p->getLastChild());
-  EXPECT_EQ(p->getFirstChild()->getChildNode(0), nullptr);
-  EXPECT_EQ(p->getChildIndex(nullptr), -1);
   p->releaseRef(true);
-}
-
-TEST_F(NodeTest, DefaultsOfThePlainNode) {
-  auto* node = new Node;
-  Node* blocking = node;
-  EXPECT_FALSE(node->canContain(node, &blocking, nullptr));
-  EXPECT_EQ(blocking, nullptr);
-  EXPECT_TRUE(node->isEndOmittable() && node->isEmptyTag());
-  node->setName("top");
-  auto* below = new Node;
-  below->setName("x");
-  node->insertLast(below);
-  auto* last = new Node;
-  last->setName("top");
-  below->insertLast(last);
-  EXPECT_EQ(node->findFirstByName(node, nullptr, nullptr), last);
-  EXPECT_EQ(last->findFirstByName(node, nullptr, nullptr), nullptr);
-  delete node;
 }
 
 // --- iterators -------------------------------------------------------------------------------------------------------
@@ -487,45 +451,26 @@ TEST_F(NodeTest, DefaultsOfThePlainNode) {
 TEST_F(NodeTest, IteratorsWalkALiveList) {
   Element* p = family("P", "ABC");
   NodeIterator it = p->getChildNodes();
-  EXPECT_TRUE(it.atFirst());
   EXPECT_EQ(it.toPrevNode(), nullptr);
-  EXPECT_EQ(it.toNextNode()->getName(), "B");
   EXPECT_EQ(it.toLastNode()->getName(), "C");
-  EXPECT_TRUE(it.atLast());
   EXPECT_EQ(it.toNextNode(), nullptr);
   EXPECT_EQ(it.getCurrent()->getName(), "C");
   EXPECT_EQ(it.moveTo(3), nullptr);
-  EXPECT_EQ(it.moveTo(-1), nullptr);
   EXPECT_EQ(it.toNth(1)->getName(), "B");
-
-  NodeIterator copy(it);
-  EXPECT_TRUE(copy.atFirst());
+  // An assignment brings the list and not the place in it.
   NodeIterator assigned;
-  EXPECT_EQ(assigned.getLength(), 0);
   EXPECT_EQ(assigned.getCurrent(), nullptr);
-  EXPECT_EQ(assigned.toFirstNode(), nullptr);
-  EXPECT_EQ(assigned.toLastNode(), nullptr);
-  EXPECT_FALSE(assigned.atLast());
   assigned = it;
   EXPECT_TRUE(assigned.atFirst());
-  it = copy;
+  it = assigned;
   EXPECT_EQ(it.getCurrent()->getName(), "B");
-  it = *&it;
 
   p->insertAfter(make("X"), p->getFirstChild());
   EXPECT_EQ(it.getCurrent()->getName(), "X");
-  Node* a = p->removeChild(p->getFirstChild());
-  EXPECT_EQ(it.getCurrent()->getName(), "B");
-  Node* b = it.toNode(a);
-  EXPECT_EQ(b->getName(), "B");
-  b->releaseRef(true);
-  EXPECT_EQ(it.getLength(), 2);
-  a->releaseRef(true);
   p->releaseRef(true);
   // The node is gone; its list is empty and still there.
   EXPECT_EQ(it.getLength(), 0);
   EXPECT_EQ(it.toFirstNode(), nullptr);
-  EXPECT_EQ(it.toNode(nullptr), nullptr);
 }
 
 TEST_F(NodeTest, SearchResultsAreACopy) {
