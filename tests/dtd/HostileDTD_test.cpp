@@ -47,16 +47,12 @@ std::string numbered(std::string_view before, std::string_view after, std::size_
   return out;
 }
 
-constexpr std::string_view kSmallDTD =
-    "<!ENTITY % P 'A|B'><!ELEMENT (A|B) - - (#PCDATA)><!ELEMENT P - O (A|%P;)*><!ATTLIST P a CDATA #IMPLIED>"
-    "<!ELEMENT ZELROOT - O (BODY)><!ELEMENT BODY O O (P)* +(A)>";
-
-// Reads `page` into the tables of `dtd`, as a page's own declarations are read, and asks about a few
-// elements afterwards.
-void readAsPage(const std::string& page, std::string_view dtd) {
+// Reads `page` into the built-in tables, as a page's own declarations are read, and asks about a few elements
+// afterwards.
+void readAsPage(const std::string& page) {
   const long nodes = liveNodes::count;
   {
-    DTDParser base(dtd.data(), static_cast<unsigned>(dtd.size()));
+    DTDParser base(builtInDTD().data(), static_cast<unsigned>(builtInDTD().size()));
     base.parse(LexerType::LEX_EOF);
     const ParserType::_dtd_parser_frame shared{base.getDTDFrame()};
     DTDParser(page.data(), static_cast<unsigned>(page.size()), &shared).parse(LexerType::LEX_EOF);
@@ -85,34 +81,17 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    {"bangs", [](std::size_t n) { return repeat("<!x", n / 3); }},
     {"open list", [](std::size_t n) { return "<!ATTLIST P a CDATA #IMPLIED " + repeat("] ", n / 2); }},
     {"endless list", [](std::size_t n) { return "<!ATTLIST P" + repeat(" a CDATA #IMPLIED", n / 17); }},
-    {"endless enumeration", [](std::size_t n) { return "<!ATTLIST P a (" + repeat("b|", n / 2); }},
-    {"many lists", [](std::size_t n) { return repeat("<!ATTLIST P a (b) c>", n / 20); }},
     {"names times attributes",
      [](std::size_t n) {
        return "<!ATTLIST (" + repeat("P|", n / 4) + ")" + numbered(" a", " ID #IMPLIED", n / 40) + ">";
      }},
-    {"open group", [](std::size_t n) { return "<!ELEMENT (" + repeat("X|", n / 2); }},
     {"open ignored section", [](std::size_t n) { return "<![IGNORE[" + repeat("<!ELEMENT X - - ANY>", n / 20); }},
-    {"sections", [](std::size_t n) { return repeat("<![INCLUDE[", n / 11); }},
     {"sections and ends", [](std::size_t n) { return repeat("<![INCLUDE[<", n / 15) + repeat("]]>", n / 15); }},
     {"parentheses", [](std::size_t n) { return "<!ELEMENT X - - " + repeat("(", n / 2) + repeat(")", n / 2) + ">"; }},
-    {"deepest groups",
-     [](std::size_t n) {
-       return repeat("<!ELEMENT X O O " + repeat("(", 100) + "A" + repeat(")", 100) + ">", n / 218);
-     }},
     {"inclusions", [](std::size_t n) { return "<!ELEMENT X - - A " + repeat("+ -", n / 3) + ">"; }},
     {"cycle", [](std::size_t n) { return numbered("<!ELEMENT X", " O O (X0)* +(X1) -(X)>", n / 30); }},
-    {"chain of omitted tags",
-     [](std::size_t n) {
-       std::string out = "<!ELEMENT X O O (X0)>";
-       for (std::size_t i = 0; out.size() < n; ++i) {
-         out += "<!ELEMENT X" + std::to_string(i) + " O O (X" + std::to_string(i + 1) + ")>";
-       }
-       return out;
-     }},
     {"lattice of omitted tags",
      [](std::size_t n) {
        std::string out = "<!ELEMENT X O O (X0|Y0)>";
@@ -133,23 +112,15 @@ const Shape kShapes[] = {
      }},
     {"references in a literal",
      [](std::size_t n) { return "<!ENTITY % a 'x'><!ENTITY % b '" + repeat("%a;", n / 3) + "'>%b;"; }},
-    {"references in the open", [](std::size_t n) { return "<!ENTITY % a ' '>" + repeat("%a;", n / 3); }},
     {"references kept by a comment",
      [](std::size_t n) { return "<!ENTITY % a ''><!ENTITY % b 'A-- " + repeat("%a;", n / 3) + "'>%b;"; }},
     {"entity that holds itself", [](std::size_t n) { return "<!ENTITY % c 'A-- %c;'>" + repeat("%c; ", n / 4); }},
-    {"percent signs", [](std::size_t n) { return repeat("%", n); }},
-    {"undeclared references", [](std::size_t n) { return repeat("<![INCLUDE[<%x;", n / 15); }},
     {"closing quotes out of entities",
      [](std::size_t n) { return "<!ENTITY % q \"'\"><!ENTITY % d '\"'>" + repeat("%q; 'a%q; %d;\"b%d; ", n / 20); }},
-    {"comments without end", [](std::size_t n) { return repeat("<!ELEMENT X -- ", n / 15); }},
-    {"many entities", [](std::size_t n) { return numbered("<!ENTITY % e", " ''>", n / 20); }},
-    {"many characters", [](std::size_t n) { return numbered("<!ENTITY e '&#9", ";'>", n / 24); }},
-    {"many elements", [](std::size_t n) { return numbered("<!ELEMENT X", " - - (P) -(P)>", n / 30); }},
-    {"one element again", [](std::size_t n) { return repeat("<!ELEMENT X - - (A|B)>", n / 22); }},
+    {"undeclared references", [](std::size_t n) { return repeat("<![INCLUDE[<%x;", n / 15); }},
     {"names times tokens",
      [](std::size_t n) { return "<!ELEMENT (" + repeat("X|", n / 4) + ") - - (" + repeat("P|", n / 4) + ")>"; }},
-    {"NULs and marks",
-     [](std::size_t n) { return repeat(std::string_view("<!\0ENTITY\x1b \x1c\x1d % \0 \xff>", 18), n / 18); }},
+    {"many elements", [](std::size_t n) { return numbered("<!ELEMENT X", " - - (P) -(P)>", n / 30); }},
 };
 
 TEST(HostileDTD, EveryShapeEndsInTimeThatGrowsWithItsLength) {
@@ -157,18 +128,9 @@ TEST(HostileDTD, EveryShapeEndsInTimeThatGrowsWithItsLength) {
     SCOPED_TRACE(shape.name);
     const std::string page = shape.make(1 << 20);
     const auto start = std::chrono::steady_clock::now();
-    onSmallStack([&] { readAsPage(page, builtInDTD()); });
+    onSmallStack([&] { readAsPage(page); });
     // Far above what a linear reader needs here, far below what a quadratic one does.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-  }
-}
-
-TEST(HostileDTD, EveryShapeMayBeCutAnywhere) {
-  for (const Shape& shape : kShapes) {
-    SCOPED_TRACE(shape.name);
-    const std::string page = shape.make(300);
-    const auto step = std::max<std::size_t>(1, page.size() / 40);
-    for (std::size_t length = 0; length <= page.size(); length += step) readAsPage(page.substr(0, length), kSmallDTD);
   }
 }
 
