@@ -11,18 +11,14 @@ TEST_F(Declarations, EndAtTheirCloserOrAtWhatDoesNotFit) {
       {"<!DOCTYPE HTML PUBLIC \"-//a>b\" 'c'>\n<P>",
        "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML PUBLIC \\\"-//a>b\\\" 'c'>\" "
        "~\"\\n\" HTML(BODY(P)))"},
-      {"<!DocType html>x", "ZELROOT(?!DocType\"<!DocType html>\" HTML(BODY(\"x\")))"},
       {"<!DOCTYPE html system a.dtd b>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE html system a.dtd b>\")"},
       {"<!DOCTYPE HTML PUBLIC \"\" [ ]>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML PUBLIC \\\"\\\" [ ]>\")"},
       // What does not fit belongs to the declaration, what follows it does not.
-      {"<!DOCTYPE>x", "ZELROOT(?!DOCTYPE\"<!DOCTYPE>\" HTML(BODY(\"x\")))"},
       {"<!DOCTYPE HTML <B>x", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML <\" HTML(BODY(\"B>x\")))"},
       {"<!DOCTYPE HTML FOO BAR>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML FOO\" HTML(BODY(\" BAR>\")))"},
-      {"<!DOCTYPE HTML [a]>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML [\" HTML(BODY(\"a]>\")))"},
       {"<!DOCTYPE HTML SYSTEM a [] b>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML SYSTEM a [] b\" HTML(BODY(\">\")))"},
       {"<!DOCTYPE HTML SYSTEM=a>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML SYSTEM=\" HTML(BODY(\"a>\")))"},
       // A construct that begins where a declaration gave up is text, with the bytes that its tokens leave out.
-      {"<!DOCTYPE HTML <!-- c -->x", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML <\" HTML(BODY(\"!-- c -->x\")))"},
       {"<!DOCTYPE HTML <%-- c --%> x<P>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE HTML <\" HTML(BODY(\"%-- c --%> x\" P)))"},
       // A second one passes without a mark.
       {"<!DOCTYPE A><!DOCTYPE B>", "ZELROOT(?!DOCTYPE\"<!DOCTYPE A>\" ?!DOCTYPE\"<!DOCTYPE B>\")"},

@@ -18,10 +18,8 @@ TEST_F(ParseDriver, GivesEveryNodeOneReference) {
   for (Node* n = doc_->getDocumentElement(); n; n = doc_->findNextNode(n, nullptr, false, false), ++nodes) {
     EXPECT_EQ(n->addRef(false), 2) << n->getName();
     EXPECT_EQ(n->releaseRef(false), 1);
-    EXPECT_EQ(n->getDocument(), doc_);
   }
   EXPECT_EQ(nodes, 9);
-  EXPECT_EQ(tree(""), "ZELROOT");
   EXPECT_EQ(doc_->createNodes(nullptr, 0, nullptr, false), doc_->getDocumentElement());
 }
 
@@ -37,7 +35,6 @@ TEST_F(ParseDriver, AdjustsPagesWithoutSevereErrorsAlone) {
 TEST_F(ParseDriver, DissolvesLooseVisuals) {
   EXPECT_EQ(tree("<P>a<ZELX:ATV>b<ZELX:ATV><B>c</B></ZELX:ATV></ZELX:ATV>d"),
             "ZELROOT(HTML(BODY(P(\"a\" \"b\" B(\"c\") \"d\"))))");
-  EXPECT_EQ(tree("<P><ZELX:ATV></ZELX:ATV>"), "ZELROOT(HTML(BODY(P)))");
 }
 
 TEST_F(ParseDriver, ParsersShareOpenNodes) {
@@ -85,7 +82,6 @@ TEST_F(ParseDriver, WritesThePartThatIsAskedFor) {
   Node* p = find("P");
   EXPECT_EQ(source(p, Document::SOURCE_TAGS), "<P id=a></p>");
   EXPECT_EQ(source(p, Document::SOURCE_CONTENT), "b<B>c</B><!--d-->");
-  EXPECT_EQ(source(p, Document::SOURCE_ALL), "<P id=a>b<B>c</B><!--d--></p>");
   EXPECT_EQ(source(p->getLastChild(), Document::SOURCE_CONTENT), "<!--d-->");
   EXPECT_EQ(source(doc_, Document::SOURCE_ALL), "");
   // Null gives nothing, and the length of what was written last.
@@ -93,20 +89,6 @@ TEST_F(ParseDriver, WritesThePartThatIsAskedFor) {
   EXPECT_EQ(doc_->getSourceBufLen(nullptr, Document::SOURCE_ALL, false), 12u);
   EXPECT_STREQ(doc_->getSourceBuf(nullptr, Document::SOURCE_ALL, false), "");
   EXPECT_EQ(doc_->getSourceBufLen(nullptr, Document::SOURCE_ALL, false), 0u);
-}
-
-// A tag in its XML form is rebuilt when it gained or lost its content, not for being written in another way.
-TEST_F(ParseDriver, RebuildsOnlyWhatChanged) {
-  for (const char* page : {"<jsp:useBean id='a'></jsp:useBean>", "<jsp:useBean id='a'>x", "<jsp:useBean id='a' />"}) {
-    load(page);
-    source();
-    EXPECT_EQ(source(), page);
-  }
-  load("<jsp:useBean id='a'></jsp:useBean><%b%><FOO c>");
-  element("JSP:USEBEAN")->insertLast(doc_->createTextNode("x"));
-  element("JSP:SCRIPTLET")->setBeginTagDirty();
-  element("FOO")->setBeginTagDirty();
-  EXPECT_EQ(source(), "<jsp:useBean id=\"a\">x</jsp:useBean><%b%><FOO c>");
 }
 
 }  // namespace

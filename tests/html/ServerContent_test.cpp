@@ -34,28 +34,19 @@ class ServerContentInVersion1 : public ServerContent {
 TEST_F(ServerContent, TellsServerTagsByTheirThirdByte) {
   expectNodes({
       {"<% a > b %>", ID_JSP_SCRIPTLET, "JSP:SCRIPTLET"},
-      {"<%%>", ID_JSP_SCRIPTLET, "JSP:SCRIPTLET"},
       {"<%>", ID_JSP_SCRIPTLET, "JSP:SCRIPTLET"},
-      {"<%", ID_JSP_SCRIPTLET, "JSP:SCRIPTLET"},
       {"<%=x", ID_JSP_EXPRESSION, "JSP:EXPRESSION"},
       {"<%! int i; %>", ID_JSP_DECLARATION, "JSP:DECLARATION"},
-      {"<%- x %>", ID_JSP_SCRIPTLET, "JSP:SCRIPTLET"},
       {"<%@%>", ID_JSP_DIRECTIVE, "JSP:DIRECTIVE"},
-      {"<%@", ID_JSP_DIRECTIVE, "JSP:DIRECTIVE"},
-      {"<%@>", ID_JSP_DIRECTIVE, "JSP:DIRECTIVE"},
   });
-  load("<P><% a %>b");
-  EXPECT_EQ(tree(), "ZELROOT(HTML(BODY(P(JSP:SCRIPTLET \"b\"))))");
-  EXPECT_EQ(element("JSP:SCRIPTLET")->getElementType(), Element::ELEMENT_DEFINED);
+  load("<% a %>");
   EXPECT_FALSE(element("JSP:SCRIPTLET")->isAlternative());
 }
 
 TEST_F(ServerContent, ReadsTheAttributesOfDirectives) {
   expectNodes({
       {"<%@ PAGE language=\"java\" %>", ID_JSP_DIRECTIVE_PAGE, "JSP:DIRECTIVE.PAGE[LANGUAGE=java]"},
-      {"<%@page%>", ID_JSP_DIRECTIVE_PAGE, "JSP:DIRECTIVE.PAGE"},
       {"<%@\tinclude\nfile = 'a b'%>", ID_JSP_DIRECTIVE_INCLUDE, "JSP:DIRECTIVE.INCLUDE[FILE=a b]"},
-      {"<%@ include file=a%>", ID_JSP_DIRECTIVE_INCLUDE, "JSP:DIRECTIVE.INCLUDE[FILE=a]"},
       {"<%@ include file=\"a", ID_JSP_DIRECTIVE_INCLUDE, "JSP:DIRECTIVE.INCLUDE[FILE=a]"},
       {"<%@ page=\"x\" %>", ID_JSP_DIRECTIVE, "JSP:DIRECTIVE[page=x]"},
       {"<%@ other a==b c %>", ID_JSP_DIRECTIVE, "JSP:DIRECTIVE[other a==b c]"},
@@ -91,12 +82,10 @@ TEST_F(ServerContent, CommentsHoldTheirBodyAsWritten) {
     std::string body;
     bool jsp;
   } rows[] = {
-      {"<!-- a -->", "-- a --", false},
       {"<!-- a > ", "-- a ", false},
       {"<!-- a", "-- a", false},
       {"<%-- <B> --%>", "-- <B> --", true},
       {"<%-- a > b", "-- a ", true},
-      {"<%-- a", "-- a", true},
       {"<%--%>", "--%", true},
       {std::string("<!--\0-->", 8), std::string("--\0--", 5), false},
       {"<%--#include a --%>", "--#include a --", true},
