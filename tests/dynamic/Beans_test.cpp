@@ -21,12 +21,6 @@ class BeansTest : public DynamicTest {
   }
 };
 
-class OldBeansTest : public BeansTest {
- protected:
-  OldBeansTest() = default;
-  void SetUp() override { dom_->setJSPVersion(DOM::JSP_VERSION_1); }
-};
-
 TEST_F(BeansTest, StandInByteOrderAndTheFirstOfANameStays) {
   load(
       "<jsp:useBean id=\"out\" class=\"p.Out\"/><jsp:useBean id=\"b\" class=\"p.C\" type=\"p.T\"/>"
@@ -43,7 +37,8 @@ TEST_F(BeansTest, StandInByteOrderAndTheFirstOfANameStays) {
             "response:javax.servlet.http.HttpServletResponse session:javax.servlet.http.HttpSession ");
 }
 
-TEST_F(OldBeansTest, ComeFromTheOlderTags) {
+TEST_F(BeansTest, ComeFromTheOlderTagsInTheOlderVersion) {
+  dom_->setJSPVersion(DOM::JSP_VERSION_1);
   load(
       "<jsp:useBean id=\"x\" class=\"p.X\"/><BEAN NAME=a VARNAME=b TYPE=p.B></BEAN><BEAN NAME=c TYPE=p.C></BEAN>"
       "<BEAN NAME=d></BEAN>");

@@ -18,13 +18,10 @@ TEST(PropertyPath, SaysByItsFormWhatIsLoopedOver) {
       {"", 0, 0, "", 0},
       {"[]", 0, 0, "", 0},
       {"a[]", 2, 1, "", 3},
-      {"bean", 1, 0, "", 0},
       {"a.b", 1, 0, "", 0},
-      {"a.items[]", 2, 1, "", 9},
       {"a.item()", 3, 1, "", 8},
       {"a.b[].c", 1, 1, "a.b[]", 5},
       {"a.b[].c[]", 2, 2, "a.b[]", 9},
-      {"a.b[].c.d[]", 2, 2, "a.b[]", 11},
       {"a.[].c", 1, 0, "", 0},  // a segment of two characters has no name
       {"a..b[].", 1, 1, "a..b[]", 6},
   };
@@ -36,20 +33,6 @@ TEST(PropertyPath, SaysByItsFormWhatIsLoopedOver) {
   }
 }
 
-TEST(PropertyPath, CutsAtTheFirstArrayBehindItsOwner) {
-  EXPECT_EQ(cutAtArray("a.b[].c[].d", 0), "a.b[]");
-  EXPECT_EQ(cutAtArray("a.b[].c[].d", 5), "a.b[].c[]");
-  EXPECT_EQ(cutAtArray("a.b", 0), "");
-  EXPECT_EQ(cutAtArray("a.b[]", 5), "a.b[]");
-}
-
-TEST(PropertyPath, IsUnderItsOwnerAtADotOnly) {
-  EXPECT_TRUE(isPathUnder("a.b[]", "a.b[]"));
-  EXPECT_TRUE(isPathUnder("a.b[].c", "a.b[]"));
-  EXPECT_FALSE(isPathUnder("a.bc", "a.b"));
-  EXPECT_TRUE(isPathUnder("a", ""));
-}
-
 TEST(QueryParameter, ReadsValuesThatMayBeProperties) {
   const struct {
     const char* query;
@@ -57,7 +40,6 @@ TEST(QueryParameter, ReadsValuesThatMayBeProperties) {
   } cases[] = {
       {"", ""},
       {"a", "a=;"},
-      {"a&b=c", "a=;b=c;"},
       {"a=b=c", "a=;b=c;"},  // the second "=" makes a name of what looked like the value
       {"a=$(b.c)&d=e", "a=b.c$;d=e;"},
       {"a=%(b)&c=#(d)", "a=b$;c=d;"},

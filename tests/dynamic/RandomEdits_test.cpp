@@ -100,14 +100,5 @@ TEST_F(DynamicPages, HostileShapesComeToRest) {
   for (const std::string& page : pages) EXPECT_EQ(stable(page), "") << quotedBytes(page.substr(0, 80));
 }
 
-TEST_F(DynamicPages, APageThatIsCutOffAnywhereComesToRest) {
-  load(
-      "<BODY><UL DYNAMICELEMENT LOOPPROPERTY=a.b[]><LI><!-- c --><ZELX:PROPERTY PROPERTY=a.b[].n></UL>"
-      "<ZELX:ATV FONTTEXT=v><%= x %></ZELX:ATV><OBJECT DTC></OBJECT>");
-  const std::string saved = source();
-  for (std::size_t length = 0; length < saved.size(); ++length)
-    ASSERT_EQ(fuzz::saveIsStable(dom_, std::string_view(saved).substr(0, length)), "") << length;
-}
-
 }  // namespace
 }  // namespace zeldom40

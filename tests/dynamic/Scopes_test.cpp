@@ -8,17 +8,13 @@ namespace {
 
 using Paths = std::set<std::string>;
 
-std::string list(const std::map<std::string, unsigned>& properties) {
-  std::string out;
-  for (const auto& [path, number] : properties) out += path + '=' + std::to_string(number) + ' ';
-  return out;
-}
-
 // What advances together with a loop, as its scope numbers it.
 std::string parallel(const std::string& loop, const Paths& paths) {
   LoopScope scope;
   scope.init(nullptr, loop, 0, "", paths);
-  return list(scope.parallelProperties());
+  std::string out;
+  for (const auto& [path, number] : scope.parallelProperties()) out += path + '=' + std::to_string(number) + ' ';
+  return out;
 }
 
 TEST(LoopNest, SharesPropertiesBetweenItsLoops) {
@@ -54,16 +50,6 @@ TEST(LoopNest, SharesPropertiesBetweenItsLoops) {
   EXPECT_TRUE(two.close().empty());
 }
 
-TEST(LoopScope, NamesVariablesByPrefixLevelAndNumber) {
-  LoopScope scope;
-  scope.init(nullptr, "a.b[]", 2, "x", {});
-  EXPECT_EQ(scope.elementVariable(LoopScope::kMain), "x_p2");
-  EXPECT_EQ(scope.elementVariable(0), "x_p2_0");
-  EXPECT_EQ(scope.arrayVariable(3), "x_a2_3");
-  EXPECT_EQ(scope.indexVariable(), "x_i2");
-  EXPECT_EQ(scope.exceptionVariable(), "x_e2");
-}
-
 TEST(OpenLoops, TheInnermostLoopThatHoldsAPathGivesItsVariable) {
   LoopScope outer, inner, none;
   outer.init(nullptr, "a.b[]", 0, "", {"a.c[].d"});
@@ -77,8 +63,8 @@ TEST(OpenLoops, TheInnermostLoopThatHoldsAPathGivesItsVariable) {
     unsigned level;
     const char* resolved;
   } cases[] = {
-      {"a.b[].x.y", 1, "y_p1.x.y"},      {"a.b[].x", 0, "_p0.x"}, {"a.b[]", 1, "y_p1"}, {"a.c[].d", 1, "_p0_0.d"},
-      {"a.b[].z[].x", 1, "a.b[].z[].x"}, {"a.b", 1, "a.b"},       {".x", 1, ".x"},      {"", 1, ""},
+      {"a.b[].x.y", 1, "y_p1.x.y"},      {"a.b[].x", 0, "_p0.x"}, {"a.b[]", 1, "y_p1"},    {"a.c[].d", 1, "_p0_0.d"},
+      {"a.b[].z[].x", 1, "a.b[].z[].x"}, {"a.b", 1, "a.b"},       {"a.b[]x", 1, "a.b[]x"}, {"", 1, ""},
   };
   for (const auto& c : cases) EXPECT_EQ(loops.resolve(c.path, c.level), c.resolved) << c.path;
   loops.leave(inner);
