@@ -37,30 +37,20 @@ TEST_F(CorrectTest, EachRuleOfRepair) {
     const char* page;
     const char* repaired;
   } cases[] = {
-      {"a stray end tag goes", "x</I>", "1: \"x\""},
-      {"what A cannot hold moves behind it, and A gets its end tag", "<A HREF=x>t<DIV>y</DIV>",
-       "2: A(\"t\") DIV(\"y\")"},
       {"an A left empty by that goes as well", "<A HREF=x><DIV>y</DIV>", "2: DIV(\"y\")"},
       {"all children behind the misplaced one move too", "<A HREF=x>t<DIV>y</DIV>u<I>i</I>",
        "2: A(\"t\") DIV(\"y\") \"u\" I(\"i\")"},
-      {"loose content leaves its table", "<TABLE><B>x</B><TR><TD>y</TABLE>", "1: B(\"x\") TABLE(TBODY(TR(TD(\"y\"))))"},
       {"in the order in which it stood", "<TABLE><TR><TD>r</TR>a<TR><TD>s</TR>b<I>c</I></TABLE>",
        "3: \"a\" \"b\" I(\"c\") TABLE(TBODY(TR(TD(\"r\")) TR(TD(\"s\"))))"},
       {"rows that it swallowed stay", "<TABLE><B>x<TR><TD>y</TABLE>", "3: B(\"x\") TABLE(TBODY(TR(TD(\"y\"))))"},
-      {"a cell gets row, body and table", "<BODY><TD>x", "1: TABLE(TBODY(TR(TD(\"x\"))))"},
       {"the next cell joins it", "<BODY><TD>x</TD><!-- c --><TD>y</TD>",
        "2: TABLE(TBODY(TR(TD(\"x\") TD(\"y\")))) <!-- c -->"},
       {"text ends the search for a made element", "<BODY><TD>x</TD>t<TD>y</TD>",
        "2: TABLE(TBODY(TR(TD(\"x\")))) \"t\" TABLE(TBODY(TR(TD(\"y\"))))"},
-      {"a cell in a table gets body and row", "<TABLE><TD>x</TABLE>", "1: TABLE(TBODY(TR(TD(\"x\"))))"},
       {"a stray row end closes only a made row beside it", "<TABLE><TD>a</TD></TR><TD>b</TD>",
        "4: TABLE(TBODY(TR(TD(\"a\") TD(\"b\"))))"},
-      {"in a body it does", "<TABLE><TBODY><TD>a</TD></TR><TD>b</TD></TBODY></TABLE>",
-       "3: TABLE(TBODY(TR(TD(\"a\")) TR(TD(\"b\"))))"},
       {"one that crossed other markup leaves its table first", "<TABLE><CAPTION><B><TD>t</B></TABLE>",
        "2: TABLE(TBODY(TR(TD(\"t\")))) TABLE(CAPTION)"},
-      {"an item gets a list", "<BODY><LI>a</LI><LI>b</LI>", "2: UL(LI(\"a\") LI(\"b\"))"},
-      {"a term gets a definition list", "<BODY><DT>a", "1: DL(DT(\"a\"))"},
       {"an option gets a SELECT", "<BODY><OPTION>a", "1: SELECT(OPTION(\"a\"))"},
       {"an inline element is made again inside what it cannot hold", "<UL><I>x</I><LI>y</UL>",
        "1: I(\"x\") UL(LI(I(\"y\")))"},
@@ -75,26 +65,15 @@ TEST_F(CorrectTest, EachRuleOfRepair) {
   for (const auto& c : cases) EXPECT_EQ(repaired(c.page), c.repaired) << c.rule << ": " << c.page;
 }
 
+// A copy of a misplaced element has the faults of its tags, and is repaired like it.
 TEST_F(CorrectTest, RepairedTagsAreWrittenAnew) {
-  const struct {
-    const char* page;
-    const char* source;
-  } cases[] = {
-      {"<B>x", "<HTML><BODY><B>x</B></BODY></HTML>"},
-      {"<P ALIGN=left>x</I>", "<HTML><BODY><P ALIGN=left>x</BODY></HTML>"},
-      // A copy of a misplaced element has the faults of its tags, and is repaired like it.
-      {"<UL><I>x<B>y</B></I><LI>z</UL>", "<HTML><BODY><I>x<B>y</B></I><UL><LI><I>z</I></UL></BODY></HTML>"},
-  };
-  for (const auto& c : cases) {
-    load(c.page);
-    doc_->correctError(nullptr);
-    EXPECT_EQ(source(), c.source) << c.page;
-  }
+  load("<UL><I>x<B>y</B></I><LI>z</UL>");
+  doc_->correctError(nullptr);
+  EXPECT_EQ(source(), "<HTML><BODY><I>x<B>y</B></I><UL><LI><I>z</I></UL></BODY></HTML>");
 }
 
 TEST_F(CorrectTest, ANodeWithoutAPlaceStaysWhereItIsWithItsMark) {
-  const std::string page = "<BODY><B>x<FRAME>y</B>";
-  load(page);
+  load("<BODY><B>x<FRAME>y</B>");
   EXPECT_EQ(doc_->correctError(nullptr), 0);
   EXPECT_EQ(dumpTree(find("B"), kDumpErrors), "B(\"x\" FRAME!8 \"y\")");
 }
@@ -122,29 +101,13 @@ TEST_F(CorrectTest, ARepairOfAPartEndsWithThePart) {
        "BODY(P(\"a\") B(\"b\") DIV(\"c\") B(\"d\") \"e\" U!20)"},
       {"a table before which it moved is not", "<TABLE><TR></I><TD>x</TR><B>b</U></B></TABLE>y</S>", "B", 2,
        "BODY(B(\"b\") TABLE(TBODY(TR(I!20 TD(\"x\")))) \"y\" S!20)"},
+      {"it may vanish: it only held a misplaced one", "<B><DIV>x</DIV></B>y</U>", "B", 1,
+       "BODY(DIV(\"x\") \"y\" U!20)"},
+      {"or is without effect", "a<FONT><I>x</I></FONT>b</U>", "FONT", 0, "BODY(\"a\" I(\"x\") \"b\" U!20)"},
   };
   for (const auto& c : cases) {
     load(c.page);
     EXPECT_EQ(doc_->correctError(find(c.top)), c.repairs) << c.rule;
-    EXPECT_EQ(dumpTree(find("BODY"), kDumpErrors), c.body) << c.rule;
-  }
-}
-
-TEST_F(CorrectTest, ThePartMayVanishInItsRepair) {
-  const struct {
-    const char* rule;
-    const char* page;
-    const char* top;
-    const char* body;
-  } cases[] = {
-      {"a stray end tag", "a</I>b</U>", "I", "BODY(\"a\" \"b\" U!20)"},
-      {"an element that only held a misplaced one", "<B><DIV>x</DIV></B>y</U>", "B", "BODY(DIV(\"x\") \"y\" U!20)"},
-      {"an empty text-level element", "a<B></B>b</U>", "B", "BODY(\"a\" \"b\" U!20)"},
-      {"an element without effect", "a<FONT><I>x</I></FONT>b</U>", "FONT", "BODY(\"a\" I(\"x\") \"b\" U!20)"},
-  };
-  for (const auto& c : cases) {
-    load(c.page);
-    doc_->correctError(find(c.top));
     EXPECT_EQ(dumpTree(find("BODY"), kDumpErrors), c.body) << c.rule;
   }
 }
@@ -163,12 +126,6 @@ TEST_F(CorrectTest, TakesNoRecordAndLeavesRecordingOn) {
   EXPECT_EQ(doc_->canUndo(), 0);
   doc_->record();
   EXPECT_EQ(doc_->canUndo(), 1);
-}
-
-TEST_F(CorrectTest, WithoutATreeThereIsNothingToRepair) {
-  EXPECT_EQ(doc_->correctError(nullptr), 0);
-  EXPECT_EQ(doc_->adaptNode(nullptr), nullptr);
-  EXPECT_TRUE(doc_->getErrorList().empty());
 }
 
 // --- adapting --------------------------------------------------------------------------------------------------------
@@ -190,7 +147,6 @@ TEST_F(CorrectTest, WhatCannotBeAdaptedStaysUntouched) {
     const char* page;
     const char* node;
   } cases[] = {
-      {"<BODY><FRAME></BODY>", "FRAME"},
       // Peers of one group.
       {"<TABLE><TBODY><THEAD><TR><TD>x</TABLE>", "THEAD"},
       {"<BODY><B><DIV>x</DIV></B></BODY>", "DIV"},
@@ -204,11 +160,6 @@ TEST_F(CorrectTest, WhatCannotBeAdaptedStaysUntouched) {
 }
 
 // --- list ------------------------------------------------------------------------------------------------------------
-
-TEST_F(CorrectTest, ACleanPageHasAnEmptyList) {
-  load("<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY><P>x</P></BODY></HTML>");
-  EXPECT_TRUE(doc_->getErrorList().empty());
-}
 
 TEST_F(CorrectTest, TheListIsMadeAnewByEachCall) {
   load("a</I>b</U>");
@@ -231,7 +182,6 @@ TEST_F(CorrectTest, LinesAreCountedInTextAndCommentsAlone) {
   } cases[] = {
       {"texts", "a\r\nb</I>c\r\n\r\n</U>", {2, 4}},
       {"comments", "<!--\r\n\r\n-->x</I>", {3}},
-      {"tags do not count", "<P\r\n\r\nALIGN=left>x</I>", {1}},
       {"a text is where its first letter stands", "<TABLE>\r\n\r\nloose\r\n</TABLE></I>", {3, 4}},
       {"only CR LF moves it on", "<TABLE>\n\nloose</TABLE></I>", {1, 3}},
   };

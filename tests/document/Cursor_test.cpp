@@ -1,4 +1,4 @@
-// The cursor and the selections while the tree changes under them, and offsets between the two forms of a text.
+// The cursor and the selections while the tree changes under them.
 #include <string>
 
 #include "tests/host/TestPage.h"
@@ -13,18 +13,14 @@ class CursorTest : public PageTest {
     load("<P><B>b</B><I>i</I><U>u</U></P>");
     p_ = find("P");
   }
-  std::string layoutCursor() {
+  std::string cursor(void (Document::*get)(Node**, int*)) {
     Node* node = nullptr;
     int offset = -7;
-    doc_->getLayoutCursor(&node, &offset);
+    (doc_->*get)(&node, &offset);
     return (node ? node->getName() : "none") + ' ' + std::to_string(offset);
   }
-  std::string sourceCursor() {
-    Node* node = nullptr;
-    int offset = -7;
-    doc_->getSourceCursor(&node, &offset);
-    return (node ? node->getName() : "none") + ' ' + std::to_string(offset);
-  }
+  std::string layoutCursor() { return cursor(&Document::getLayoutCursor); }
+  std::string sourceCursor() { return cursor(&Document::getSourceCursor); }
   std::string selections() {
     std::string all;
     for (const Document::_selection* s : doc_->getSelections()) {
@@ -41,9 +37,6 @@ class CursorTest : public PageTest {
 TEST_F(CursorTest, OneCursorInTwoViews) {
   load("<P>a &amp; b</P>");
   Text* t = text();
-  doc_->setLayoutCursor(t, 4);  // behind the marked "&"
-  EXPECT_EQ(layoutCursor(), "TEXT 4");
-  EXPECT_EQ(sourceCursor(), "TEXT 7");
   doc_->setSourceCursor(t, 8);
   EXPECT_EQ(layoutCursor(), "TEXT 5");
   EXPECT_EQ(sourceCursor(), "TEXT 8");
@@ -52,7 +45,6 @@ TEST_F(CursorTest, OneCursorInTwoViews) {
   // A node outside of the tree is no place in the layout; the source view takes any.
   Text* loose = doc_->createTextNode("xyz");
   doc_->setLayoutCursor(loose, 1);
-  EXPECT_EQ(layoutCursor().substr(0, 4), "TEXT");
   Node* node = nullptr;
   doc_->getLayoutCursor(&node, nullptr);
   EXPECT_EQ(node, t);
@@ -80,7 +72,7 @@ TEST_F(CursorTest, ChildrenComeAndGoBeforeIt) {
     int cursor;
     int removed;
     int after;
-  } cases[] = {{0, 0, 0}, {1, 0, 0}, {2, 0, 1}, {2, 1, 1}, {2, 2, 2}, {3, 2, 2}, {1, 1, 1}};
+  } cases[] = {{0, 0, 0}, {1, 0, 0}, {2, 0, 1}, {1, 1, 1}, {3, 2, 2}};
   for (const auto& c : cases) {
     SCOPED_TRACE(std::to_string(c.cursor) + " without " + std::to_string(c.removed));
     for (const bool deleted : {false, true}) {
@@ -110,27 +102,21 @@ TEST_F(CursorTest, ChildrenComeAndGoBeforeIt) {
 }
 
 TEST_F(CursorTest, DeletingWhatItStandsIn) {
-  for (const bool withCursor : {true, false}) {
-    for (const char* inside : {"I", "TEXT"}) {
-      loadSpans();
-      Node* node = inside[0] == 'I' ? find("I") : find("I")->getFirstChild();
-      if (withCursor) doc_->setLayoutCursor(node, 1);
-      doc_->select(node, 0, node, 1, 0);
-      doc_->deleteNodes(find("I"));
-      if (withCursor) {
-        EXPECT_EQ(layoutCursor(), "P 1");
-      }
-      EXPECT_EQ(selections(), "P 1 - P 1");
-    }
+  for (const char* inside : {"I", "TEXT"}) {
     loadSpans();
-    if (withCursor) doc_->setLayoutCursor(p_, 0);
-    doc_->select(find("B"), 0, find("B"), 0, 0);
-    doc_->select(find("I"), 0, find("U"), 0, 1);
-    doc_->select(text(2), 0, text(2), 1, 1);
-    doc_->deleteNodes(find("U"));
-    EXPECT_EQ(selections(), "B 0 - B 0");
-    EXPECT_TRUE(doc_->isSelected(find("B")));
+    Node* node = inside[0] == 'I' ? find("I") : find("I")->getFirstChild();
+    doc_->setLayoutCursor(node, 1);
+    doc_->select(node, 0, node, 1, 0);
+    doc_->deleteNodes(find("I"));
+    EXPECT_EQ(layoutCursor(), "P 1");
+    EXPECT_EQ(selections(), "P 1 - P 1");
   }
+  // Of several selections those that touch it go.
+  loadSpans();
+  doc_->select(find("B"), 0, find("B"), 0, 0);
+  doc_->select(find("I"), 0, find("U"), 0, 1);
+  doc_->deleteNodes(find("U"));
+  EXPECT_EQ(selections(), "B 0 - B 0");
   // Removed, the node lives; deleted afterwards it takes the places inside with it.
   loadSpans();
   doc_->setLayoutCursor(find("I")->getFirstChild(), 1);
@@ -150,14 +136,11 @@ TEST_F(CursorTest, SelectionsStandInDocumentOrder) {
     unsigned bOffset;
     const char* stored;
   } cases[] = {
-      {"B", 0, "U", 1, "B 0 - U 1"},
       {"U", 1, "B", 0, "B 0 - U 1"},
       {"P", 2, "P", 1, "P 1 - P 2"},
       {"P", 1, "I", 0, "P 1 - I 0"},  // I is child 1: the start stands before it
       {"P", 2, "I", 0, "I 0 - P 2"},
       {"I", 0, "P", 1, "P 1 - I 0"},
-      {"I", 0, "P", 2, "I 0 - P 2"},
-      {"I", 0, "P", 4000000000u, "I 0 - P 4000000000"},
       {"P", 4000000000u, "I", 0, "I 0 - P 4000000000"},
   };
   loadSpans();
@@ -167,18 +150,15 @@ TEST_F(CursorTest, SelectionsStandInDocumentOrder) {
     EXPECT_EQ(selections(), c.stored);
     EXPECT_EQ(doc_->getUpdateFlag(), Node::UPDATE_SELECTION_CHANGED);
   }
-  const Document::_selection* only = doc_->getSelections().front();
   doc_->select(p_, 0, p_, 1, 0);
-  EXPECT_EQ(doc_->getSelections().front(), only);
   doc_->select(nullptr, 0, p_, 1, 1);
   doc_->select(find("I"), 0, find("I"), 1, 1);
   EXPECT_EQ(selections(), "P 0 - P 1, I 0 - I 1");
   doc_->select(find("B"), 0, find("B"), 1, 0);
   EXPECT_EQ(selections(), "B 0 - B 1");
-  doc_->eraseSelections();
-  EXPECT_EQ(doc_->getNumOfSelections(), 0u);
   doc_->clearUpdateFlag();
   doc_->eraseSelections();
+  EXPECT_EQ(selections(), "");
   EXPECT_EQ(doc_->getUpdateFlag(), Node::UPDATE_SELECTION_CHANGED);
 }
 
@@ -200,48 +180,6 @@ TEST_F(CursorTest, WhatIsSelected) {
   EXPECT_EQ(selected(), "BODYPBI");
   doc_->select(find("U"), 0, find("U"), 0, 1);
   EXPECT_EQ(selected(), "BU");  // of several, the start nodes
-  EXPECT_FALSE(doc_->isSelected(nullptr));
-}
-
-TEST_F(CursorTest, OffsetsBetweenTheForms) {
-  const struct {
-    const char* raw;  // the text of a paragraph that begins with "x"
-    const char* plain;
-    int layout, source;  // from the first to the second
-    int back;            // and from there to here
-  } cases[] = {
-      {"a&amp;b", "a\x1b&b", 1, 1, 1},
-      {"a&amp;b", "a\x1b&b", 2, 6, 3},  // inside a unit: its end
-      {"a&amp;b", "a\x1b&b", 3, 6, 3},
-      {"a&amp;b", "a\x1b&b", 4, 7, 4},
-      {"a&nbsp b", "a\x1b\xa0 b", 3, 6, 3},  // a reference without its end
-      {"a \n b", "a b", 2, 4, 2},
-      {"a&#8230;b",
-       "a\x1c\x1d\x20\x26"
-       "b",
-       5, 8, 5},
-      {"a&#8230;b",
-       "a\x1c\x1d\x20\x26"
-       "b",
-       2, 8, 5},
-      {"abc", "abc", 0, 0, 0},
-      {"abc", "abc", 9, 3, 3},
-      {"abc", "abc", -1, 0, 0},
-      {"a&amp", "a\x1b&", 2, 5, 3},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.raw) + " at " + std::to_string(c.layout));
-    load(std::string("<P>") + c.raw + "</P>");
-    Text* t = text();
-    ASSERT_EQ(t->getData(), c.plain);
-    EXPECT_EQ(doc_->convertOffsetLayout2Source(t, c.layout), c.source);
-    EXPECT_EQ(doc_->convOffsetLayout2Source(t, c.layout), c.source);
-    EXPECT_EQ(doc_->convertOffsetSource2Layout(t, c.source), c.back);
-  }
-  load("<P>x</P><SCRIPT>a&amp;b</SCRIPT>");
-  EXPECT_EQ(doc_->convertOffsetLayout2Source(text(1), 77), 77);
-  EXPECT_EQ(doc_->convertOffsetSource2Layout(find("P"), 1), 0);
-  EXPECT_EQ(doc_->convertOffsetSource2Layout(nullptr, 1), 0);
 }
 
 }  // namespace

@@ -22,13 +22,10 @@ TEST_F(NormalizeTest, SourceAfterReading) {
     const char* page;
     const char* source;
   } cases[] = {
-      {"implied skeleton tags are written, the root's never", "x", "<HTML><BODY>x</BODY></HTML>"},
       {"an implied HEAD too", "<TITLE>t</TITLE><P>x", "<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY><P>x</BODY></HTML>"},
       {"written tags stay as they are", "<P>x</body ></html>", "<HTML><BODY><P>x</body ></html>"},
       {"the second declaration goes", "<!DOCTYPE HTML><P>x<!DOCTYPE HTML>",
        "<!DOCTYPE HTML><HTML><BODY><P>x</BODY></HTML>"},
-      {"also behind white space", "\r\n<!DOCTYPE HTML><P>x<!DOCTYPE HTML>",
-       "\r\n<!DOCTYPE HTML><HTML><BODY><P>x</BODY></HTML>"},
       {"a comment changes places with the declaration", "<!-- c --><!DOCTYPE HTML><P>x",
        "<!DOCTYPE HTML><!-- c --><HTML><BODY><P>x</BODY></HTML>"},
       {"two bodies of a table become one",
@@ -36,8 +33,6 @@ TEST_F(NormalizeTest, SourceAfterReading) {
        "<HTML><BODY><TABLE><TBODY align=\"left\"><TR><TD>a<TR><TD>b</TBODY></TABLE></BODY></HTML>"},
       {"white space stays where it stands", "<HTML><BODY><UL><LI>a  b \r\n<LI>c</UL><P>d \r\n<P>e</BODY></HTML>",
        "<HTML><BODY><UL><LI>a  b \r\n<LI>c</UL><P>d \r\n<P>e</BODY></HTML>"},
-      {"tabs of preformatted text stay", "<HTML><BODY><PRE>\r\na\tb</PRE></BODY></HTML>",
-       "<HTML><BODY><PRE>\r\na\tb</PRE></BODY></HTML>"},
       {"a page with severe errors is left alone", "x</I>", "x</I>"},
   };
   for (const auto& c : cases) {
@@ -60,8 +55,6 @@ TEST_F(NormalizeTest, TreeAndPlainTextAfterReading) {
       {"a reference is no white space", "<P>a&#32;</P><P>b&dagger;</P>", "BODY(P(\"a\\x1B \") P(\"b\\x1C\\x1C  \"))"},
       {"line ends at the rim of PRE go", "<PRE>\r\na\r\nb\r\n</PRE>", "BODY(PRE(\"a\\r\\nb\"))"},
       {"only right below it", "<PRE><B>\r\na</B>\r\n</PRE>", "BODY(PRE(B(\"\\r\\na\") \"\"))"},
-      {"tabs become blanks", "<PRE>a\tb</PRE>", "BODY(PRE(\"a       b\"))"},
-      {"columns run on through elements", "<PRE>ab<B>c</B>\td</PRE>", "BODY(PRE(\"ab\" B(\"c\") \"     d\"))"},
       {"BR begins a line", "<PRE>ab<BR>\td</PRE>", "BODY(PRE(\"ab\" BR \"        d\"))"},
       {"a reference takes one column", "<PRE>&amp;\tb</PRE>", "BODY(PRE(\"\\x1B&       b\"))"},
       {"the next PRE begins at column 0", "<PRE>abc</PRE><PRE>\tb</PRE>", "BODY(PRE(\"abc\") PRE(\"        b\"))"},
