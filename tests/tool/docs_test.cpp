@@ -8,24 +8,34 @@
 
 namespace {
 
-// A headed section with its fenced blocks.
-struct Section {
-  std::string title;
-  std::vector<std::string> blocks;
+// A fenced block; under "<!-- in: FOLDER -->" commands and their output, under "<!-- code: FILE -->" a part of the
+// file.
+struct Block {
+  std::string mark;
+  std::string place;
+  std::string text;
 };
 
-std::vector<Section> sectionsOf(const std::string& document) {
+// A headed section with its blocks.
+struct Section {
+  std::string title;
+  std::vector<Block> blocks;
+};
+
+std::vector<Section> sectionsOf(const std::string& page) {
   std::vector<Section> sections;
-  std::istringstream lines(readFile(ZELDOM40_SOURCE_DIR "/docs/" + document));
-  bool inside = false;
+  std::istringstream lines(readFile(ZELDOM40_SOURCE_DIR "/" + page));
+  Block next;
   for (std::string line; std::getline(lines, line);) {
-    if (line.rfind("```", 0) == 0) {
-      inside = !inside;
-      if (inside && !sections.empty()) sections.back().blocks.emplace_back();
-    } else if (inside && !sections.empty()) {
-      sections.back().blocks.back() += line + "\n";
-    } else if (line.rfind("## ", 0) == 0) {
+    const std::size_t colon = line.find(": ");
+    if (line.rfind("## ", 0) == 0) {
       sections.push_back({line.substr(3), {}});
+    } else if (line.rfind("<!-- ", 0) == 0 && colon < line.size()) {
+      next = {line.substr(5, colon - 5), line.substr(colon + 2, line.rfind(" -->") - colon - 2), {}};
+    } else if (line.rfind("```", 0) == 0) {
+      while (std::getline(lines, line) && line != "```") next.text += line + "\n";
+      if (!sections.empty()) sections.back().blocks.push_back(next);
+      next = {};
     }
   }
   return sections;
@@ -48,27 +58,27 @@ class Docs : public ToolTest {
 };
 
 TEST_F(Docs, RepairsAreWhatFixMakes) {
-  const std::vector<Section> sections = sectionsOf("repair.md");
+  const std::vector<Section> sections = sectionsOf("docs/repair.md");
   EXPECT_EQ(sections.size(), 20u);
   for (const Section& section : sections) {
     ASSERT_EQ(section.blocks.size(), 2u) << section.title;
-    EXPECT_EQ(fixed(section.blocks[0]), section.blocks[1]) << section.title;
-    EXPECT_EQ(fixed(section.blocks[1]), section.blocks[1]) << section.title << ", twice";
-    EXPECT_EQ(print("check --fail-on severe page.html | grep severe:", section.blocks[1]), "") << section.title;
+    EXPECT_EQ(fixed(section.blocks[0].text), section.blocks[1].text) << section.title;
+    EXPECT_EQ(fixed(section.blocks[1].text), section.blocks[1].text) << section.title << ", twice";
+    EXPECT_EQ(print("check --fail-on severe page.html | grep severe:", section.blocks[1].text), "") << section.title;
   }
 }
 
 TEST_F(Docs, ErrorsAreWhatCheckSaysAndEachHasASection) {
-  const std::vector<Section> sections = sectionsOf("errors.md");
+  const std::vector<Section> sections = sectionsOf("docs/errors.md");
   std::string titles;
   for (const Section& section : sections) {
     titles += section.title + "\n";
     if (section.blocks.empty()) continue;
     ASSERT_GE(section.blocks.size(), 2u) << section.title;
-    const std::string& page = section.blocks[0];
-    EXPECT_EQ(print("check page.html", page), section.blocks[1]);
-    EXPECT_NE(section.blocks[1].find("[" + section.title + "]"), std::string::npos) << section.title;
-    EXPECT_EQ(fixed(page), section.blocks.size() > 2 ? section.blocks[2] : page) << section.title;
+    const std::string& page = section.blocks[0].text;
+    EXPECT_EQ(print("check page.html", page), section.blocks[1].text);
+    EXPECT_NE(section.blocks[1].text.find("[" + section.title + "]"), std::string::npos) << section.title;
+    EXPECT_EQ(fixed(page), section.blocks.size() > 2 ? section.blocks[2].text : page) << section.title;
   }
   std::istringstream ids(print("check --format sarif page.html | sed -n 's/.*\"id\": \"\\(ERR_.*\\)\".*/\\1/p'", ""));
   int count = 0;
@@ -79,46 +89,22 @@ TEST_F(Docs, ErrorsAreWhatCheckSaysAndEachHasASection) {
 }
 
 TEST_F(Docs, RuntimeTextsAreWhatIsGenerated) {
-  const std::vector<Section> sections = sectionsOf("dynamic.md");
+  const std::vector<Section> sections = sectionsOf("docs/dynamic.md");
   for (const Section& section : sections) {
-    if (section.blocks.size() == 1) write("types.json", section.blocks[0]);
+    if (section.blocks.size() == 1) write("types.json", section.blocks[0].text);
   }
   int shown = 0;
   for (const Section& section : sections) {
     if (section.blocks.size() != 2) continue;
     ++shown;
-    const bool pair = section.blocks[1].find("METADATA") != std::string::npos;
+    const bool pair = section.blocks[1].text.find("METADATA") != std::string::npos;
     const std::string arguments = std::string("runtime --types types.json page.html") + (pair ? " --keep" : "");
-    EXPECT_EQ(print(arguments, section.blocks[0]), section.blocks[1]) << section.title;
-    EXPECT_EQ(print(arguments, print("runtime --types types.json --keep page.html", section.blocks[0])),
-              section.blocks[1])
+    EXPECT_EQ(print(arguments, section.blocks[0].text), section.blocks[1].text) << section.title;
+    EXPECT_EQ(print(arguments, print("runtime --types types.json --keep page.html", section.blocks[0].text)),
+              section.blocks[1].text)
         << section.title << ", saved and read again";
   }
   EXPECT_EQ(shown, 13);
-}
-
-// A fenced block under "<!-- in: FOLDER -->", with commands and their output, or "<!-- code: FILE -->".
-struct Marked {
-  std::string mark;
-  std::string place;
-  std::vector<std::string> lines;
-};
-
-std::vector<Marked> markedBlocksOf(const std::string& file) {
-  std::vector<Marked> blocks;
-  std::istringstream lines(readFile(ZELDOM40_SOURCE_DIR "/" + file));
-  Marked next;
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t colon = line.find(": ");
-    if (line.rfind("<!-- ", 0) == 0 && colon < line.size()) {
-      next = {line.substr(5, colon - 5), line.substr(colon + 2, line.rfind(" -->") - colon - 2), {}};
-    } else if (line.rfind("```", 0) == 0) {
-      while (std::getline(lines, line) && line != "```") next.lines.push_back(line);
-      blocks.push_back(next);
-      next = {};
-    }
-  }
-  return blocks;
 }
 
 // Without the blanks before each line: code is quoted from inside a function.
@@ -133,23 +119,25 @@ std::string flat(const std::string& text) {
 
 TEST_F(Docs, CommandsPrintAndCodeReadsAsShown) {
   int commands = 0, quotes = 0;
-  for (const char* page : {"README.md", "docs/hosting.md"}) {
-    for (const Marked& block : markedBlocksOf(page)) {
-      place_ = ZELDOM40_SOURCE_DIR "/" + block.place;
-      std::string text;
-      for (auto line = block.lines.rbegin(); line != block.lines.rend(); ++line) {
-        if (block.mark != "in" || line->rfind("$ ", 0) != 0) {
-          text = *line + "\n" + text;
-          continue;
-        }
-        const bool isTool = line->rfind("$ zeldom ", 0) == 0;
-        EXPECT_EQ(run(isTool ? line->substr(9) : "--version >/dev/null; " + line->substr(2)).out, text) << *line;
-        text.clear();
-        ++commands;
-      }
-      if (block.mark != "code") continue;
-      EXPECT_NE(flat(readFile(place_)).find(flat(text)), std::string::npos) << page << "\n" << text;
+  const auto expectShown = [&](const Block& block) {
+    place_ = ZELDOM40_SOURCE_DIR "/" + block.place;
+    if (block.mark == "code") {
+      EXPECT_NE(flat(readFile(place_)).find(flat(block.text)), std::string::npos) << block.text;
       ++quotes;
+    }
+    if (block.mark != "in") return;
+    for (std::size_t at = 0; at < block.text.size(); ++commands) {
+      const std::size_t end = block.text.find('\n', at);
+      const std::size_t next = std::min(block.text.find("\n$ ", end), block.text.size() - 1) + 1;
+      std::string command = block.text.substr(at + 2, end - at - 2);
+      command = command.rfind("zeldom ", 0) == 0 ? command.substr(7) : "--version >/dev/null; " + command;
+      EXPECT_EQ(run(command).out, block.text.substr(end + 1, next - end - 1)) << command;
+      at = next;
+    }
+  };
+  for (const char* page : {"README.md", "docs/hosting.md"}) {
+    for (const Section& section : sectionsOf(page)) {
+      for (const Block& block : section.blocks) expectShown(block);
     }
   }
   EXPECT_GE(commands, 12);

