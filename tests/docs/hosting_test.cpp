@@ -46,24 +46,6 @@ TEST(HostingLife, FromStartToEnd) {
   DOM::destroyDOM(dom);
 }
 
-TEST_F(Hosting, FlagsThatStayMakeTheNextEditRewriteThePage) {
-  const std::string page = "<ul><li  class=x>a</li></ul>";
-  const auto edited = [&](bool clear) {
-    document->createNodes(page.data(), static_cast<unsigned>(page.size()), nullptr, /*adjust=*/false);
-    if (clear) document->clearUpdateFlag();
-    static_cast<Text*>(document->getElementsByTagName("TEXT").toFirstNode())->setData("A", /*notify=*/true);
-    document->adjustNodes(nullptr, /*full=*/false);
-    return sourceOf(document, document->getDocumentElement());
-  };
-  EXPECT_EQ(edited(true), "<ul><li  class=x>A</li></ul>");
-  EXPECT_NE(edited(false).find("<UL>\r\n  <LI class=\"x\">A\r\n</UL>"), std::string::npos) << edited(false);
-}
-
-TEST_F(Hosting, NormalFormAddsWhatThePageLeftOut) {
-  document->createNodes("<P>x", 4, nullptr, /*adjust=*/true);
-  EXPECT_EQ(sourceOf(document, document->getDocumentElement()), "<HTML><BODY><P>x</BODY></HTML>");
-}
-
 TEST_F(Hosting, OpensAndSavesAFile) {
   const std::string file = "<P>one\n<P>two\n";
   std::string saved;
