@@ -49,7 +49,7 @@ std::string jspPage(std::size_t bytes) {
   };
   return assemble(
       "<%@ page language=\"java\" import=\"java.util.*\" %>\r\n<jsp:useBean id=\"order\" class=\"shop.Order\" "
-      "scope=\"session\"/>\r\n<%! private int hits = 0; %>\r\n<HTML>\r\n<HEAD><TITLE><%= title %></TITLE></HEAD>\r\n"
+      "scope=\"request\"/>\r\n<%! private int hits = 0; %>\r\n<HTML>\r\n<HEAD><TITLE><%= title %></TITLE></HEAD>\r\n"
       "<BODY>\r\n",
       kPieces, "</BODY>\r\n</HTML>\r\n", bytes);
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "bench/Shapes.h"
 #include "bench/peers/Measure.h"
@@ -99,12 +100,13 @@ class Comparison {
   void clock();
 
  private:
-  double budget(const Page& page) const { return (options_.quick ? 0.1 : 1) * (page.group == "folder" ? 0.08 : 2); }
+  double budget(const Page& page) const { return (options_.quick ? 0.1 : 1) * (page.group == "folder" ? 0.05 : 1); }
   Result run(const Row& row, const Page& page) const;
   void print(const Row& row, const std::vector<Result>& results) const;
 
   Options options_;
   std::vector<Page> ordinary_, wellFormed_, broken_, folder_;
+  double firstDOM_ = std::numeric_limits<double>::infinity();  // seconds of a process's first createDOM
 };
 
 Result Comparison::run(const Row& row, const Page& page) const {
@@ -231,8 +233,8 @@ void Comparison::weigh() {
       cell(heap / count / static_cast<double>(page.text.size()), " %.2f");
     }
   }
-  const double first = apart([] { return own::createDOM()->run(1); });
-  std::printf("\n\nThe first createDOM of a process: %.3f ms\n", first * 1e3);
+  std::printf("\n");
+  for (int i = 0; i < 5; ++i) firstDOM_ = std::fmin(firstDOM_, apart([] { return own::createDOM()->run(1); }));
   std::fflush(stdout);
 }
 
@@ -254,14 +256,18 @@ void Comparison::clock() {
     const char* name = page.name.c_str();
     const bool small = page.text.size() < 20000;
     const bool middle = !small && page.text.size() < 200000;
-    const double both = seconds(own::parse, page);
-    const double free = seconds(own::release, page);
+    const auto parse = own::parse();
+    const auto release = own::release();
+    parse->open(page);
+    release->open(page);
+    const auto [both, free] = measure(*parse, release.get(), budget(page));
     line("build + release", name, both * 1e6, "us", small ? 80 : 0, small ? 45 : 0);
     line("release, part of the parse", name, 100 * free / (both - free), "%", 15, 0);
     line("walk with findNextNode", name, seconds(own::walk, page) / static_cast<double>(own::nodesOf(page)) * 1e9,
          "ns a node", middle ? 8 : 0, middle ? 5 : 0);
   }
-  line("createDOM", "", seconds(own::createDOM, ordinary_[0]) * 1e3, "ms", 1, 0.3);
+  line("createDOM, the first of a process", "", firstDOM_ * 1e3, "ms", 1, 0.3);
+  line("createDOM, when it is warm", "", seconds(own::createDOM, ordinary_[0]) * 1e3, "ms", 0, 0);
 }
 
 }  // namespace
