@@ -56,7 +56,9 @@ void askAll(DOM& dom, DocumentType& type) {
   int left = 40;
   for (ElementDefinition* definition : type.getElementDefinitions()) {
     if (--left < 0) break;
-    require(type.getElementDefinition(definition->getName().c_str()) != nullptr,
+    // A declared name may hold a NUL; then no C string can ask for it.
+    const std::string& name = definition->getName();
+    require(name.find('\0') != std::string::npos || type.getElementDefinition(name.c_str()) != nullptr,
             "a definition is not found by its name");
     Element* own = document->createElement(definition->getName().c_str());
     askAttributes(*definition);

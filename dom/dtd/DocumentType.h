@@ -22,7 +22,8 @@ class ZELDOM40_API DocumentType : public Node {
   DocumentType(const char* name, const char* dtdText, int length);
   ~DocumentType() override;
 
-  // The definition of an element, in any case of letters; null if there is none. Owned by the DTD.
+  // The definition of an element, in any case of letters; null if there is none. Owned by the DTD. A declared name with
+  // a NUL inside is in the list below but cannot be asked for here.
   ElementDefinition* getElementDefinition(const char* name) const;
   // One definition for each name, in the order of their first declarations. The list lives as long as this handle.
   const std::vector<ElementDefinition*>& getElementDefinitions() const;
