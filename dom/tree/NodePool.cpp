@@ -32,6 +32,8 @@ constexpr std::size_t kGrain = 8;
 constexpr std::size_t kLargest = 256;
 constexpr std::size_t kClasses = kLargest / kGrain + 1;
 
+constexpr std::size_t kReserve = 128;  // chunks
+
 struct FreeCell {
   FreeCell* next;
 };
@@ -42,18 +44,19 @@ struct Chunk {
   Chunk* prev;
   FreeCell* free;
   char* fresh;  // cells from here on were never used
+  char* last;   // where the last cell that fits begins
   std::uint32_t live;
-  std::uint32_t cellSize;
+  std::uint32_t cellClass;
   bool listed;
-
-  char* end() { return reinterpret_cast<char*>(this) + kChunkSize; }
-  bool hasRoom() { return free || fresh + cellSize <= end(); }
 };
 
 Chunk* withRoom[kClasses];
+// Empty chunks of no class.
+Chunk* reserve;
+std::size_t reserved;
 
 void enlist(Chunk* chunk) {
-  Chunk*& head = withRoom[chunk->cellSize / kGrain];
+  Chunk*& head = withRoom[chunk->cellClass];
   chunk->prev = nullptr;
   chunk->next = head;
   if (head) head->prev = chunk;
@@ -65,39 +68,59 @@ void delist(Chunk* chunk) {
   if (chunk->prev) {
     chunk->prev->next = chunk->next;
   } else {
-    withRoom[chunk->cellSize / kGrain] = chunk->next;
+    withRoom[chunk->cellClass] = chunk->next;
   }
   if (chunk->next) chunk->next->prev = chunk->prev;
   chunk->listed = false;
 }
 
-Chunk* makeChunk(std::size_t cellSize) {
-  void* memory = ::operator new(kChunkSize, std::align_val_t(kChunkSize));
+Chunk* makeChunk(std::size_t cellClass) {
+  void* memory = reserve;
+  if (memory) {
+    reserve = reserve->next;
+    --reserved;
+  } else {
+    memory = ::operator new(kChunkSize, std::align_val_t(kChunkSize));
+  }
   auto* chunk = new (memory) Chunk{};
-  chunk->cellSize = static_cast<std::uint32_t>(cellSize);
+  const std::size_t cellSize = cellClass * kGrain;
   const std::size_t head = (sizeof(Chunk) + 15) / 16 * 16;
+  chunk->cellClass = static_cast<std::uint32_t>(cellClass);
   chunk->fresh = static_cast<char*>(memory) + head;
+  chunk->last = static_cast<char*>(memory) + kChunkSize - cellSize;
   enlist(chunk);
   return chunk;
+}
+
+void retire(Chunk* chunk) {
+  delist(chunk);
+  if (reserved < kReserve) {
+    chunk->next = reserve;
+    reserve = chunk;
+    ++reserved;
+  } else {
+    ::operator delete(chunk, std::align_val_t(kChunkSize));
+  }
 }
 
 }  // namespace
 
 void* NodePool::allocate(std::size_t size) {
   if (size > kLargest) return ::operator new(size);
-  const std::size_t cellSize = (size + kGrain - 1) / kGrain * kGrain;
-  Chunk* chunk = withRoom[cellSize / kGrain];
-  if (!chunk) chunk = makeChunk(cellSize);
-  void* cell = chunk->free;
-  if (cell) {
-    chunk->free = chunk->free->next;
-  } else {
-    cell = chunk->fresh;
-    chunk->fresh += cellSize;
-  }
+  const std::size_t cellClass = (size + kGrain - 1) / kGrain;
+  Chunk* chunk = withRoom[cellClass];
+  if (!chunk) chunk = makeChunk(cellClass);
   ++chunk->live;
-  if (!chunk->hasRoom()) delist(chunk);
-  return cell;
+  FreeCell* cell = chunk->free;
+  if (cell) {
+    chunk->free = cell->next;
+    if (!cell->next && chunk->fresh > chunk->last) delist(chunk);
+    return cell;
+  }
+  char* fresh = chunk->fresh;
+  chunk->fresh = fresh + cellClass * kGrain;
+  if (chunk->fresh > chunk->last) delist(chunk);
+  return fresh;
 }
 
 void NodePool::release(void* memory, std::size_t size) {
@@ -112,11 +135,7 @@ void NodePool::release(void* memory, std::size_t size) {
   cell->next = chunk->free;
   chunk->free = cell;
   if (!chunk->listed) enlist(chunk);
-  // One empty chunk a class stays as a reserve; it would otherwise come and go with a single node.
-  if (--chunk->live == 0 && (chunk->next || chunk->prev)) {
-    delist(chunk);
-    ::operator delete(chunk, std::align_val_t(kChunkSize));
-  }
+  if (--chunk->live == 0) retire(chunk);
 }
 
 #endif
