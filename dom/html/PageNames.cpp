@@ -6,6 +6,7 @@
 
 #include "dom/document/NameLookup.h"
 #include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/ElementDefinition.h"
 #include "dom/source/CharHelpers.h"
 
 namespace zeldom40 {
@@ -24,7 +25,7 @@ std::uint32_t PageNames::hashFolded(std::string_view text) const {
   return hash ^ (hash >> 15);
 }
 
-PageName& PageNames::find(std::string_view asWritten) {
+PageName& PageNames::findAny(std::string_view asWritten) {
   const std::uint32_t hash = hashFolded(asWritten);
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = hash & mask; slots_[i]; i = (i + 1) & mask) {
@@ -59,6 +60,19 @@ void PageNames::lookUp(PageName& entry) {
   if (definition) entry.name = definition->upperName();
   entry.definition = definition && isVisibleDefinition(*definition) ? definition : nullptr;
   entry.tableId = frame_->names.find(entry.name.view());
+  const ElementDefinition* visible = entry.definition;
+  entry.group = visible ? visible->getGroup() : 0;
+  entry.endOmittable = visible && visible->isEndOmittable();
+  entry.emptyTag = visible && visible->isEmptyTag();
+  entry.holdsCData = visible && visible->getContentType() == ElementDefinition::CONTENT_CDATA;
+  entry.hasAttributes = visible && visible->getAttributes();
+  entry.hasExceptions = visible && (visible->getExclusions() || visible->getInclusions());
+}
+
+const AttributeDefinition* PageNames::findAnyAttribute(const ElementDefinition& element, std::string_view asWritten) {
+  scratch_.assign(asWritten);
+  upperCase(scratch_);
+  return element.findAttribute(scratch_);
 }
 
 void PageNames::grow() {
@@ -72,6 +86,10 @@ void PageNames::grow() {
   slots_.swap(larger);
 }
 
-void PageNames::declarationsChanged() { ++generation_; }
+void PageNames::declarationsChanged() {
+  ++generation_;
+  recentNames_.fill({});
+  recentAttributes_.fill({});
+}
 
 }  // namespace zeldom40

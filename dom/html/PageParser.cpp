@@ -69,7 +69,13 @@ void PageParser::popNode() {
 int PageParser::parse(Token stop) {
   if (nodes_->empty()) return -1;
   while (true) {
-    if (stop == LexerType::LEX_EOF && lexer_.queued() == 0) readTextRun();
+    if (stop == LexerType::LEX_EOF && lexer_.queued() == 0) {
+      readTextRun();
+      if (lexer_.position() < lexer_.length()) {
+        flushText();
+        if (readPlainTag()) continue;
+      }
+    }
     const LexRecord token = take();
     if (token.kind == stop || token.kind == LexerType::LEX_EOF) break;
     if (token.kind != LexerType::LEX_TAG_OPEN) {

@@ -26,6 +26,7 @@ class Document;
 //   PageParser.cpp    main loop, end of input
 //   TextCollector.cpp running text
 //   TagReader.cpp     begin tags, end tags, CDATA content, instructions, sections
+//   PlainTags.cpp     tags without anything unusual, which need no tokens
 //   Placement.cpp     open nodes, what may stand where, implied elements
 //   Declaration.cpp   document type declarations
 //   ServerContent.cpp comments and server tags
@@ -120,14 +121,36 @@ class PageParser {
   void flushText();
 
   // --- tags (TagReader.cpp) -----------------------------------------------------------------------------------------
+  struct BeginTag {
+    PageName* name = nullptr;
+    const ElementDefinition* definition = nullptr;
+    std::uint32_t start = 0;
+    std::uint32_t end = 0;
+    bool selfClosed = false;
+    bool caseSensitive = false;
+    bool nameCase = false;
+    bool attributeCase = false;
+    bool bad = false;
+  };
   void readBeginTag();
+  void setTagName(BeginTag& tag, std::string_view written);
+  void openAttributes(BeginTag& tag);
+  void setAttributeName(BeginTag& tag, Slice written);
+  void finishBeginTag(const BeginTag& tag);
   void commitAttribute();
   void readCDATAContent(const PageName& name, std::uint32_t start);
   void readEndTag();
+  void finishEndTag(std::string_view text, Slice raw);
   int findOpen(const PageName& name, bool omittable) const;
   void addStrayEndTag(const PageName& name, Slice raw);
   void readCDATASection();
   void readProcessingInstruction();
+
+  // --- the same, straight from bytes (PlainTags.cpp) -----------------------------------------------------------------
+  bool readPlainTag();
+  bool readPlainBeginTag(std::uint32_t start);
+  bool readPlainEndTag(std::uint32_t start);
+  std::uint32_t endOfQuoted(std::uint32_t from, char quote) const;
 
   // --- declarations, server content ---------------------------------------------------------------------------------
   void readDeclaration();

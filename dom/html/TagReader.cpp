@@ -21,19 +21,10 @@ constexpr std::size_t kFewBuckets = 256;
 void PageParser::readBeginTag() {
   enum State { NAME, ATTRIBUTE_NAME, AFTER_NAME, VALUE, ATTRIBUTE_END, BAD, DONE };
 
-  const std::uint32_t start = take().start;
-  std::uint32_t end = 0;
+  BeginTag tag;
+  tag.start = take().start;
+  openAttributes(tag);
   State state = NAME;
-  PageName* name = nullptr;
-  const ElementDefinition* definition = nullptr;
-  bool selfClosed = false;
-  bool caseSensitive = false;
-  bool nameCase = false;
-  bool attributeCase = false;
-  attributes_.clear();
-  forgetAttributeNames();
-  attributePending_ = attributeError_ = hiddenInput_ = false;
-  tagDefinition_ = nullptr;
 
   while (state < BAD) {
     const LexRecord token = take();
@@ -48,7 +39,7 @@ void PageParser::readBeginTag() {
             if (t.kind == LexerType::LEX_SPACE && bangName.length == 0) bangName = sliceOf(token.start, t.start);
             t = take();
           }
-          name = &names_.find(bangName.in(lexer_.page()));
+          tag.name = &names_.find(bangName.in(lexer_.page()));
           unget(t);
           state = t.kind == LexerType::LEX_EOF ? BAD : ATTRIBUTE_END;
           break;
@@ -57,15 +48,7 @@ void PageParser::readBeginTag() {
           state = BAD;
           break;
         }
-        std::string_view written = lexer_.slice(token);
-        // KEPT: a slash that is glued to the name goes, and does not close the tag.
-        if (written.size() > 1 && written.back() == '/') written.remove_suffix(1);
-        name = &names_.find(written);
-        tagDefinition_ = definition = name->definition;
-        if (definition && (definition->getGroup() & GROUP_JSP_XML)) {
-          caseSensitive = true;
-          nameCase = definition->getName() != written;
-        }
+        setTagName(tag, lexer_.slice(token));
         state = ATTRIBUTE_NAME;
         break;
       }
@@ -74,7 +57,7 @@ void PageParser::readBeginTag() {
           unget(token);
           state = ATTRIBUTE_END;
         } else if (token.kind == LexerType::LEX_SLASH) {
-          selfClosed = true;
+          tag.selfClosed = true;
           state = ATTRIBUTE_END;
         } else if (token.kind == LexerType::LEX_EOF) {
           state = BAD;
@@ -86,16 +69,7 @@ void PageParser::readBeginTag() {
             state = ATTRIBUTE_END;
             break;
           }
-          attributePending_ = true;
-          attribute_ = {nullptr, written, {}, 0};
-          if (definition && definition->getAttributes()) {
-            scratch_.assign(text);
-            upperCase(scratch_);
-            attribute_.definition = definition->findAttribute(scratch_);
-            if (attribute_.definition && caseSensitive && attribute_.definition->getName() != text) {
-              attributeCase = true;
-            }
-          }
+          setAttributeName(tag, written);
           state = AFTER_NAME;
         }
         break;
@@ -107,7 +81,7 @@ void PageParser::readBeginTag() {
           unget(token);
           state = ATTRIBUTE_END;
         } else if (token.kind == LexerType::LEX_SLASH) {
-          selfClosed = true;
+          tag.selfClosed = true;
           state = ATTRIBUTE_END;
         } else {
           state = BAD;
@@ -135,9 +109,9 @@ void PageParser::readBeginTag() {
         break;
       case ATTRIBUTE_END:
         if (token.kind == LexerType::LEX_SLASH) {
-          selfClosed = true;
+          tag.selfClosed = true;
         } else if (token.kind == LexerType::LEX_TAG_CLOSE) {
-          end = token.end;
+          tag.end = token.end;
           commitAttribute();
           state = DONE;
         } else {
@@ -154,15 +128,53 @@ void PageParser::readBeginTag() {
   if (state == BAD) {
     LexRecord token = take();
     while (token.kind != LexerType::LEX_TAG_CLOSE && token.kind != LexerType::LEX_EOF) token = take();
-    end = endOf(token);
+    tag.end = endOf(token);
+    tag.bad = true;
   }
-  if (!name) name = &names_.find({});
+  if (!tag.name) tag.name = &names_.find({});
+  finishBeginTag(tag);
+}
 
-  Element* element = ElementAccess::create(document_, name->name);
-  if (state == BAD) element->setError(ERR_ELEMENT_PARSE_ERROR);
-  const unsigned long group = definition ? definition->getGroup() : 0;
-  if (definition && !(group & GROUP_NO_SOURCE)) {
-    ElementAccess::bind(element, name->definition);
+// The tag's name was read; its attributes come.
+void PageParser::setTagName(BeginTag& tag, std::string_view written) {
+  // KEPT: a slash that is glued to the name goes, and does not close the tag.
+  if (written.size() > 1 && written.back() == '/') written.remove_suffix(1);
+  tag.name = &names_.find(written);
+  openAttributes(tag);
+  tagDefinition_ = tag.name->definition;
+  tag.definition = tagDefinition_;
+  if (tag.name->group & GROUP_JSP_XML) {
+    tag.caseSensitive = true;
+    tag.nameCase = tagDefinition_->getName() != written;
+  }
+}
+
+void PageParser::openAttributes(BeginTag& tag) {
+  attributes_.clear();
+  if (!attributeNames_.empty()) forgetAttributeNames();
+  attributePending_ = attributeError_ = hiddenInput_ = false;
+  tagDefinition_ = nullptr;
+  tag.definition = nullptr;
+}
+
+void PageParser::setAttributeName(BeginTag& tag, Slice written) {
+  attributePending_ = true;
+  attribute_ = {nullptr, written, {}, 0};
+  if (!tag.definition || !tag.name->hasAttributes) return;
+  const std::string_view text = written.in(lexer_.page());
+  attribute_.definition = names_.findAttribute(*tag.definition, text);
+  if (tag.caseSensitive && attribute_.definition && attribute_.definition->getName() != text) tag.attributeCase = true;
+}
+
+void PageParser::finishBeginTag(const BeginTag& tag) {
+  PageName& name = *tag.name;
+  const unsigned long group = tag.definition ? name.group : 0;
+  const bool defined = tag.definition && !(group & GROUP_NO_SOURCE);
+  bool selfClosed = tag.selfClosed;
+  Element* element = ElementAccess::createParsed(document_, name.name, defined ? name.definition : nullptr,
+                                                 lexer_.page(), sliceOf(tag.start, tag.end));
+  if (tag.bad) element->setError(ERR_ELEMENT_PARSE_ERROR);
+  if (defined) {
     if (group & (GROUP_BLOCK | GROUP_BREAK)) {
       afterBreak_ = true;
       trailingSpace_ = false;
@@ -171,24 +183,20 @@ void PageParser::readBeginTag() {
     if (group & GROUP_PLAIN) ++preDepth_;
     if (!(group & GROUP_XML_TAG)) selfClosed = false;
     if (group & GROUP_JSP_SOURCE) element->setAlternative(true);
+    element->setEndTagExistence(name.emptyTag);
   } else {
-    definition = nullptr;
-    ElementAccess::bind(element, nullptr);
     if (!lenient_) element->setError(ERR_ELEMENT_UNKNOWN);
+    element->setEndTagExistence(element->isEmptyTag());
   }
   if (attributeError_) element->setError(ERR_ELEMENT_INVALID_ATTR);
-  if (nameCase) element->setError(ERR_ELEMENT_INVALID_CASE);
-  if (attributeCase) element->setError(ERR_ELEMENT_INVALID_CASE_ATTR);
-  element->setEndTagExistence(element->isEmptyTag());
+  if (tag.nameCase) element->setError(ERR_ELEMENT_INVALID_CASE);
+  if (tag.attributeCase) element->setError(ERR_ELEMENT_INVALID_CASE_ATTR);
   if (!attributes_.empty()) {
     ElementAccess::installAttributes(element,
                                      AttributeBlock::create(lexer_.page(), attributes_.data(), attributes_.size()));
   }
-  ElementAccess::installBeginTag(element, lexer_.page(), sliceOf(start, end));
-  placeElement(element, *name, selfClosed);
-  if (definition && definition->getContentType() == ElementDefinition::CONTENT_CDATA && !selfClosed) {
-    readCDATAContent(*name, end);
-  }
+  placeElement(element, name, selfClosed);
+  if (defined && name.holdsCData && !selfClosed) readCDATAContent(name, tag.end);
 }
 
 // Emptying a map costs its buckets, however few are in use: after a tag with very many, a new one is made.
@@ -208,8 +216,11 @@ void PageParser::commitAttribute() {
   // A map finds repeated names in tags with many attributes.
   AttributeBlock::Entry* present = nullptr;
   if (attributes_.size() < kManyAttributes) {
+    // Two declared attributes of one name have one definition, and no undeclared one has the name of a declared.
     for (auto& entry : attributes_) {
-      if (nameOf(entry) == name) present = &entry;
+      const bool same =
+          entry.definition || attribute_.definition ? entry.definition == attribute_.definition : nameOf(entry) == name;
+      if (same) present = &entry;
     }
   } else {
     if (attributeNames_.empty()) {
@@ -227,7 +238,8 @@ void PageParser::commitAttribute() {
   if (!attribute_.definition && tagDefinition_ && tagDefinition_->getElementID() != ID_SERVLET) {
     attribute_.error |= static_cast<std::uint32_t>(ERR_ATTR_INVALID_NAME);
     attributeError_ = true;
-  } else if (name == "TYPE" && equalsFolded(attribute_.value.in(lexer_.page()), "HIDDEN")) {
+  } else if (attribute_.value.length == 6 && name == "TYPE" &&
+             equalsFolded(attribute_.value.in(lexer_.page()), "HIDDEN")) {
     hiddenInput_ = true;
   }
   attributes_.push_back(attribute_);
@@ -297,18 +309,20 @@ void PageParser::readEndTag() {
     if (token.kind == LexerType::LEX_NAME) written = sliceOf(token.start, token.end);
     token = take();
   }
-  const Slice raw = sliceOf(start, endOf(token));
-  const std::string_view text = written.in(lexer_.page());
+  finishEndTag(written.in(lexer_.page()), sliceOf(start, endOf(token)));
+}
+
+void PageParser::finishEndTag(std::string_view text, Slice raw) {
   PageName& name = names_.find(text);
   const ElementDefinition* definition = name.definition;
   bool preEnd = false;
   bool omittable = false;
   bool endCase = false;
   if (definition) {
-    const unsigned long group = definition->getGroup();
+    const unsigned long group = name.group;
     if (group & (GROUP_BLOCK | GROUP_BREAK)) afterBreak_ = true;
     preEnd = (group & GROUP_PLAIN) != 0;
-    omittable = definition->isEndOmittable();
+    omittable = name.endOmittable;
     endCase = (group & GROUP_JSP_XML) && definition->getName() != text;
   }
   const int match = findOpen(name, omittable);

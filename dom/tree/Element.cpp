@@ -39,7 +39,7 @@ Element::Element(const std::string& name, Document* document) : Element(document
 
 Element::Element(const char* name, Document* document) : Element(std::string(name ? name : ""), document) {}
 
-Element::Element(Document* document) : Node(NODE_ELEMENT, document) { Node::setUpdateFlag(UPDATE_CREATED); }
+Element::Element(Document* document) : Node(NODE_ELEMENT, document) { NodeAccess::addFlags(this, UPDATE_CREATED); }
 
 Element::Element(const Element& source, bool withMetaData) : Node(source) {
   elementID_ = source.elementID_;
@@ -119,11 +119,24 @@ Element* ElementAccess::create(Document* document, const SharedName& name) {
   return element;
 }
 
+Element* ElementAccess::createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
+                                     const PageRef& page, Slice begin) {
+  auto* element = new Element(document);
+  NodeAccess::setName(element, name);
+  bind(element, definition);
+  element->page_ = page;
+  element->beginTag_ = begin;
+  NodeAccess::addFlags(element, Node::UPDATE_CONTENT_MODIFIED);
+  return element;
+}
+
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {
   element->definition_ = definition;
   element->elementType_ = definition ? Element::ELEMENT_DEFINED : Element::ELEMENT_UNDEFINED;
   element->elementID_ = definition ? static_cast<std::int16_t>(definition->getElementID()) : std::int16_t{95};
-  if (definition && NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) definition->addRef(false);
+  if (definition && NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) {
+    NodeAccess::addCount(definition);
+  }
 }
 
 bool ElementAccess::isUntouched(const Element* element) {

@@ -25,6 +25,9 @@ struct ElementExtra {
 struct ElementAccess {
   // An element that shares its name, count 0, no flags but UPDATE_CREATED.
   static Element* create(Document* document, const SharedName& name);
+  // A parsed element: bound to `definition`, with that begin tag.
+  static Element* createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
+                               const PageRef& page, Slice begin);
   // Definition, element type 3 and identifier; takes one reference on the definition, which nothing gives back: the
   // DTD outlives its documents. Null makes the element undefined.
   static void bind(Element* element, ElementDefinition* definition);

@@ -25,6 +25,7 @@ struct NodeAccess {
   static void setName(Node* node, const SharedName& name) { node->name_ = name; }
   static const SharedName& sharedName(const Node* node) { return node->name_; }
   static int refCount(const Node* node) { return node->refCount_; }
+  static void addCount(Node* node) { ++node->refCount_; }
   static unsigned long flags(const Node* node) { return node->updateFlags_; }
   static void addFlags(Node* node, unsigned long flags) { node->updateFlags_ |= static_cast<std::uint16_t>(flags); }
   // The way up from a visual that metadata keeps aside.
