@@ -88,10 +88,7 @@ Node* Document::deleteNodes(Node* node) {
   } else {
     forgetCursorInside(node);
   }
-  for (Node* n = NodeAccess::nextInSubtree(node, node); n; n = NodeAccess::nextInSubtree(n, node)) {
-    n->setUpdateFlag(UPDATE_REMOVED);
-  }
-  node->releaseRef(true);
+  NodeAccess::releaseRemoved(node);
   return nullptr;
 }
 

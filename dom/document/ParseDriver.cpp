@@ -36,6 +36,7 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
   }
   // What is parsed into a live page is an edit of what stands around it.
   if (parent != documentElement_) NodeAccess::noteEdit(parent);
+  const bool wasEmpty = !parent->hasChildNodes();
   parser.pushNode(parent);
   parser.parse(LexerType::LEX_EOF);
 
@@ -48,7 +49,7 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
     inClassify_ = isBuilding_ = true;
     // What had to be recorded was when the first node came in.
     const DocumentAccess::RecordPause pause(this);
-    classifyNodes(*this, parent);
+    if (!wasEmpty || parser.mustBeSorted()) classifyNodes(*this, parent);
     inClassify_ = false;
   }
   // What is saved of a pair is not changed by the normal form of a page that was only read.

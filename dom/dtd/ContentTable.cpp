@@ -21,8 +21,7 @@ ContentTable::ContentTable(const ParserType::_dtd_frame& frame)
     : frame_(frame),
       generation_(frame.generation),
       words_((static_cast<std::size_t>(frame.names.size()) + 63) / 64),
-      elementRows_(frame.winners.size()),
-      textRows_(frame.winners.size()) {
+      elementRows_(frame.winners.size()) {
   noSets_ = intern(Bits(3 * words_));
 }
 
@@ -36,13 +35,22 @@ ContentTable::NameId ContentTable::textNameId(int textType) {
 
 // --- answers ---------------------------------------------------------------------------------------------------------
 
+std::vector<ContentTable::Slot>& ContentTable::rowOf(const ElementDefinition& parent) {
+  constexpr std::size_t kTextTypes = 3;
+  std::vector<Slot>& row = elementRows_[static_cast<std::size_t>(parent.ordinal())];
+  if (row.empty()) row.resize(elementRows_.size() + kTextTypes, nullptr);
+  return row;
+}
+
+const ContentTable::Answer* const* ContentTable::row(const ElementDefinition& parent) {
+  return parent.ordinal() >= 0 ? rowOf(parent).data() : nullptr;
+}
+
 ContentTable::Slot& ContentTable::slot(const ElementDefinition& parent, const ElementDefinition* child, NameId name) {
   if (parent.ordinal() < 0 || !child || child->ordinal() < 0) {
     return otherSlots_[{&parent, child ? reinterpret_cast<std::intptr_t>(child) : name}];
   }
-  std::vector<Slot>& row = elementRows_[static_cast<std::size_t>(parent.ordinal())];
-  if (row.empty()) row.resize(elementRows_.size());
-  return row[static_cast<std::size_t>(child->ordinal())];
+  return rowOf(parent)[static_cast<std::size_t>(child->ordinal())];
 }
 
 const ContentTable::Answer& ContentTable::answer(Slot& slot, const ElementDefinition& parent,
@@ -57,14 +65,14 @@ const ContentTable::Answer& ContentTable::answer(Slot& slot, const ElementDefini
     if (node->getNodeType() == Node::NODE_ELEMENT_TOKEN) result.implied.push_back(&NodeAccess::sharedName(node));
   }
   answers_.push_back(std::move(result));
-  slot = static_cast<Slot>(answers_.size());
-  return answers_.back();
+  slot = &answers_.back();
+  return *slot;
 }
 
 const ContentTable::Answer& ContentTable::elementAnswer(const ElementDefinition& parent, const ElementDefinition* child,
                                                         NameId name) {
   Slot& known = slot(parent, child, name);
-  if (known) return answers_[known - 1];
+  if (known) return *known;
   std::string_view upperName;
   if (child) {
     upperName = child->upperName().view();
@@ -77,10 +85,9 @@ const ContentTable::Answer& ContentTable::elementAnswer(const ElementDefinition&
 const ContentTable::Answer& ContentTable::textAnswer(const ElementDefinition& parent, int textType) {
   if (textType != Text::TEXT_LITERAL && textType != Text::TEXT_FORMATTING) textType = Text::TEXT_NORMAL;
   // Below the numbers that names and addresses give.
-  Slot& known = parent.ordinal() >= 0
-                    ? textRows_[static_cast<std::size_t>(parent.ordinal())][static_cast<std::size_t>(textType)]
-                    : otherSlots_[{&parent, -2 - textType}];
-  if (known) return answers_[known - 1];
+  Slot& known = parent.ordinal() >= 0 ? rowOf(parent)[static_cast<std::size_t>(textPlace(textType))]
+                                      : otherSlots_[{&parent, -2 - textType}];
+  if (known) return *known;
   return answer(known, parent, ContentQuestion::aboutText(textType));
 }
 

@@ -2,7 +2,6 @@
 // its length.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -67,6 +66,12 @@ class ContentTable {
   // The same for a text of that kind (Text::TextType).
   const Answer& textAnswer(const ElementDefinition& parent, int textType);
 
+  // The answers of one parent that were asked for before: one place for each element that its DTD declares, by ordinal,
+  // and behind those one for each kind of text. Null in a place that was not asked for; null for a parent without an
+  // ordinal. Lives as long as this table.
+  const Answer* const* row(const ElementDefinition& parent);
+  int textPlace(int textType) const { return static_cast<int>(elementRows_.size()) + textType; }
+
   // The sets of an element at the top.
   const OpenSets* noSets() const { return noSets_; }
   // The sets below an element with that definition (null: none) that itself stands under `outer`.
@@ -83,8 +88,9 @@ class ContentTable {
  private:
   enum SetKind { EXCLUDED, EXCLUDED_DIRECTLY, INCLUDED };
   using Bits = std::vector<std::uint64_t>;  // three sets of `words_` words each, in the order of SetKind
-  using Slot = std::uint32_t;               // 1-based place of an answer, 0 while it was not asked for
+  using Slot = const Answer*;               // null while it was not asked for
 
+  std::vector<Slot>& rowOf(const ElementDefinition& parent);
   Slot& slot(const ElementDefinition& parent, const ElementDefinition* child, NameId name);
   const Answer& answer(Slot& slot, const ElementDefinition& parent, const ContentQuestion& question);
   ContentQuestion questionAbout(NameId name) const;
@@ -96,8 +102,7 @@ class ContentTable {
   const ParserType::_dtd_frame& frame_;
   unsigned generation_;
   std::size_t words_;
-  std::vector<std::vector<Slot>> elementRows_;  // by the ordinals of parent and child
-  std::vector<std::array<Slot, 3>> textRows_;   // by the ordinal of the parent and the text type
+  std::vector<std::vector<Slot>> elementRows_;                                     // by the ordinal of the parent
   std::map<std::pair<const ElementDefinition*, std::intptr_t>, Slot> otherSlots_;  // without an ordinal
   std::deque<Answer> answers_;
   std::unordered_map<const ElementDefinition*, Bits> ownSets_;

@@ -44,6 +44,10 @@ class ZELDOM40_API HTMLParser : public Parser {
   void popNode();
 
  private:
+  friend class Document;
+  // Whether something came in that may call for metadata.
+  bool mustBeSorted() const;
+
   std::unique_ptr<PageParser> page_;
 };
 

@@ -33,6 +33,8 @@ struct PageName {
   bool holdsCData = false;
   bool hasAttributes = false;
   bool hasExceptions = false;
+  bool mayHaveMetaData = false;  // whatever its attributes are
+  int ordinal = -1;
 
   // Nobody among the open nodes from `barredFrom` up to `barredTo` takes an element of this name; true as long as the
   // node at the index asked about was open by then (`barredTime`).

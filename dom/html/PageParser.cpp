@@ -30,6 +30,8 @@ HTMLParser::~HTMLParser() = default;
 
 int HTMLParser::parse(LexerType::LexToken stop) { return page_ ? page_->parse(stop) : -1; }
 
+bool HTMLParser::mustBeSorted() const { return page_ && page_->mustBeSorted(); }
+
 void HTMLParser::setLenient(bool lenient) {
   if (page_) page_->setLenient(lenient);
 }

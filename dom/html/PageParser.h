@@ -37,6 +37,8 @@ class PageParser {
   PageParser& operator=(const PageParser&) = delete;
 
   int parse(LexerType::LexToken stop);
+  // Whether something came in that may call for metadata.
+  bool mustBeSorted() const { return mustBeSorted_; }
   void setLenient(bool lenient) { lenient_ = lenient; }
   void pushNode(Node* node);
   void popNode();
@@ -61,6 +63,7 @@ class PageParser {
     bool endOmittable = false;
     bool isElement = false;
     bool isLoop = false;
+    bool holdsScript = false;
     int owner = 0;            // AS_OWNER: whom to ask
     int previousOfName = -1;  // the next open node below that has the same name
     int tableBarrier = -1;    // nearest open table from here down that an item's end tag cannot cross
@@ -68,7 +71,8 @@ class PageParser {
     PageName* name = nullptr;
     const ElementDefinition* definition = nullptr;
     const ContentTable::OpenSets* sets = nullptr;
-    Node* passed = nullptr;  // loop: last child that a search for content has passed over
+    const ContentTable::Answer* const* row = nullptr;  // BY_MODEL: what is known of its answers
+    Node* passed = nullptr;                            // loop: last child that a search for content has passed over
   };
 
   // What is to be placed.
@@ -76,6 +80,7 @@ class PageParser {
     Node* node = nullptr;
     const ElementDefinition* definition = nullptr;
     int tableId = -1;
+    int place = -1;  // in a row of answers
     bool isText = false;
     int textType = Text::TEXT_NORMAL;
   };
@@ -138,6 +143,7 @@ class PageParser {
   void setAttributeName(BeginTag& tag, Slice written);
   void finishBeginTag(const BeginTag& tag);
   void commitAttribute();
+  static bool isDynamicMark(const AttributeBlock::Entry& attribute);
   void readCDATAContent(const PageName& name, std::uint32_t start);
   void readEndTag();
   void finishEndTag(std::string_view text, Slice raw);
@@ -169,7 +175,9 @@ class PageParser {
   Node* topNode() const { return nodes_->back(); }
   Element* openElement(int index) const;
   Element* createElement(PageName& name);
+  Subject textSubject(Node* text) const;
   bool fits(int index, const Subject& subject, const Path*& implied);
+  bool fitsByQuestion(int index, const Subject& subject, const Path*& implied);
   int findAdopter(int from, const Subject& subject, PageName& name, const Path*& implied);
   void declarationsChanged();
   void placeElement(Element* element, PageName& name, bool selfClosed);
@@ -193,6 +201,7 @@ class PageParser {
   std::uint32_t time_ = 0;
   Path ownPath_;
   int subsets_ = 0;
+  bool mustBeSorted_ = false;
   bool recorded_ = false;  // an undo record was taken, or none is due
   SharedName textName_;
   SharedName commentName_;

@@ -36,18 +36,31 @@ void PageParser::push(Node* node, PageName* name) {
   open.name = name;
   open.previousOfName = name->lastOpen;
   name->lastOpen = index;
-  describe(open, node, index);
-  const Element* element = openElement(index);
-  if (element && (element->getElementGroup() & GROUP_SCRIPT_DATA)) lexer_.setCDATAEnabled(true);
+  const Element* element = asElement(node);
+  if (index > 0 && table_ && name->definition && element && element->getElementDefinition() == name->definition &&
+      !(name->group & GROUP_LOOP)) {
+    // Nearly every open node: what describe would find, from what is known of the name.
+    const Open& below = open_[static_cast<std::size_t>(index) - 1];
+    open.answers = Answers::BY_MODEL;
+    open.isElement = true;
+    open.endOmittable = name->endOmittable;
+    open.tableBarrier = (name->group & GROUP_TABLE) && !open.endOmittable ? index : below.tableBarrier;
+    open.definition = name->definition;
+    open.sets = name->hasExceptions ? table_->extend(below.sets, name->definition) : below.sets;
+    open.row = table_->row(*name->definition);
+    open.holdsScript = (name->group & GROUP_SCRIPT_DATA) != 0;
+  } else {
+    describe(open, node, index);
+    open.holdsScript = element && (element->getElementGroup() & GROUP_SCRIPT_DATA);
+  }
+  if (open.holdsScript) lexer_.setCDATAEnabled(true);
 }
 
 void PageParser::pop() {
-  Node* node = topNode();
-  if (Element* element = asElement(node)) {
-    if (element->getElementGroup() & GROUP_SCRIPT_DATA) lexer_.setCDATAEnabled(false);
-    ElementAccess::noteContent(element);
-  }
-  open_.back().name->lastOpen = open_.back().previousOfName;
+  const Open& open = open_.back();
+  if (open.holdsScript) lexer_.setCDATAEnabled(false);
+  if (open.isElement) ElementAccess::noteContent(static_cast<Element*>(topNode()));
+  open.name->lastOpen = open.previousOfName;
   open_.pop_back();
   nodes_->pop_back();
 }
@@ -94,6 +107,7 @@ void PageParser::describe(Open& open, Node* node, int index) {
     }
   } else if (open.definition) {
     open.answers = Answers::BY_MODEL;
+    open.row = table_->row(*open.definition);
   } else {
     open.answers = Answers::ALIKE;
     const Element::ElementType type = element->getElementType();
@@ -115,14 +129,38 @@ void PageParser::declarationsChanged() {
     open.time = time;
     open.name = name;
     open.previousOfName = previous;
+    const Element* element = openElement(static_cast<int>(i));
     describe(open, (*nodes_)[i], static_cast<int>(i));
+    open.holdsScript = element && (element->getElementGroup() & GROUP_SCRIPT_DATA);
   }
 }
 
 // --- questions -------------------------------------------------------------------------------------------------------
 
+PageParser::Subject PageParser::textSubject(Node* text) const {
+  Subject subject;
+  subject.node = text;
+  subject.isText = true;
+  subject.tableId = ContentTable::textNameId(subject.textType);
+  if (table_) subject.place = table_->textPlace(subject.textType);
+  return subject;
+}
+
 // Whether the open node at `index` can contain the subject, directly or below `implied` elements (outermost first).
 bool PageParser::fits(int index, const Subject& subject, const Path*& implied) {
+  const Open& open = open_[static_cast<std::size_t>(index)];
+  const ContentTable::Answer* known = open.row && subject.place >= 0 ? open.row[subject.place] : nullptr;
+  if (!known) return fitsByQuestion(index, subject, implied);
+  implied = &kDirect;
+  if (ContentTable::excluded(open.sets, subject.tableId)) return false;
+  if (known->allowed) {
+    implied = &known->implied;
+    return true;
+  }
+  return ContentTable::included(open.sets, subject.tableId);
+}
+
+bool PageParser::fitsByQuestion(int index, const Subject& subject, const Path*& implied) {
   implied = &kDirect;
   const Open* open = &open_[static_cast<std::size_t>(index)];
   if (open->answers == Answers::AS_OWNER) {
@@ -140,7 +178,7 @@ bool PageParser::fits(int index, const Subject& subject, const Path*& implied) {
     implied = &ownPath_;
     return true;
   }
-  const int tableId = subject.isText ? ContentTable::textNameId(subject.textType) : subject.tableId;
+  const int tableId = subject.tableId;
   const bool defined = subject.isText || subject.definition;
   if (ContentTable::excluded(open->sets, tableId, defined)) return false;
   if (open->answers == Answers::ALIKE) return open->alikeAnswer;
@@ -198,7 +236,7 @@ void PageParser::append(Node* parent, Node* node) {
     recorded_ = true;
     if (document_) DocumentAccess::recordChange(document_, nodes_->front());
   }
-  NodeAccess::append(parent, node);
+  NodeAccess::appendParsed(parent, node);
 }
 
 void PageParser::insertLast(Node* node) { append(topNode(), node); }
@@ -208,12 +246,18 @@ void PageParser::placeElement(Element* element, PageName& name, bool selfClosed)
   subject.node = element;
   subject.definition = element->getElementDefinition();
   subject.tableId = name.tableId;
+  if (subject.definition) subject.place = name.ordinal;
   const Path* implied = nullptr;
   const int p = top();
 
   // 1. It fits where we are.
   if (fits(p, subject, implied)) {
-    placeWithImplied(element, &name, *implied, selfClosed);
+    if (implied->empty()) {
+      insertLast(element);
+      if (!selfClosed && !(subject.definition ? name.emptyTag : element->isEmptyTag())) push(element, &name);
+    } else {
+      placeWithImplied(element, &name, *implied, selfClosed);
+    }
     return;
   }
 
@@ -284,11 +328,8 @@ void PageParser::reopenChain(Node* chain, const Element* last, bool selfClosed) 
     Element* inner = nullptr;
     for (Node* child = c->getFirstChild(); child && !inner; child = NodeAccess::childAfter(child)) {
       if (child->getNodeType() == Node::NODE_TEXT && static_cast<Text*>(child)->getTextType() == Text::TEXT_NORMAL) {
-        Subject subject;
-        subject.node = child;
-        subject.isText = true;
         const Path* implied = nullptr;
-        if (!fits(top(), subject, implied)) {
+        if (!fits(top(), textSubject(child), implied)) {
           // The source keeps its white space, the layout shows none.
           static_cast<Text*>(child)->setTextType(Text::TEXT_FORMATTING);
           static_cast<Text*>(child)->setData("", /*notify=*/false);
@@ -307,6 +348,7 @@ Element* PageParser::createElement(PageName& name) {
   Element* element = ElementAccess::create(document_, name.name);
   ElementAccess::bind(element, name.definition);
   element->setEndTagExistence(element->isEmptyTag());
+  if (name.mayHaveMetaData) mustBeSorted_ = true;
   return element;
 }
 

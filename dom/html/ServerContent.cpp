@@ -78,6 +78,7 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
     if (definition && !entry.definition) entry.error = static_cast<std::uint32_t>(ERR_ATTR_INVALID_NAME);
     const std::string_view stored = entry.definition ? entry.definition->upperName().view() : found.name;
     const auto [present, isNew] = attributeNames_.emplace(stored, attributes_.size());
+    if (isDynamicMark(entry)) mustBeSorted_ = true;
     // The last of a name counts, at the place of the first.
     if (isNew) {
       attributes_.push_back(entry);
@@ -130,6 +131,7 @@ bool PageParser::readMetaData(Slice begin, Slice body) {
   md->setEndTag(std::string(sliceOf(open.start, to).in(lexer_.page())));
   MetaDataAccess::setNesting(*md, nesting);
   insertLast(md);
+  mustBeSorted_ = true;
   return true;
 }
 

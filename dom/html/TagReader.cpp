@@ -175,6 +175,7 @@ void PageParser::finishBeginTag(const BeginTag& tag) {
                                                  lexer_.page(), sliceOf(tag.start, tag.end));
   if (tag.bad) element->setError(ERR_ELEMENT_PARSE_ERROR);
   if (defined) {
+    if (name.mayHaveMetaData) mustBeSorted_ = true;
     if (group & (GROUP_BLOCK | GROUP_BREAK)) {
       afterBreak_ = true;
       trailingSpace_ = false;
@@ -242,7 +243,14 @@ void PageParser::commitAttribute() {
              equalsFolded(attribute_.value.in(lexer_.page()), "HIDDEN")) {
     hiddenInput_ = true;
   }
+  if (isDynamicMark(attribute_)) mustBeSorted_ = true;
   attributes_.push_back(attribute_);
+}
+
+// Whether it may be the mark of an element that the server makes.
+bool PageParser::isDynamicMark(const AttributeBlock::Entry& attribute) {
+  constexpr std::size_t kMarkLength = 14;  // DYNAMICELEMENT
+  return attribute.definition && attribute.name.length == kMarkLength;
 }
 
 // --- bodies ----------------------------------------------------------------------------------------------------------

@@ -119,12 +119,12 @@ void PageParser::flushText() {
                    ? TextAccess::createPlain(document_, textName_, lexer_.page(), raw, std::move(pendingText_))
                    : TextAccess::createAssembled(document_, textName_, lexer_.page(), raw, pendingContext_);
   pendingText_.clear();
-  Subject subject;
-  subject.node = text;
-  subject.isText = true;
   const Path* implied = nullptr;
-  const bool fitting = fits(top(), subject, implied);
-  if (fitting && !(pendingAllSpace_ && !implied->empty())) {
+  const bool fitting = fits(top(), textSubject(text), implied);
+  if (fitting && implied->empty()) {
+    insertLast(text);
+    trailingSpace_ = lastWasSpace_;
+  } else if (fitting && !pendingAllSpace_) {
     placeWithImplied(text, nullptr, *implied, /*selfClosed=*/false);
     trailingSpace_ = lastWasSpace_;
   } else {

@@ -63,6 +63,7 @@ struct ElementAccess {
                                   const PageRef& page, Slice begin, unsigned flags);
   static void setEndSlice(Element* element, Slice end) { element->endTag_ = end; }
   static ElementDefinition* definition(const Element* element) { return element->definition_; }
+  static bool hasExtra(const Element* element) { return element->extra_ != nullptr; }
   static MetaData* metaData(const Element* element) { return element->extra_ ? element->extra_->metaData : nullptr; }
   static const PageRef& page(const Element* element) { return element->page_; }
   static Slice beginSlice(const Element* element) { return element->beginTag_; }

@@ -6,6 +6,7 @@
 
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
+#include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/NodeIterator.h"
 #include "dom/tree/NodePool.h"
@@ -32,7 +33,7 @@ Node::Node(const Node& other)
 
 Node::~Node() {
   if (place_) DocumentAccess::forgetPlace(this);
-  NodeAccess::drain(this);
+  if (firstChild_ || listIsTruth_) NodeAccess::drain(this);
   if (children_) {
     children_->list.clear();
     if (--children_->count == 0) delete children_;
@@ -41,12 +42,14 @@ Node::~Node() {
     // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
     NodeAccess::unlinkChild(parent_, this);
   }
-  // Who still points here is given a living neighbour.
-  Node* left = prev_;
-  Node* right = next_;
-  NodeAccess::setPrev(this, nullptr);
-  NodeAccess::setNext(this, nullptr);
-  if (left && right) NodeAccess::join(left, right);
+  if (prev_ || next_) {
+    // Who still points here is given a living neighbour.
+    Node* left = prev_;
+    Node* right = next_;
+    NodeAccess::setPrev(this, nullptr);
+    NodeAccess::setNext(this, nullptr);
+    if (left && right) NodeAccess::join(left, right);
+  }
   liveNodes::remove();
 }
 
@@ -82,6 +85,31 @@ int Node::releaseRef(bool deep) {
   return 0;
 }
 
+void NodeAccess::releaseRemoved(Node* top) {
+  for (Node* n = top; n; n = nextInSubtree(n, top)) {
+    if (n != top) {
+      // As setUpdateFlag would, but no parent is asked twice.
+      if (n->refCount_ > 0 && !n->edited_) noteEdit(n);
+      n->updateFlags_ |= Node::UPDATE_REMOVED;
+      --n->refCount_;
+    }
+    if (n->firstChild_ && !(n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) {
+      if (n->nodeType_ == Node::NODE_META_DATA) {
+        n->setUpdateFlag(Node::UPDATE_CHILD_MODIFIED);
+      } else {
+        n->updateFlags_ |= Node::UPDATE_CHILD_MODIFIED;
+      }
+    }
+  }
+  top->releaseRef(false);
+}
+
+// Whether a node of a dying subtree has more than its memory to give back before its children go.
+bool NodeAccess::ownsMore(const Node* node) {
+  if (node->nodeType_ == Node::NODE_TEXT || node->nodeType_ == Node::NODE_COMMENT) return false;
+  return node->nodeType_ != Node::NODE_ELEMENT || ElementAccess::hasExtra(static_cast<const Element*>(node));
+}
+
 // Destroys the children of a dying node without recursion, in the order that destructors calling one another would
 // give: a node's own part first, then its children from the last to the first. The work list is a chain through the
 // sibling links with the next victim at its end; a victim's children are hung on that end before it goes.
@@ -114,7 +142,7 @@ void NodeAccess::drain(Node* top) {
     victim->prev_ = nullptr;
     victim->next_ = nullptr;
     if (victim->refCount_ < 1) {
-      releaseOwned(victim);
+      if (ownsMore(victim)) releaseOwned(victim);
       auto [first, last] = takeChildren(victim);
       if (first) {
         first->prev_ = tail;

@@ -34,6 +34,9 @@ struct NodeAccess {
   static void markAsPlace(Node* node) {
     if (node) node->place_ = true;
   }
+  // For deleteNodes: every node below `top`, which has left its tree, learns that it left, and each of the subtree
+  // loses one reference. What nobody else holds dies.
+  static void releaseRemoved(Node* top);
   static void releaseOwned(Node* node) {
     if (!node->released_) {
       node->released_ = true;
@@ -81,6 +84,26 @@ struct NodeAccess {
   // --- building -----------------------------------------------------------------------------------------------------
   // Appends an unattached node with the flags of insertLast, without undo record.
   static void append(Node* parent, Node* child);
+  // The same for a node that a parse has just made.
+  static void appendParsed(Node* parent, Node* child) {
+    // A parent of the same parse that has no list by index: its ancestors know of it, and no metadata can be concerned.
+    if (child->firstChild_ || parent->children_ || parent->refCount_ > 0 ||
+        !(parent->updateFlags_ & Node::UPDATE_ADDED)) {
+      append(parent, child);
+      return;
+    }
+    child->updateFlags_ |= Node::UPDATE_ADDED;
+    if (Node* left = parent->lastChild_) {
+      left->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
+      child->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
+      left->next_ = child;
+      child->prev_ = left;
+    } else {
+      parent->firstChild_ = child;
+    }
+    parent->lastChild_ = child;
+    child->parent_ = parent;
+  }
   // Inserts a run, as the insertion calls do, of which is known that it holds no ancestor of `parent`: those calls
   // climb to the top to find out. No undo record. Behind or before `ref`, a child; null means last.
   static void insertFree(Node* parent, Node* head, Node* ref, bool behindRef);
@@ -121,6 +144,7 @@ struct NodeAccess {
   static void unlinkChild(Node* parent, Node* child);
   static bool movesPlaces(const Node* parent);
   static void drain(Node* top);
+  static bool ownsMore(const Node* node);
 };
 
 }  // namespace zeldom40
