@@ -67,6 +67,7 @@ void PageNames::lookUp(PageName& entry) {
   entry.holdsCData = visible && visible->getContentType() == ElementDefinition::CONTENT_CDATA;
   entry.hasAttributes = visible && visible->getAttributes();
   entry.hasExceptions = visible && (visible->getExclusions() || visible->getInclusions());
+  entry.row = nullptr;
   entry.ordinal = visible ? visible->ordinal() : -1;
   const int id = visible ? visible->getElementID() : ID_UNKNOWN;
   entry.mayHaveMetaData = id == ID_OBJECT || id == ID_ZELX_ATV || (id >= ID_ZELX_TEXT && id <= ID_ZELX_PROPERTY);

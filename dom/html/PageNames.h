@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "dom/dtd/ContentTable.h"
 #include "dom/dtd/ParserType.h"
 #include "dom/html/NameKey.h"
 #include "dom/tree/SharedName.h"
@@ -35,6 +36,7 @@ struct PageName {
   bool hasExceptions = false;
   bool mayHaveMetaData = false;  // whatever its attributes are
   int ordinal = -1;
+  const ContentTable::Answer* const* row = nullptr;  // what is known of its answers; null while nobody asked
 
   // Nobody among the open nodes from `barredFrom` up to `barredTo` takes an element of this name; true as long as the
   // node at the index asked about was open by then (`barredTime`).

@@ -14,7 +14,7 @@
 #include "dom/source/PlainText.h"
 #include "dom/tree/AttributeBlock.h"
 #include "dom/tree/Element.h"
-#include "dom/tree/Node.h"
+#include "dom/tree/NodeAccess.h"
 #include "dom/tree/PageBuffer.h"
 #include "dom/tree/Text.h"
 
@@ -147,6 +147,7 @@ class PageParser {
   void readCDATAContent(const PageName& name, std::uint32_t start);
   void readEndTag();
   void finishEndTag(std::string_view text, Slice raw);
+  void closeAbove(int match);
   int findOpen(const PageName& name, bool omittable) const;
   void addStrayEndTag(const PageName& name, Slice raw);
   void readCDATASection();
@@ -175,7 +176,14 @@ class PageParser {
   Node* topNode() const { return nodes_->back(); }
   Element* openElement(int index) const;
   Element* createElement(PageName& name);
-  Subject textSubject(Node* text) const;
+  Subject textSubject(Node* text) const {
+    Subject subject;
+    subject.node = text;
+    subject.isText = true;
+    subject.tableId = ContentTable::textNameId(Text::TEXT_NORMAL);
+    if (table_) subject.place = table_->textPlace(Text::TEXT_NORMAL);
+    return subject;
+  }
   bool fits(int index, const Subject& subject, const Path*& implied);
   bool fitsByQuestion(int index, const Subject& subject, const Path*& implied);
   int findAdopter(int from, const Subject& subject, PageName& name, const Path*& implied);
@@ -185,8 +193,13 @@ class PageParser {
   void placeMisfit(Element* element, PageName& name, bool selfClosed);
   void reopenChain(Node* chain, const Element* last, bool selfClosed);
   bool hasContentBeside(int index, const Node* chain);
-  void insertLast(Node* node);
-  void append(Node* parent, Node* node);
+  void insertLast(Node* node) { append(topNode(), node); }
+  // Whether the target hangs in the page's tree does not change while its content comes in, so one record does.
+  void append(Node* parent, Node* node) {
+    if (!recorded_) recordOnce();
+    NodeAccess::appendParsed(parent, node);
+  }
+  void recordOnce();
   void forgetAttributeNames();
 
   HTMLLexer& lexer_;

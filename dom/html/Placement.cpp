@@ -47,7 +47,8 @@ void PageParser::push(Node* node, PageName* name) {
     open.tableBarrier = (name->group & GROUP_TABLE) && !open.endOmittable ? index : below.tableBarrier;
     open.definition = name->definition;
     open.sets = name->hasExceptions ? table_->extend(below.sets, name->definition) : below.sets;
-    open.row = table_->row(*name->definition);
+    if (!name->row) name->row = table_->row(*name->definition);
+    open.row = name->row;
     open.holdsScript = (name->group & GROUP_SCRIPT_DATA) != 0;
   } else {
     describe(open, node, index);
@@ -137,15 +138,6 @@ void PageParser::declarationsChanged() {
 
 // --- questions -------------------------------------------------------------------------------------------------------
 
-PageParser::Subject PageParser::textSubject(Node* text) const {
-  Subject subject;
-  subject.node = text;
-  subject.isText = true;
-  subject.tableId = ContentTable::textNameId(subject.textType);
-  if (table_) subject.place = table_->textPlace(subject.textType);
-  return subject;
-}
-
 // Whether the open node at `index` can contain the subject, directly or below `implied` elements (outermost first).
 bool PageParser::fits(int index, const Subject& subject, const Path*& implied) {
   const Open& open = open_[static_cast<std::size_t>(index)];
@@ -230,16 +222,10 @@ bool PageParser::hasContentBeside(int index, const Node* chain) {
 
 // --- placing ---------------------------------------------------------------------------------------------------------
 
-// Whether the target hangs in the page's tree does not change while its content comes in, so one record does.
-void PageParser::append(Node* parent, Node* node) {
-  if (!recorded_) {
-    recorded_ = true;
-    if (document_) DocumentAccess::recordChange(document_, nodes_->front());
-  }
-  NodeAccess::appendParsed(parent, node);
+void PageParser::recordOnce() {
+  recorded_ = true;
+  if (document_) DocumentAccess::recordChange(document_, nodes_->front());
 }
-
-void PageParser::insertLast(Node* node) { append(topNode(), node); }
 
 void PageParser::placeElement(Element* element, PageName& name, bool selfClosed) {
   Subject subject;

@@ -338,6 +338,21 @@ void PageParser::finishEndTag(std::string_view text, Slice raw) {
     addStrayEndTag(name, raw);
     return;
   }
+  if (top() > match) closeAbove(match);
+  Node* matched = topNode();
+  if (matched->getNodeType() == Node::NODE_ELEMENT) {
+    auto* element = static_cast<Element*>(matched);
+    ElementAccess::installEndTag(element, lexer_.page(), raw);
+    element->setEndTagExistence(true);
+    if (endCase) element->setError(ERR_ELEMENT_INVALID_CASE_END);
+  }
+  pop();
+  // KEPT: only here; a preformatted element that is closed implicitly leaves the depth raised.
+  if (preEnd) --preDepth_;
+}
+
+// Closes what an end tag closes beside its own element.
+void PageParser::closeAbove(int match) {
   Hoister hoister;
   while (top() > match) {
     Node* node = topNode();
@@ -349,17 +364,7 @@ void PageParser::finishEndTag(std::string_view text, Slice raw) {
     hoister.close(node, isUnknown(node));
     pop();
   }
-  Node* matched = topNode();
-  hoister.close(matched, /*hoist=*/false);
-  if (matched->getNodeType() == Node::NODE_ELEMENT) {
-    auto* element = static_cast<Element*>(matched);
-    ElementAccess::installEndTag(element, lexer_.page(), raw);
-    element->setEndTagExistence(true);
-    if (endCase) element->setError(ERR_ELEMENT_INVALID_CASE_END);
-  }
-  pop();
-  // KEPT: only here; a preformatted element that is closed implicitly leaves the depth raised.
-  if (preEnd) --preDepth_;
+  hoister.close(topNode(), /*hoist=*/false);
 }
 
 // The open node that an end tag closes, -1 if none: the topmost of its name above the target of the parse. The end tag

@@ -1,4 +1,6 @@
 // Running text of a page: which stretch becomes a text node, and where it goes.
+#include <cstring>
+
 #include "dom/document/Document.h"
 #include "dom/dtd/DTDFrame.h"
 #include "dom/html/PageParser.h"
@@ -35,24 +37,26 @@ void PageParser::beginText(std::uint32_t start) {
 
 // Takes all text up to the next "<" that opens something, in one go.
 void PageParser::readTextRun() {
-  const std::string_view text = lexer_.text();
   const std::uint32_t start = lexer_.position();
-  std::size_t end = start;
+  const char* const text = lexer_.text().data();
+  const char* const behindAll = text + lexer_.length();
+  const char* const from = text + start;
+  const char* end = from;
   while (true) {
-    end = text.find('<', end);
-    if (end == std::string_view::npos) {
-      end = text.size();
+    end = static_cast<const char*>(std::memchr(end, '<', static_cast<std::size_t>(behindAll - end)));
+    if (!end) {
+      end = behindAll;
       break;
     }
-    const char behind = end + 1 < text.size() ? text[end + 1] : '\0';
+    const char behind = end[1];  // at the end of the text a NUL
     if (!isSpaceByte(behind) && !(behind > '0' && behind < '9')) break;
     ++end;
   }
-  if (end <= start) return;
-  const auto stop = static_cast<std::uint32_t>(end);
+  if (end == from) return;
+  const auto stop = static_cast<std::uint32_t>(end - text);
   if (!pending_) beginText(start);
-  const std::string_view run = text.substr(start, stop - start);
-  if (pendingAllSpace_) pendingAllSpace_ = isAllSpace(run);
+  const std::string_view run(from, stop - start);
+  if (pendingAllSpace_) pendingAllSpace_ = isSpaceByte(*from) && isAllSpace(run);
   if (pendingOwnForm_) {
     pendingText_ += assemblePlainText(run, {lastWasSpace_, preDepth_ > 0}, FrameTables::entities(frame_));
   }

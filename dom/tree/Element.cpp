@@ -31,6 +31,10 @@ Element* parentElement(const Element* element) {
 
 }  // namespace
 
+inline void ElementAccess::hold(ElementDefinition* definition) {
+  if (NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) NodeAccess::addCount(definition);
+}
+
 // --- life ------------------------------------------------------------------------------------------------------------
 
 Element::Element(const std::string& name, Document* document) : Element(document) {
@@ -41,6 +45,18 @@ Element::Element(const char* name, Document* document) : Element(std::string(nam
 
 Element::Element(Document* document) : Node(NODE_ELEMENT, document) { NodeAccess::addFlags(this, UPDATE_CREATED); }
 
+inline Element::Element(Parsed, Document* document, const SharedName& name, ElementDefinition* definition,
+                        const PageRef& page, Slice begin)
+    : Node(Parsed{}, NODE_ELEMENT, document, name, UPDATE_CREATED | UPDATE_CONTENT_MODIFIED),
+      definition_(definition),
+      page_(page),
+      beginTag_(begin) {
+  if (!definition) return;
+  elementID_ = static_cast<std::int16_t>(definition->getElementID());
+  elementType_ = ELEMENT_DEFINED;
+  ElementAccess::hold(definition);
+}
+
 Element::Element(const Element& source, bool withMetaData) : Node(source) {
   elementID_ = source.elementID_;
   elementType_ = source.elementType_;
@@ -50,8 +66,7 @@ Element::Element(const Element& source, bool withMetaData) : Node(source) {
   alternative_ = source.alternative_;
   contentAtTag_ = source.contentAtTag_;
   definition_ = source.definition_;
-  if (definition_ && NodeAccess::refCount(definition_) < std::numeric_limits<int>::max() / 2)
-    definition_->addRef(false);
+  if (definition_) ElementAccess::hold(definition_);
   page_ = source.page_;
   beginTag_ = source.beginTag_;
   endTag_ = source.endTag_;
@@ -82,7 +97,14 @@ Element::Element(const Element& source, bool withMetaData) : Node(source) {
   Node::setUpdateFlag(UPDATE_CREATED);
 }
 
-Element::~Element() { NodeAccess::releaseOwned(this); }
+Element::~Element() {
+  // Most have a block of attributes at most.
+  if (extra_ || (!attributesInBlock_ && attributes_.list)) {
+    NodeAccess::releaseOwned(this);
+  } else if (attributesInBlock_) {
+    attributes_.block->release();
+  }
+}
 
 void Element::releaseOwned() {
   if (attributesInBlock_) {
@@ -121,22 +143,14 @@ Element* ElementAccess::create(Document* document, const SharedName& name) {
 
 Element* ElementAccess::createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
                                      const PageRef& page, Slice begin) {
-  auto* element = new Element(document);
-  NodeAccess::setName(element, name);
-  bind(element, definition);
-  element->page_ = page;
-  element->beginTag_ = begin;
-  NodeAccess::addFlags(element, Node::UPDATE_CONTENT_MODIFIED);
-  return element;
+  return new Element(Element::Parsed{}, document, name, definition, page, begin);
 }
 
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {
   element->definition_ = definition;
   element->elementType_ = definition ? Element::ELEMENT_DEFINED : Element::ELEMENT_UNDEFINED;
   element->elementID_ = definition ? static_cast<std::int16_t>(definition->getElementID()) : std::int16_t{95};
-  if (definition && NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) {
-    NodeAccess::addCount(definition);
-  }
+  if (definition) hold(definition);
 }
 
 bool ElementAccess::isUntouched(const Element* element) {

@@ -126,6 +126,8 @@ class ZELDOM40_API Element : public Node {
   friend struct ElementAccess;
 
   explicit Element(Document* document);
+  Element(Parsed, Document* document, const SharedName& name, ElementDefinition* definition, const PageRef& page,
+          Slice begin);
   void releaseOwned() override;
   Node* cloneSelf() const override;
   void noteUpdate(unsigned long flag) override;

@@ -28,6 +28,8 @@ struct ElementAccess {
   // A parsed element: bound to `definition`, with that begin tag.
   static Element* createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
                                const PageRef& page, Slice begin);
+  // One reference on a definition for each element that has it, up to a number that does not overflow.
+  static void hold(ElementDefinition* definition);
   // Definition, element type 3 and identifier; takes one reference on the definition, which nothing gives back: the
   // DTD outlives its documents. Null makes the element undefined.
   static void bind(Element* element, ElementDefinition* definition);

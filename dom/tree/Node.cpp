@@ -33,7 +33,7 @@ Node::Node(const Node& other)
 
 Node::~Node() {
   if (place_) DocumentAccess::forgetPlace(this);
-  if (firstChild_ || listIsTruth_) NodeAccess::drain(this);
+  if (firstChild_) NodeAccess::drain(this, /*removed=*/false);
   if (children_) {
     children_->list.clear();
     if (--children_->count == 0) delete children_;
@@ -85,21 +85,30 @@ int Node::releaseRef(bool deep) {
   return 0;
 }
 
-void NodeAccess::releaseRemoved(Node* top) {
+// The nodes of a subtree that lives on learn that they left their tree, as setUpdateFlag would tell them, and lose a
+// reference each. No parent is asked twice.
+void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
   for (Node* n = top; n; n = nextInSubtree(n, top)) {
-    if (n != top) {
-      // As setUpdateFlag would, but no parent is asked twice.
+    if (n != top || alsoTop) {
       if (n->refCount_ > 0 && !n->edited_) noteEdit(n);
-      n->updateFlags_ |= Node::UPDATE_REMOVED;
+      addFlags(n, Node::UPDATE_REMOVED);
       --n->refCount_;
     }
-    if (n->firstChild_ && !(n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) {
-      if (n->nodeType_ == Node::NODE_META_DATA) {
-        n->setUpdateFlag(Node::UPDATE_CHILD_MODIFIED);
-      } else {
-        n->updateFlags_ |= Node::UPDATE_CHILD_MODIFIED;
-      }
+    if (!n->firstChild_ || (n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) continue;
+    if (n->nodeType_ == Node::NODE_META_DATA) {
+      n->setUpdateFlag(Node::UPDATE_CHILD_MODIFIED);
+    } else {
+      addFlags(n, Node::UPDATE_CHILD_MODIFIED);
     }
+  }
+}
+
+void NodeAccess::releaseRemoved(Node* top) {
+  if (top->refCount_ > 1) {
+    tellRemoved(top, /*alsoTop=*/false);
+  } else if (top->firstChild_) {
+    if (ownsMore(top)) releaseOwned(top);
+    drain(top, /*removed=*/true);
   }
   top->releaseRef(false);
 }
@@ -110,48 +119,55 @@ bool NodeAccess::ownsMore(const Node* node) {
   return node->nodeType_ != Node::NODE_ELEMENT || ElementAccess::hasExtra(static_cast<const Element*>(node));
 }
 
+// Gives a node's children away: the first and the last of a proper chain.
+std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
+  if (node->listIsTruth_) {
+    Node* before = nullptr;
+    for (Node* child : node->children_->list) {
+      setPrev(child, nullptr);
+      setNext(child, nullptr);
+    }
+    for (Node* child : node->children_->list) {
+      child->prev_ = before;
+      if (before) before->next_ = child;
+      before = child;
+    }
+    node->listIsTruth_ = false;
+  }
+  if (node->children_) node->children_->list.clear();
+  const std::pair ends(node->firstChild_, node->lastChild_);
+  node->firstChild_ = node->lastChild_ = nullptr;
+  return ends;
+}
+
 // Destroys the children of a dying node without recursion, in the order that destructors calling one another would
 // give: a node's own part first, then its children from the last to the first. The work list is a chain through the
-// sibling links with the next victim at its end; a victim's children are hung on that end before it goes.
-void NodeAccess::drain(Node* top) {
-  auto takeChildren = [](Node* node) {
-    if (node->listIsTruth_) {
-      Node* before = nullptr;
-      for (Node* child : node->children_->list) {
-        setPrev(child, nullptr);
-        setNext(child, nullptr);
-      }
-      for (Node* child : node->children_->list) {
-        child->prev_ = before;
-        if (before) before->next_ = child;
-        before = child;
-      }
-      node->listIsTruth_ = false;
-    }
-    if (node->children_) node->children_->list.clear();
-    Node* last = node->lastChild_;
-    Node* first = node->firstChild_;
-    node->firstChild_ = node->lastChild_ = nullptr;
-    return std::pair(first, last);
-  };
+// sibling links with the next victim at its end; a victim's children are hung on that end before it goes. With
+// `removed` the nodes have their references still, and those that live on are told.
+void NodeAccess::drain(Node* top, bool removed) {
+  const int held = removed ? 2 : 1;
   Node* tail = takeChildren(top).second;
   while (tail) {
     Node* victim = tail;
     tail = victim->prev_;
-    const bool hadFollower = victim->parent_ != nullptr && victim->next_ != nullptr;
+    const bool hadFollower = victim->next_ != nullptr;
     victim->prev_ = nullptr;
     victim->next_ = nullptr;
-    if (victim->refCount_ < 1) {
-      if (ownsMore(victim)) releaseOwned(victim);
-      auto [first, last] = takeChildren(victim);
-      if (first) {
+    victim->parent_ = nullptr;
+    if (victim->refCount_ < held) {
+      if (ownsMore(victim)) {
+        // Its metadata may live on, held by a host.
+        if (removed && victim->refCount_ > 0 && !victim->edited_) noteEdit(victim);
+        releaseOwned(victim);
+      }
+      if (victim->firstChild_) {
+        const auto [first, last] = takeChildren(victim);
         first->prev_ = tail;
         tail = last;
       }
-      victim->parent_ = nullptr;
       delete victim;
     } else {
-      victim->parent_ = nullptr;
+      if (removed) tellRemoved(victim, /*alsoTop=*/true);
       addFlags(victim, Node::UPDATE_REMOVED | (hadFollower ? Node::UPDATE_SIBLING_CHANGED : 0));
     }
   }

@@ -186,6 +186,9 @@ class ZELDOM40_API Node {
 
  protected:
   explicit Node(NodeType type, Document* document = nullptr);
+  // The library's way to make a node of a page: all in one step.
+  struct Parsed {};
+  Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags);
 
  private:
   friend class NodeIterator;

@@ -1,10 +1,12 @@
 // Internal. What the library's own classes may do to a node beyond its public interface, and the walks that they use.
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "dom/tree/Node.h"
 #include "dom/tree/NodeIterator.h"
+#include "dom/tree/NodePool.h"
 
 namespace zeldom40 {
 
@@ -143,8 +145,18 @@ struct NodeAccess {
   static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, Insertion how);
   static void unlinkChild(Node* parent, Node* child);
   static bool movesPlaces(const Node* parent);
-  static void drain(Node* top);
+  static void drain(Node* top, bool removed);
+  static void tellRemoved(Node* top, bool alsoTop);
+  static std::pair<Node*, Node*> takeChildren(Node* node);
   static bool ownsMore(const Node* node);
 };
+
+inline Node::Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags)
+    : document_(document),
+      name_(name),
+      updateFlags_(static_cast<std::uint16_t>(flags)),
+      nodeType_(static_cast<std::uint8_t>(type)) {
+  liveNodes::add();
+}
 
 }  // namespace zeldom40

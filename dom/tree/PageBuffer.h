@@ -1,7 +1,10 @@
 // Internal. The parser's copy of a page, kept as long as a node refers to a stretch of it.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,6 +41,16 @@ class PageBuffer {
     if (--count_ == 0) delete this;
   }
   std::string_view text() const { return text_; }
+  // Memory for what belongs to the page and goes with it, aligned for pointers.
+  void* allocate(std::size_t bytes) {
+    constexpr std::size_t kGrain = alignof(void*);
+    bytes = (bytes + kGrain - 1) / kGrain * kGrain;
+    if (bytes > room_) addStretch(bytes);
+    void* memory = fresh_;
+    fresh_ += bytes;
+    room_ -= bytes;
+    return memory;
+  }
   // The page itself declared entities: from byte `offset` on there are `count`.
   void setEntityCount(std::uint32_t offset, std::size_t count) { counts_.emplace_back(offset, count); }
   // What a reference at byte `offset` could mean when the page was parsed. Plain forms are assembled later, when other
@@ -55,10 +68,21 @@ class PageBuffer {
     setEntityCount(0, count);
   }
   ~PageBuffer() = default;
+  void addStretch(std::size_t bytes) {
+    constexpr std::size_t kSmallest = 512;
+    constexpr std::size_t kLargest = 32 << 10;
+    room_ = std::max(bytes, std::min(kSmallest << std::min<std::size_t>(stretches_.size(), 6), kLargest));
+    stretches_.push_back(std::make_unique_for_overwrite<char[]>(room_));
+    fresh_ = stretches_.back().get();
+  }
+
   std::string text_;
   const EntityTable* entities_;
   std::vector<std::pair<std::uint32_t, std::size_t>> counts_;  // by offset; one but for a page with a subset
   std::size_t count_ = 1;
+  std::vector<std::unique_ptr<char[]>> stretches_;
+  char* fresh_ = nullptr;
+  std::size_t room_ = 0;
 };
 
 inline PageRef::PageRef(PageBuffer* buffer) : buffer_(buffer) {

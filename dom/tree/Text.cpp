@@ -75,7 +75,8 @@ Text::Text(const std::string& data, const std::string& rawData, Document* docume
   s.hasData = s.hasRaw = s.rawOwn = true;
 }
 
-Text::Text(FromPage, Document* document) : Node(NODE_TEXT, document) {}
+inline Text::Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw)
+    : Node(Parsed{}, NODE_TEXT, document, name, UPDATE_CREATED), page_(page), raw_(raw) {}
 
 Text::Text(const Text& other)
     : Node(other),
@@ -113,12 +114,7 @@ TextStrings& Text::strings() const {
 }
 
 Text* TextAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
-  auto* text = new Text(Text::FromPage{}, document);
-  NodeAccess::setName(text, name);
-  text->page_ = page;
-  text->raw_ = raw;
-  NodeAccess::addFlags(text, Node::UPDATE_CREATED);
-  return text;
+  return new Text(Text::Parsed{}, document, name, page, raw);
 }
 
 Text* TextAccess::createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,

@@ -75,8 +75,7 @@ class ZELDOM40_API Text : public Node {
 
  private:
   friend struct TextAccess;
-  struct FromPage {};
-  Text(FromPage, Document* document);
+  Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw);
 
   Node* cloneSelf() const override;
   TextStrings& strings() const;
