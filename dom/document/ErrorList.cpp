@@ -29,6 +29,13 @@ unsigned leadingBreaks(std::string_view raw) {
   return breaks;
 }
 
+// The text of a node that counts in lines; tags do not.
+std::string_view sourceOf(const Node* node) {
+  if (node->getNodeType() == Node::NODE_TEXT) return TextAccess::rawData(static_cast<const Text*>(node));
+  if (node->getNodeType() == Node::NODE_COMMENT) return CommentAccess::bodyText(static_cast<const Comment*>(node));
+  return {};
+}
+
 // The line breaks that follow the design-time source of a pair on the page. That of a visual is the run-time element
 // itself, which stands in the tree and is counted there.
 unsigned runtimeLines(MetaData& pair) {
@@ -45,30 +52,32 @@ unsigned runtimeLines(MetaData& pair) {
 const std::list<_dom_error_packet*>& Document::getErrorList() const {
   clearErrors();
   unsigned line = 1;
-  auto report = [&](Node* n, unsigned at) {
+  // Line breaks are counted up to a node when its line is asked for; a page without errors is never counted.
+  const Node* counted = documentElement_;
+  auto report = [&](Node* n, const Node* place) {
     if (n->getNodeType() == NODE_ELEMENT) ElementAccess::gatherAttributeErrors(static_cast<Element*>(n));
     if (n->getError() == 0) return;
+    for (; counted != place; counted = NodeAccess::nextInSubtree(counted, documentElement_)) {
+      line += lineFeeds(sourceOf(counted));
+    }
+    // The place of a text is where its first visible character stands.
+    const unsigned offset = n->getNodeType() == NODE_TEXT ? leadingBreaks(sourceOf(n)) : 0;
     n->addRef(false);
-    errorList_.push_back(new _dom_error_packet{static_cast<unsigned>(n->getError()), n, at});
+    errorList_.push_back(new _dom_error_packet{static_cast<unsigned>(n->getError()), n, line + offset});
   };
   // The outermost metadata around the node, and the first node behind its element.
   MetaData* pair = nullptr;
   const Node* behindPair = nullptr;
   for (Node* n = documentElement_; n;) {
-    if (!pair && n->getNodeType() == NODE_ELEMENT && (pair = static_cast<Element*>(n)->getMetaData())) {
+    if (!pair && n->getNodeType() == NODE_ELEMENT && (pair = ElementAccess::metaData(static_cast<Element*>(n)))) {
       behindPair = NodeAccess::nextSkippingChildren(n, documentElement_);
       ++line;
       if (Element* visual = pair->getATV()) {
-        report(visual, line);
+        report(visual, n);
         line += 2;
       }
     }
-    const bool isText = n->getNodeType() == NODE_TEXT;
-    const std::string_view raw = isText ? TextAccess::rawData(static_cast<Text*>(n)) : std::string_view();
-    // The place of a text is where its first visible character stands.
-    report(n, line + leadingBreaks(raw));
-    line += lineFeeds(raw);
-    if (n->getNodeType() == NODE_COMMENT) line += lineFeeds(CommentAccess::bodyText(static_cast<Comment*>(n)));
+    report(n, n);
     n = NodeAccess::nextInSubtree(n, documentElement_);
     if (pair && n == behindPair) {
       line += 1 + runtimeLines(*pair);

@@ -32,7 +32,7 @@ constexpr std::size_t kGrain = 8;
 constexpr std::size_t kLargest = 256;
 constexpr std::size_t kClasses = kLargest / kGrain + 1;
 
-constexpr std::size_t kReserve = 128;  // chunks
+constexpr std::size_t kReserve = 256;  // chunks
 
 struct FreeCell {
   FreeCell* next;

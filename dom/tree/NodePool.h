@@ -6,7 +6,7 @@
 namespace zeldom40 {
 
 // A page is some ten thousand nodes of four sizes that come and go together. Chunks keep them dense and cost a few
-// instructions a node. Empty chunks stay in reserve, up to 8 MB, and serve the next page whatever its nodes are: with
+// instructions a node. Empty chunks stay in reserve, up to 16 MB, and serve the next page whatever its nodes are: with
 // memory that is fresh from the system, a third of the time of a parse went into the system's page faults. What is
 // empty beyond that returns to the system. Under AddressSanitizer the ordinary heap serves, so that a use after free is
 // seen. One thread at a time, like the tree.
