@@ -29,10 +29,6 @@ ContentTable::~ContentTable() = default;
 
 ContentTable::NameId ContentTable::nameId(std::string_view upperName) const { return frame_.names.find(upperName); }
 
-ContentTable::NameId ContentTable::textNameId(int textType) {
-  return textType == Text::TEXT_FORMATTING ? NameTable::kWhiteText : NameTable::kText;
-}
-
 // --- answers ---------------------------------------------------------------------------------------------------------
 
 std::vector<ContentTable::Slot>& ContentTable::rowOf(const ElementDefinition& parent) {

@@ -10,8 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "dom/dtd/NameTable.h"
 #include "dom/dtd/ParserType.h"
 #include "dom/tree/SharedName.h"
+#include "dom/tree/Text.h"
 
 namespace zeldom40 {
 
@@ -57,7 +59,9 @@ class ContentTable {
 
   NameId nameId(std::string_view upperName) const;
   // What stands for a text of that kind (Text::TextType) in the sets.
-  static NameId textNameId(int textType = 0);
+  static NameId textNameId(int textType = 0) {
+    return textType == Text::TEXT_FORMATTING ? NameTable::kWhiteText : NameTable::kText;
+  }
 
   // What `parent.canContain` says of an element that has the definition `child` (ELEMENT_DEFINED). A null `child` asks
   // for an element of that name that has none and yet is not undefined. For undefined elements there is no question:

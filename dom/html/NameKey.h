@@ -1,6 +1,9 @@
 // Internal. Short names as numbers.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -16,14 +19,20 @@ struct NameKey {
   std::uint64_t high = 0;
 
   NameKey() = default;
-  // `length` is at most kLongest.
-  NameKey(const char* name, std::size_t length) {
-    if (length <= 8) {
-      low = raised(load(name, length));
+  // `length` is at most kLongest; `readable` bytes from `name` on may be looked at. Where there are enough of them the
+  // words are cut to length without a branch, which a page would make hard to predict.
+  NameKey(const char* name, std::size_t length, std::size_t readable) {
+    if (std::endian::native == std::endian::little && readable >= kLongest) {
+      std::memcpy(&low, name, 8);
+      std::memcpy(&high, name + 8, 8);
+      low &= kMasks[length];
+      high &= kMasks[length < 8 ? 0 : length - 8];
     } else {
-      low = raised(load(name, 8));
-      high = raised(load(name + 8, length - 8));
+      std::memcpy(&low, name, std::min<std::size_t>(length, 8));
+      if (length > 8) std::memcpy(&high, name + 8, length - 8);
     }
+    low = raised(low);
+    high = raised(high);
   }
   std::uint64_t hash(std::uint64_t seed) const {
     const std::uint64_t mixed = (low ^ seed) * UINT64_C(0x9E3779B97F4A7C15) ^ high * UINT64_C(0xC2B2AE3D27D4EB4F);
@@ -32,24 +41,12 @@ struct NameKey {
   friend bool operator==(const NameKey& a, const NameKey& b) { return a.low == b.low && a.high == b.high; }
 
  private:
-  // 1 to 8 bytes; a NUL in a name counts as the end of the word, so that names with one need a second look.
-  static std::uint64_t load(const char* bytes, std::size_t length) {
-    std::uint64_t word = 0;
-    if (length == 8) {
-      std::memcpy(&word, bytes, 8);
-    } else if (length >= 4) {
-      std::uint32_t first = 0;
-      std::uint32_t last = 0;
-      std::memcpy(&first, bytes, 4);
-      std::memcpy(&last, bytes + length - 4, 4);
-      word = first | static_cast<std::uint64_t>(last) << (8 * (length - 4));
-    } else if (length > 0) {
-      word = static_cast<unsigned char>(bytes[0]);
-      word |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[length / 2])) << (8 * (length / 2));
-      word |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[length - 1])) << (8 * (length - 1));
-    }
-    return word;
-  }
+  // The first bytes of a word, up to all of them.
+  static constexpr std::array<std::uint64_t, kLongest + 1> kMasks = [] {
+    std::array<std::uint64_t, kLongest + 1> masks{};
+    for (std::size_t i = 0; i < masks.size(); ++i) masks[i] = i < 8 ? (std::uint64_t{1} << (8 * i)) - 1 : ~UINT64_C(0);
+    return masks;
+  }();
   // Raises the bytes from `a` to `z`, eight at a time: the top bit of each byte tells whether it is in the range.
   static std::uint64_t raised(std::uint64_t word) {
     constexpr std::uint64_t kOnes = UINT64_C(0x0101010101010101);

@@ -52,10 +52,11 @@ class PageNames {
  public:
   explicit PageNames(ParserType::_dtd_frame* frame);
 
-  // The entry for a name as written; stays valid as long as this object.
-  PageName& find(std::string_view asWritten) {
+  // The entry for a name as written; stays valid as long as this object. `readable` bytes from its first on may be
+  // looked at: where it stands in a page, those up to the end.
+  PageName& find(std::string_view asWritten, std::size_t readable = 0) {
     if (asWritten.size() > NameKey::kLongest) return findAny(asWritten);
-    const NameKey key(asWritten.data(), asWritten.size());
+    const NameKey key(asWritten.data(), asWritten.size(), readable);
     RecentName& recent = recentNames_[key.hash(seed_) % kRecentNames];
     if (!(recent.key == key && recent.length == asWritten.size())) {
       recent = {key, static_cast<std::uint32_t>(asWritten.size()), &findAny(asWritten)};
@@ -63,9 +64,10 @@ class PageNames {
     return *recent.name;
   }
   // The definition of an attribute as written; null if it is not declared.
-  const AttributeDefinition* findAttribute(const ElementDefinition& element, std::string_view asWritten) {
+  const AttributeDefinition* findAttribute(const ElementDefinition& element, std::string_view asWritten,
+                                           std::size_t readable = 0) {
     if (asWritten.size() > NameKey::kLongest) return findAnyAttribute(element, asWritten);
-    const NameKey key(asWritten.data(), asWritten.size());
+    const NameKey key(asWritten.data(), asWritten.size(), readable);
     RecentAttribute& recent =
         recentAttributes_[(key.hash(seed_) ^ reinterpret_cast<std::uintptr_t>(&element) >> 4) % kRecentAttributes];
     if (!(recent.key == key && recent.element == &element && recent.length == asWritten.size())) {

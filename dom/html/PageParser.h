@@ -120,6 +120,7 @@ class PageParser {
 
   // --- running text (TextCollector.cpp) -----------------------------------------------------------------------------
   void readTextRun();
+  void placeText(Text* text, bool isSpace);
   void addToText(const LexRecord& token);
   void addPiece(const LexRecord& token);
   void beginText(std::uint32_t start);
@@ -138,7 +139,7 @@ class PageParser {
     bool bad = false;
   };
   void readBeginTag();
-  void setTagName(BeginTag& tag, std::string_view written);
+  void setTagName(BeginTag& tag, std::string_view written, std::size_t readable = 0);
   void openAttributes(BeginTag& tag);
   void setAttributeName(BeginTag& tag, Slice written);
   void finishBeginTag(const BeginTag& tag);
@@ -146,7 +147,7 @@ class PageParser {
   static bool isDynamicMark(const AttributeBlock::Entry& attribute);
   void readCDATAContent(const PageName& name, std::uint32_t start);
   void readEndTag();
-  void finishEndTag(std::string_view text, Slice raw);
+  void finishEndTag(PageName& name, std::string_view text, Slice raw);
   void closeAbove(int match);
   int findOpen(const PageName& name, bool omittable) const;
   void addStrayEndTag(const PageName& name, Slice raw);
@@ -184,7 +185,25 @@ class PageParser {
     if (table_) subject.place = table_->textPlace(Text::TEXT_NORMAL);
     return subject;
   }
-  bool fits(int index, const Subject& subject, const Path*& implied);
+  // Whether the open node at `index` can contain the subject, directly or below `implied` elements (outermost first).
+  bool fits(int index, const Subject& subject, const Path*& implied) {
+    const Open& open = open_[static_cast<std::size_t>(index)];
+    const ContentTable::Answer* known = open.row && subject.place >= 0 ? open.row[subject.place] : nullptr;
+    if (!known) return fitsByQuestion(index, subject, implied);
+    implied = &direct_;
+    if (ContentTable::excluded(open.sets, subject.tableId)) return false;
+    if (known->allowed) {
+      implied = &known->implied;
+      return true;
+    }
+    return ContentTable::included(open.sets, subject.tableId);
+  }
+  // Whether the innermost open node is known to take it just so, the answer of nearly all questions.
+  bool fitsDirectly(int place, int tableId) const {
+    const Open& open = open_.back();
+    const ContentTable::Answer* known = open.row && place >= 0 ? open.row[place] : nullptr;
+    return known && known->allowed && known->implied.empty() && !ContentTable::excluded(open.sets, tableId);
+  }
   bool fitsByQuestion(int index, const Subject& subject, const Path*& implied);
   int findAdopter(int from, const Subject& subject, PageName& name, const Path*& implied);
   void declarationsChanged();
@@ -213,6 +232,7 @@ class PageParser {
   std::vector<Open> open_;
   std::uint32_t time_ = 0;
   Path ownPath_;
+  const Path direct_;
   int subsets_ = 0;
   bool mustBeSorted_ = false;
   bool recorded_ = false;  // an undo record was taken, or none is due

@@ -13,8 +13,6 @@ namespace zeldom40 {
 
 namespace {
 
-const std::vector<const SharedName*> kDirect;
-
 Element* asElement(Node* node) {
   return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
 }
@@ -138,22 +136,8 @@ void PageParser::declarationsChanged() {
 
 // --- questions -------------------------------------------------------------------------------------------------------
 
-// Whether the open node at `index` can contain the subject, directly or below `implied` elements (outermost first).
-bool PageParser::fits(int index, const Subject& subject, const Path*& implied) {
-  const Open& open = open_[static_cast<std::size_t>(index)];
-  const ContentTable::Answer* known = open.row && subject.place >= 0 ? open.row[subject.place] : nullptr;
-  if (!known) return fitsByQuestion(index, subject, implied);
-  implied = &kDirect;
-  if (ContentTable::excluded(open.sets, subject.tableId)) return false;
-  if (known->allowed) {
-    implied = &known->implied;
-    return true;
-  }
-  return ContentTable::included(open.sets, subject.tableId);
-}
-
 bool PageParser::fitsByQuestion(int index, const Subject& subject, const Path*& implied) {
-  implied = &kDirect;
+  implied = &direct_;
   const Open* open = &open_[static_cast<std::size_t>(index)];
   if (open->answers == Answers::AS_OWNER) {
     index = open->owner;
@@ -228,6 +212,11 @@ void PageParser::recordOnce() {
 }
 
 void PageParser::placeElement(Element* element, PageName& name, bool selfClosed) {
+  if (element->getElementDefinition() && fitsDirectly(name.ordinal, name.tableId)) {
+    insertLast(element);
+    if (!selfClosed && !name.emptyTag) push(element, &name);
+    return;
+  }
   Subject subject;
   subject.node = element;
   subject.definition = element->getElementDefinition();
@@ -238,12 +227,7 @@ void PageParser::placeElement(Element* element, PageName& name, bool selfClosed)
 
   // 1. It fits where we are.
   if (fits(p, subject, implied)) {
-    if (implied->empty()) {
-      insertLast(element);
-      if (!selfClosed && !(subject.definition ? name.emptyTag : element->isEmptyTag())) push(element, &name);
-    } else {
-      placeWithImplied(element, &name, *implied, selfClosed);
-    }
+    placeWithImplied(element, &name, *implied, selfClosed);
     return;
   }
 

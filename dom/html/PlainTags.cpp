@@ -60,7 +60,7 @@ bool PageParser::readPlainBeginTag(std::uint32_t start) {
   while (!is(text[i], ENDS_NAME)) ++i;
   BeginTag tag;
   tag.start = start;
-  setTagName(tag, std::string_view(text + start + 1, i - start - 1));
+  setTagName(tag, std::string_view(text + start + 1, i - start - 1), lexer_.length() - start - 1);
   while (true) {
     while (is(text[i], IS_SPACE)) ++i;
     if (text[i] == '>') break;
@@ -142,7 +142,8 @@ bool PageParser::readPlainEndTag(std::uint32_t start) {
   if (text[i] != '>') return false;
   lexer_.skipTo(i + 1);
   lastEnd_ = i + 1;
-  finishEndTag(std::string_view(text + nameStart, nameEnd - nameStart), sliceOf(start, i + 1));
+  const std::string_view name(text + nameStart, nameEnd - nameStart);
+  finishEndTag(names_.find(name, lexer_.length() - nameStart), name, sliceOf(start, i + 1));
   return true;
 }
 

@@ -136,10 +136,10 @@ void PageParser::readBeginTag() {
 }
 
 // The tag's name was read; its attributes come.
-void PageParser::setTagName(BeginTag& tag, std::string_view written) {
+void PageParser::setTagName(BeginTag& tag, std::string_view written, std::size_t readable) {
   // KEPT: a slash that is glued to the name goes, and does not close the tag.
   if (written.size() > 1 && written.back() == '/') written.remove_suffix(1);
-  tag.name = &names_.find(written);
+  tag.name = &names_.find(written, readable);
   openAttributes(tag);
   tagDefinition_ = tag.name->definition;
   tag.definition = tagDefinition_;
@@ -162,7 +162,7 @@ void PageParser::setAttributeName(BeginTag& tag, Slice written) {
   attribute_ = {nullptr, written, {}, 0};
   if (!tag.definition || !tag.name->hasAttributes) return;
   const std::string_view text = written.in(lexer_.page());
-  attribute_.definition = names_.findAttribute(*tag.definition, text);
+  attribute_.definition = names_.findAttribute(*tag.definition, text, lexer_.length() - written.offset);
   if (tag.caseSensitive && attribute_.definition && attribute_.definition->getName() != text) tag.attributeCase = true;
 }
 
@@ -317,11 +317,11 @@ void PageParser::readEndTag() {
     if (token.kind == LexerType::LEX_NAME) written = sliceOf(token.start, token.end);
     token = take();
   }
-  finishEndTag(written.in(lexer_.page()), sliceOf(start, endOf(token)));
+  const std::string_view text = written.in(lexer_.page());
+  finishEndTag(names_.find(text), text, sliceOf(start, endOf(token)));
 }
 
-void PageParser::finishEndTag(std::string_view text, Slice raw) {
-  PageName& name = names_.find(text);
+void PageParser::finishEndTag(PageName& name, std::string_view text, Slice raw) {
   const ElementDefinition* definition = name.definition;
   bool preEnd = false;
   bool omittable = false;
@@ -342,8 +342,12 @@ void PageParser::finishEndTag(std::string_view text, Slice raw) {
   Node* matched = topNode();
   if (matched->getNodeType() == Node::NODE_ELEMENT) {
     auto* element = static_cast<Element*>(matched);
-    ElementAccess::installEndTag(element, lexer_.page(), raw);
-    element->setEndTagExistence(true);
+    if (ElementAccess::page(element).get() == lexer_.page().get()) {
+      ElementAccess::installParsedEndTag(element, raw);
+    } else {
+      ElementAccess::installEndTag(element, lexer_.page(), raw);
+      element->setEndTagExistence(true);
+    }
     if (endCase) element->setError(ERR_ELEMENT_INVALID_CASE_END);
   }
   pop();

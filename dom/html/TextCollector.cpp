@@ -16,6 +16,8 @@ const LexerType::LexToken kOddTokens[] = {LexerType::LEX_COMMENT,       LexerTyp
                                           LexerType::LEX_SERVER_TAG,    LexerType::LEX_PROCESSING,
                                           LexerType::LEX_CDATA_SECTION, LexerType::LEX_DOCTYPE};
 
+constexpr bool isLetterByte(char c) { return upperByte(c) >= 'A' && upperByte(c) <= 'Z'; }
+
 // Tokens that reach running text only behind a declaration that gave up: their text is not what their source assembles
 // to.
 bool isOdd(const LexRecord& token) {
@@ -54,8 +56,19 @@ void PageParser::readTextRun() {
   }
   if (end == from) return;
   const auto stop = static_cast<std::uint32_t>(end - text);
-  if (!pending_) beginText(start);
   const std::string_view run(from, stop - start);
+  const char behindOpen = stop < lexer_.length() ? end[1] : '\0';
+  if (!pending_ && (isLetterByte(behindOpen) || behindOpen == '/')) {
+    // A tag follows for sure, so this is a whole text.
+    const TextContext context{trailingSpace_ || afterBreak_, preDepth_ > 0};
+    lastWasSpace_ = isSpaceByte(run.back());
+    lexer_.skipTo(stop);
+    lastEnd_ = stop;
+    placeText(TextAccess::createAssembled(document_, textName_, lexer_.page(), sliceOf(start, stop), context),
+              isSpaceByte(*from) && isAllSpace(run));
+    return;
+  }
+  if (!pending_) beginText(start);
   if (pendingAllSpace_) pendingAllSpace_ = isSpaceByte(*from) && isAllSpace(run);
   if (pendingOwnForm_) {
     pendingText_ += assemblePlainText(run, {lastWasSpace_, preDepth_ > 0}, FrameTables::entities(frame_));
@@ -123,25 +136,31 @@ void PageParser::flushText() {
                    ? TextAccess::createPlain(document_, textName_, lexer_.page(), raw, std::move(pendingText_))
                    : TextAccess::createAssembled(document_, textName_, lexer_.page(), raw, pendingContext_);
   pendingText_.clear();
-  const Path* implied = nullptr;
-  const bool fitting = fits(top(), textSubject(text), implied);
-  if (fitting && implied->empty()) {
+  placeText(text, pendingAllSpace_);
+  rawStart_ = rawEnd_ = 0;
+}
+
+void PageParser::placeText(Text* text, bool isSpace) {
+  afterBreak_ = false;
+  if (table_ && fitsDirectly(table_->textPlace(Text::TEXT_NORMAL), ContentTable::textNameId(Text::TEXT_NORMAL))) {
     insertLast(text);
     trailingSpace_ = lastWasSpace_;
-  } else if (fitting && !pendingAllSpace_) {
+    return;
+  }
+  const Path* implied = nullptr;
+  const bool fitting = fits(top(), textSubject(text), implied);
+  if (fitting && !(isSpace && !implied->empty())) {
     placeWithImplied(text, nullptr, *implied, /*selfClosed=*/false);
     trailingSpace_ = lastWasSpace_;
   } else {
     // White space must not bring an element about.
-    if (pendingAllSpace_) {
+    if (isSpace) {
       text->setTextType(Text::TEXT_FORMATTING);
     } else {
       text->setError(ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
     }
     insertLast(text);
   }
-  rawStart_ = rawEnd_ = 0;
-  afterBreak_ = false;
 }
 
 }  // namespace zeldom40

@@ -143,7 +143,8 @@ Element* ElementAccess::create(Document* document, const SharedName& name) {
 
 Element* ElementAccess::createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
                                      const PageRef& page, Slice begin) {
-  return new Element(Element::Parsed{}, document, name, definition, page, begin);
+  void* memory = NodePool::allocate(sizeof(Element));
+  return ::new (memory) Element(Element::Parsed{}, document, name, definition, page, begin);
 }
 
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {

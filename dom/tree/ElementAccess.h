@@ -6,6 +6,7 @@
 #include "dom/tree/AttributeBlock.h"
 #include "dom/tree/AttributeList.h"
 #include "dom/tree/Element.h"
+#include "dom/tree/NodeAccess.h"
 #include "dom/tree/PageBuffer.h"
 
 namespace zeldom40 {
@@ -36,6 +37,12 @@ struct ElementAccess {
   // The parser's raw tags: exact slices of the page, not dirty.
   static void installBeginTag(Element* element, const PageRef& page, Slice tag);
   static void installEndTag(Element* element, const PageRef& page, Slice tag);
+  // The same for an element that the parser made, on the page of its begin tag.
+  static void installParsedEndTag(Element* element, Slice tag) {
+    element->endTag_ = tag;
+    element->endTagExists_ = true;
+    NodeAccess::raiseParsed(element, Node::UPDATE_CONTENT_MODIFIED);
+  }
   // Takes over one reference of the block.
   static void installAttributes(Element* element, AttributeBlock* block);
   static const AttributeBlock* block(const Element* element) {

@@ -60,6 +60,14 @@ struct NodeAccess {
   static void makeStale(Element* element);
   // Raises a flag as setUpdateFlag does, for a change that is no edit of the page.
   static void raiseFlag(Node* node, unsigned long flag);
+  // The same for a parsed node, whose first ancestor as a rule knows already. Not for UPDATE_ADDED.
+  static void raiseParsed(Node* node, unsigned long flag) {
+    if (node->parent_ && (node->parent_->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) {
+      addFlags(node, flag);
+    } else {
+      raiseFlag(node, flag);
+    }
+  }
 
   // --- walks --------------------------------------------------------------------------------------------------------
   // The children in order; strays that only their sibling links connect are not met.

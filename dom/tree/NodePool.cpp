@@ -18,9 +18,13 @@ namespace liveNodes {
 long count = 0;
 }
 
+NodePool::Chunk* NodePool::withRoom_[NodePool::kClasses];
+NodePool::Chunk* NodePool::reserve_;
+std::size_t NodePool::reserved_;
+
 #if defined(ZELDOM40_PLAIN_HEAP)
 
-void* NodePool::allocate(std::size_t size) { return ::operator new(size); }
+void* NodePool::allocateAnywhere(std::size_t size) { return ::operator new(size); }
 void NodePool::release(void* memory, std::size_t) { ::operator delete(memory); }
 
 #else
@@ -28,35 +32,12 @@ void NodePool::release(void* memory, std::size_t) { ::operator delete(memory); }
 namespace {
 
 constexpr std::size_t kChunkSize = 64 * 1024;
-constexpr std::size_t kGrain = 8;
-constexpr std::size_t kLargest = 256;
-constexpr std::size_t kClasses = kLargest / kGrain + 1;
-
 constexpr std::size_t kReserve = 256;  // chunks
 
-struct FreeCell {
-  FreeCell* next;
-};
+}  // namespace
 
-// The head of a chunk, found from a node's address by the chunk's alignment. A chunk with room is in its class's list.
-struct Chunk {
-  Chunk* next;
-  Chunk* prev;
-  FreeCell* free;
-  char* fresh;  // cells from here on were never used
-  char* last;   // where the last cell that fits begins
-  std::uint32_t live;
-  std::uint32_t cellClass;
-  bool listed;
-};
-
-Chunk* withRoom[kClasses];
-// Empty chunks of no class.
-Chunk* reserve;
-std::size_t reserved;
-
-void enlist(Chunk* chunk) {
-  Chunk*& head = withRoom[chunk->cellClass];
+void NodePool::enlist(Chunk* chunk) {
+  Chunk*& head = withRoom_[chunk->cellClass];
   chunk->prev = nullptr;
   chunk->next = head;
   if (head) head->prev = chunk;
@@ -64,21 +45,21 @@ void enlist(Chunk* chunk) {
   chunk->listed = true;
 }
 
-void delist(Chunk* chunk) {
+void NodePool::delist(Chunk* chunk) {
   if (chunk->prev) {
     chunk->prev->next = chunk->next;
   } else {
-    withRoom[chunk->cellClass] = chunk->next;
+    withRoom_[chunk->cellClass] = chunk->next;
   }
   if (chunk->next) chunk->next->prev = chunk->prev;
   chunk->listed = false;
 }
 
-Chunk* makeChunk(std::size_t cellClass) {
-  void* memory = reserve;
+NodePool::Chunk* NodePool::makeChunk(std::size_t cellClass) {
+  void* memory = reserve_;
   if (memory) {
-    reserve = reserve->next;
-    --reserved;
+    reserve_ = reserve_->next;
+    --reserved_;
   } else {
     memory = ::operator new(kChunkSize, std::align_val_t(kChunkSize));
   }
@@ -92,23 +73,21 @@ Chunk* makeChunk(std::size_t cellClass) {
   return chunk;
 }
 
-void retire(Chunk* chunk) {
+void NodePool::retire(Chunk* chunk) {
   delist(chunk);
-  if (reserved < kReserve) {
-    chunk->next = reserve;
-    reserve = chunk;
-    ++reserved;
+  if (reserved_ < kReserve) {
+    chunk->next = reserve_;
+    reserve_ = chunk;
+    ++reserved_;
   } else {
     ::operator delete(chunk, std::align_val_t(kChunkSize));
   }
 }
 
-}  // namespace
-
-void* NodePool::allocate(std::size_t size) {
+void* NodePool::allocateAnywhere(std::size_t size) {
   if (size > kLargest) return ::operator new(size);
-  const std::size_t cellClass = (size + kGrain - 1) / kGrain;
-  Chunk* chunk = withRoom[cellClass];
+  const std::size_t cellClass = classOf(size);
+  Chunk* chunk = withRoom_[cellClass];
   if (!chunk) chunk = makeChunk(cellClass);
   ++chunk->live;
   FreeCell* cell = chunk->free;

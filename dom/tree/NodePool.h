@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace zeldom40 {
 
@@ -12,8 +13,49 @@ namespace zeldom40 {
 // seen. One thread at a time, like the tree.
 class NodePool {
  public:
-  static void* allocate(std::size_t size);
+  static void* allocate(std::size_t size) {
+    Chunk* const chunk = size <= kLargest ? withRoom_[classOf(size)] : nullptr;
+    // The last cell of a chunk is none for here: the chunk leaves its list with it.
+    char* const fresh = chunk ? chunk->fresh : nullptr;
+    if (!fresh || chunk->free || fresh + classOf(size) * kGrain > chunk->last) return allocateAnywhere(size);
+    ++chunk->live;
+    chunk->fresh = fresh + classOf(size) * kGrain;
+    return fresh;
+  }
   static void release(void* memory, std::size_t size);
+
+ private:
+  static constexpr std::size_t kGrain = 8;
+  static constexpr std::size_t kLargest = 256;
+  static constexpr std::size_t kClasses = kLargest / kGrain + 1;
+
+  struct FreeCell {
+    FreeCell* next;
+  };
+  // The head of a chunk, found from a node's address by the chunk's alignment. A chunk with room is in its class's
+  // list.
+  struct Chunk {
+    Chunk* next;
+    Chunk* prev;
+    FreeCell* free;
+    char* fresh;  // cells from here on were never used
+    char* last;   // where the last cell that fits begins
+    std::uint32_t live;
+    std::uint32_t cellClass;
+    bool listed;
+  };
+
+  static std::size_t classOf(std::size_t size) { return (size + kGrain - 1) / kGrain; }
+  static void* allocateAnywhere(std::size_t size);
+  static void enlist(Chunk* chunk);
+  static void delist(Chunk* chunk);
+  static Chunk* makeChunk(std::size_t cellClass);
+  static void retire(Chunk* chunk);
+
+  static Chunk* withRoom_[kClasses];
+  // Empty chunks of no class.
+  static Chunk* reserve_;
+  static std::size_t reserved_;
 };
 
 // The number of live nodes of the process; tests check that it returns to where it was.

@@ -78,6 +78,17 @@ Text::Text(const std::string& data, const std::string& rawData, Document* docume
 inline Text::Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw)
     : Node(Parsed{}, NODE_TEXT, document, name, UPDATE_CREATED), page_(page), raw_(raw) {}
 
+// One whose plain form is assembled when first read.
+inline Text::Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw, bool dropLeading,
+                  bool preformatted)
+    : Node(Parsed{}, NODE_TEXT, document, name, UPDATE_CREATED),
+      derived_(true),
+      assembled_(true),
+      dropLeading_(dropLeading),
+      preformatted_(preformatted),
+      page_(page),
+      raw_(raw) {}
+
 Text::Text(const Text& other)
     : Node(other),
       textType_(other.textType_),
@@ -119,11 +130,8 @@ Text* TextAccess::create(Document* document, const SharedName& name, const PageR
 
 Text* TextAccess::createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,
                                   TextContext context) {
-  Text* text = create(document, name, page, raw);
-  text->derived_ = text->assembled_ = true;
-  text->dropLeading_ = context.dropLeading;
-  text->preformatted_ = context.preformatted;
-  return text;
+  void* memory = NodePool::allocate(sizeof(Text));
+  return ::new (memory) Text(Text::Parsed{}, document, name, page, raw, context.dropLeading, context.preformatted);
 }
 
 Text* TextAccess::createLiteral(Document* document, const SharedName& name, const PageRef& page, Slice raw) {

@@ -76,6 +76,8 @@ class ZELDOM40_API Text : public Node {
  private:
   friend struct TextAccess;
   Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw);
+  Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw, bool dropLeading,
+       bool preformatted);
 
   Node* cloneSelf() const override;
   TextStrings& strings() const;
