@@ -24,15 +24,16 @@ struct NameKey {
   NameKey(const char* name, std::size_t length, std::size_t readable) {
     if (std::endian::native == std::endian::little && readable >= kLongest) {
       std::memcpy(&low, name, 8);
+      low = raised(low & kMasks[std::min<std::size_t>(length, 8)]);
+      if (length <= 8) return;
       std::memcpy(&high, name + 8, 8);
-      low &= kMasks[length];
-      high &= kMasks[length < 8 ? 0 : length - 8];
+      high = raised(high & kMasks[length - 8]);
     } else {
       std::memcpy(&low, name, std::min<std::size_t>(length, 8));
       if (length > 8) std::memcpy(&high, name + 8, length - 8);
+      low = raised(low);
+      high = raised(high);
     }
-    low = raised(low);
-    high = raised(high);
   }
   std::uint64_t hash(std::uint64_t seed) const {
     const std::uint64_t mixed = (low ^ seed) * UINT64_C(0x9E3779B97F4A7C15) ^ high * UINT64_C(0xC2B2AE3D27D4EB4F);
@@ -42,8 +43,8 @@ struct NameKey {
 
  private:
   // The first bytes of a word, up to all of them.
-  static constexpr std::array<std::uint64_t, kLongest + 1> kMasks = [] {
-    std::array<std::uint64_t, kLongest + 1> masks{};
+  static constexpr std::array<std::uint64_t, 9> kMasks = [] {
+    std::array<std::uint64_t, 9> masks{};
     for (std::size_t i = 0; i < masks.size(); ++i) masks[i] = i < 8 ? (std::uint64_t{1} << (8 * i)) - 1 : ~UINT64_C(0);
     return masks;
   }();

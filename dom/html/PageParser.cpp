@@ -72,7 +72,7 @@ int PageParser::parse(Token stop) {
   if (nodes_->empty()) return -1;
   while (true) {
     if (stop == LexerType::LEX_EOF && lexer_.queued() == 0) {
-      readTextRun();
+      if (!standsAtTag()) readTextRun();
       if (lexer_.position() < lexer_.length()) {
         flushText();
         if (readPlainTag()) continue;

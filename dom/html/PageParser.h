@@ -11,6 +11,7 @@
 #include "dom/html/HTMLLexer.h"
 #include "dom/html/HTMLParser.h"
 #include "dom/html/PageNames.h"
+#include "dom/source/CharHelpers.h"
 #include "dom/source/PlainText.h"
 #include "dom/tree/AttributeBlock.h"
 #include "dom/tree/Element.h"
@@ -155,6 +156,10 @@ class PageParser {
   void readProcessingInstruction();
 
   // --- the same, straight from bytes (PlainTags.cpp) -----------------------------------------------------------------
+  bool standsAtTag() const {
+    const char* const at = lexer_.text().data() + lexer_.position();
+    return at[0] == '<' && (at[1] == '/' || isLetterByte(at[1]));
+  }
   bool readPlainTag();
   bool readPlainBeginTag(std::uint32_t start);
   bool readPlainEndTag(std::uint32_t start);

@@ -16,8 +16,6 @@ const LexerType::LexToken kOddTokens[] = {LexerType::LEX_COMMENT,       LexerTyp
                                           LexerType::LEX_SERVER_TAG,    LexerType::LEX_PROCESSING,
                                           LexerType::LEX_CDATA_SECTION, LexerType::LEX_DOCTYPE};
 
-constexpr bool isLetterByte(char c) { return upperByte(c) >= 'A' && upperByte(c) <= 'Z'; }
-
 // Tokens that reach running text only behind a declaration that gave up: their text is not what their source assembles
 // to.
 bool isOdd(const LexRecord& token) {

@@ -64,6 +64,9 @@ constexpr bool isCrLf(std::string_view s, size_t i) {
 // `a` to `z` raised, any other byte as it is.
 constexpr char upperByte(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
+// `a` to `z` or `A` to `Z`.
+constexpr bool isLetterByte(char c) { return upperByte(c) >= 'A' && upperByte(c) <= 'Z'; }
+
 // Whether `s` with its letters raised is `upper`.
 constexpr bool equalsFolded(std::string_view s, std::string_view upper) {
   if (s.size() != upper.size()) return false;

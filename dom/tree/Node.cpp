@@ -32,25 +32,26 @@ Node::Node(const Node& other)
 }
 
 Node::~Node() {
-  if (place_) DocumentAccess::forgetPlace(this);
-  if (firstChild_) NodeAccess::drain(this, /*removed=*/false);
-  if (children_) {
-    children_->list.clear();
-    if (--children_->count == 0) delete children_;
-  }
-  if (parent_) {
-    // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
-    NodeAccess::unlinkChild(parent_, this);
-  }
-  if (prev_ || next_) {
-    // Who still points here is given a living neighbour.
-    Node* left = prev_;
-    Node* right = next_;
-    NodeAccess::setPrev(this, nullptr);
-    NodeAccess::setNext(this, nullptr);
-    if (left && right) NodeAccess::join(left, right);
-  }
+  // As a rule a dying node has been cut loose.
+  if (place_ || firstChild_ || children_ || parent_ || prev_ || next_) NodeAccess::cutLoose(this);
   liveNodes::remove();
+}
+
+void NodeAccess::cutLoose(Node* node) {
+  if (node->place_) DocumentAccess::forgetPlace(node);
+  if (node->firstChild_) drain(node, /*removed=*/false);
+  if (node->children_) {
+    node->children_->list.clear();
+    if (--node->children_->count == 0) delete node->children_;
+  }
+  // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
+  if (node->parent_) unlinkChild(node->parent_, node);
+  // Who still points here is given a living neighbour.
+  Node* left = node->prev_;
+  Node* right = node->next_;
+  setPrev(node, nullptr);
+  setNext(node, nullptr);
+  if (left && right) join(left, right);
 }
 
 void Node::releaseOwned() {}

@@ -157,6 +157,7 @@ struct NodeAccess {
   static void tellRemoved(Node* top, bool alsoTop);
   static std::pair<Node*, Node*> takeChildren(Node* node);
   static bool ownsMore(const Node* node);
+  static void cutLoose(Node* node);
 };
 
 inline Node::Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags)
