@@ -1,6 +1,7 @@
 // Writes raw texts in tree order.
 #include "dom/source/SourceWriter.h"
 
+#include <cstdint>
 #include <utility>
 
 #include "dom/document/DocumentAccess.h"
@@ -12,6 +13,7 @@
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/PI.h"
+#include "dom/tree/PageBuffer.h"
 #include "dom/tree/TextAccess.h"
 
 namespace zeldom40 {
@@ -43,6 +45,31 @@ void writeLeaf(Node* node, SliceJoiner& out) {
   }
 }
 
+// A stretch of one page that is not copied yet. It lives in registers while a walk goes over untouched nodes: each
+// costs a comparison and an addition, and an untouched page is one copy.
+class PageRun {
+ public:
+  // False if the slice goes on elsewhere.
+  bool lengthen(const PageRef& page, Slice slice) {
+    if (slice.length == 0) return true;
+    if (slice.offset != end_ || page.get() != page_) return false;
+    end_ += slice.length;
+    return true;
+  }
+  void restart(const PageRef& page, Slice slice) {
+    page_ = page.get();
+    begin_ = slice.offset;
+    end_ = slice.offset + slice.length;
+  }
+  std::string_view text() const { return page_ ? page_->text().substr(begin_, end_ - begin_) : std::string_view(); }
+  std::size_t pageLength() const { return page_ ? page_->text().size() : 0; }
+
+ private:
+  const PageBuffer* page_ = nullptr;
+  std::uint32_t begin_ = 0;
+  std::uint32_t end_ = 0;
+};
+
 // The walk over one element, by links.
 class SourceWalk {
  public:
@@ -52,30 +79,64 @@ class SourceWalk {
   void write(Document::SourceMode mode) {
     const bool tags = mode != Document::SOURCE_CONTENT;
     if (tags && !begin(top_)) return;
-    Node* n = mode != Document::SOURCE_TAGS ? top_->getFirstChild() : nullptr;
-    while (n) {
-      bool entered = false;
-      if (n->getNodeType() == Node::NODE_ELEMENT) {
-        entered = begin(static_cast<Element*>(n));
+    if (mode != Document::SOURCE_TAGS) writeContent();
+    if (tags) end(top_);
+  }
+
+ private:
+  void writeContent() {
+    PageRun run;
+    const auto append = [&](const PageRef& page, Slice slice) {
+      if (run.lengthen(page, slice)) return;
+      settle(run);
+      run.restart(page, slice);
+    };
+    const auto appendEnd = [&](Element* element) {
+      if (ElementAccess::isSourceOfPage(element)) {
+        append(ElementAccess::page(element), ElementAccess::endSlice(element));
       } else {
-        writeLeaf(n, joiner_);
+        settle(run);
+        run = {};
+        end(element);
+      }
+    };
+    for (Node* n = top_->getFirstChild(); n;) {
+      bool entered = false;
+      if (n->getNodeType() == Node::NODE_TEXT && TextAccess::isSourceOfPage(static_cast<Text*>(n))) {
+        append(TextAccess::page(static_cast<Text*>(n)), TextAccess::slice(static_cast<Text*>(n)));
+      } else if (n->getNodeType() == Node::NODE_ELEMENT && ElementAccess::isSourceOfPage(static_cast<Element*>(n))) {
+        append(ElementAccess::page(static_cast<Element*>(n)), ElementAccess::beginSlice(static_cast<Element*>(n)));
+        entered = true;
+      } else {
+        settle(run);
+        run = {};
+        if (n->getNodeType() == Node::NODE_ELEMENT) {
+          entered = begin(static_cast<Element*>(n));
+        } else {
+          writeLeaf(n, joiner_);
+        }
       }
       if (entered && n->hasChildNodes()) {
         n = n->getFirstChild();
         continue;
       }
-      if (entered) end(static_cast<Element*>(n));
+      if (entered) appendEnd(static_cast<Element*>(n));
       Node* sibling = NodeAccess::childAfter(n);
       while (!sibling && (n = n->getParentNode()) != top_) {
-        end(static_cast<Element*>(n));
+        appendEnd(static_cast<Element*>(n));
         sibling = NodeAccess::childAfter(n);
       }
       n = sibling;
     }
-    if (tags) end(top_);
+    joiner_.append(run.text());
   }
 
- private:
+  // More is to come behind the run, if this is the whole tree about the rest of its page.
+  void settle(const PageRun& run) {
+    if (out_.empty() && !top_->getParentNode()) out_.reserve(run.pageLength());
+    joiner_.append(run.text());
+  }
+
   // False if the element was written whole.
   bool begin(Element* element) {
     MetaData* md = ElementAccess::metaData(element);

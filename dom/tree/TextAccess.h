@@ -34,6 +34,10 @@ struct TextAccess {
   static bool isUntouched(const Text* text) {
     return text->derived_ && !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
   }
+  // rawData is the slice.
+  static bool isSourceOfPage(const Text* text) {
+    return !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
+  }
   static unsigned flags(const Text* text);
   static Text* createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags);
   static const PageRef& page(const Text* text) { return text->page_; }
