@@ -63,7 +63,7 @@ struct ElementAccess {
   // would find so too, but for a caller that asks each node of a page their way is long.
   static bool isSourceOfPage(const Element* element) {
     const Element& e = *element;
-    if (e.beginTagDirty_ || e.endTagDirty_ || e.contentAtTag_ != e.hasChildNodes()) return false;
+    if ((e.beginTagDirty_ | e.endTagDirty_) || e.contentAtTag_ != e.hasChildNodes()) return false;
     return !e.extra_ || !(e.extra_->beginOwn || e.extra_->endOwn || e.extra_->metaData);
   }
   // What createUntouched needs beside the slices, in one byte.
@@ -75,8 +75,8 @@ struct ElementAccess {
   static bool hasExtra(const Element* element) { return element->extra_ != nullptr; }
   static MetaData* metaData(const Element* element) { return element->extra_ ? element->extra_->metaData : nullptr; }
   static const PageRef& page(const Element* element) { return element->page_; }
-  static Slice beginSlice(const Element* element) { return element->beginTag_; }
-  static Slice endSlice(const Element* element) { return element->endTag_; }
+  static const Slice& beginSlice(const Element* element) { return element->beginTag_; }
+  static const Slice& endSlice(const Element* element) { return element->endTag_; }
   // Marks the one tag alone if it has no text.
   static void dirtyEmptyBeginTag(Element* element) {
     if (element->beginView().empty()) element->beginTagDirty_ = true;

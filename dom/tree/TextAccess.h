@@ -41,7 +41,7 @@ struct TextAccess {
   static unsigned flags(const Text* text);
   static Text* createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags);
   static const PageRef& page(const Text* text) { return text->page_; }
-  static Slice slice(const Text* text) { return text->raw_; }
+  static const Slice& slice(const Text* text) { return text->raw_; }
   // getData().empty(), without making the plain form.
   static bool hasEmptyData(const Text* text);
   // Cuts white space off the end of the raw text and returns it as a text that only formats the source, count 0; null
