@@ -63,7 +63,7 @@ struct ElementAccess {
   // would find so too, but for a caller that asks each node of a page their way is long.
   static bool isSourceOfPage(const Element* element) {
     const Element& e = *element;
-    if ((e.beginTagDirty_ | e.endTagDirty_) || e.contentAtTag_ != e.hasChildNodes()) return false;
+    if (e.beginTagDirty_ || e.endTagDirty_ || e.contentAtTag_ != e.hasChildNodes()) return false;
     return !e.extra_ || !(e.extra_->beginOwn || e.extra_->endOwn || e.extra_->metaData);
   }
   // What createUntouched needs beside the slices, in one byte.

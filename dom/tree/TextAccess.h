@@ -30,14 +30,12 @@ struct TextAccess {
   static Text* createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
                            std::string data);
   static std::string_view rawData(const Text* text) { return text->rawView(); }
-  // A text that follows from its slice and context alone.
-  static bool isUntouched(const Text* text) {
-    return text->derived_ && !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
-  }
   // rawData is the slice.
   static bool isSourceOfPage(const Text* text) {
     return !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
   }
+  // A text that follows from its slice and context alone.
+  static bool isUntouched(const Text* text) { return text->derived_ && isSourceOfPage(text); }
   static unsigned flags(const Text* text);
   static Text* createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags);
   static const PageRef& page(const Text* text) { return text->page_; }
