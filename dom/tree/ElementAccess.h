@@ -66,6 +66,13 @@ struct ElementAccess {
   static void markTagsDirty(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = true; }
   // An element that follows from its slices, definition and attribute block alone: nothing of it was edited.
   static bool isUntouched(const Element* element);
+  // The source of both tags is what the slices say, and nothing else stands for the element: rawBeginTag and rawEndTag
+  // would find so too, but for a caller that asks each node of a page their way is long.
+  static bool isSourceOfPage(const Element* element) {
+    const Element& e = *element;
+    if (e.beginTagDirty_ || e.endTagDirty_ || e.contentAtTag_ != e.hasChildNodes()) return false;
+    return !e.extra_ || !(e.extra_->beginOwn || e.extra_->endOwn || e.extra_->metaData);
+  }
   // What createUntouched needs beside the slices, in one byte.
   static unsigned flags(const Element* element);
   static Element* createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
@@ -75,8 +82,8 @@ struct ElementAccess {
   static bool hasExtra(const Element* element) { return element->extra_ != nullptr; }
   static MetaData* metaData(const Element* element) { return element->extra_ ? element->extra_->metaData : nullptr; }
   static const PageRef& page(const Element* element) { return element->page_; }
-  static Slice beginSlice(const Element* element) { return element->beginTag_; }
-  static Slice endSlice(const Element* element) { return element->endTag_; }
+  static const Slice& beginSlice(const Element* element) { return element->beginTag_; }
+  static const Slice& endSlice(const Element* element) { return element->endTag_; }
   // Marks the one tag alone if it has no text.
   static void dirtyEmptyBeginTag(Element* element) {
     if (element->beginView().empty()) element->beginTagDirty_ = true;

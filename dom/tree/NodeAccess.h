@@ -75,6 +75,10 @@ struct NodeAccess {
     const Node* parent = child->parent_;
     return parent && parent->listIsTruth_ ? childAfterByList(child) : child->next_;
   }
+  // For a walk that knows the parent.
+  static Node* childAfter(const Node* child, const Node* parent) {
+    return parent->listIsTruth_ ? childAfterByList(child) : child->next_;
+  }
   static Node* childBefore(const Node* child) {
     const Node* parent = child->parent_;
     return parent && parent->listIsTruth_ ? childBeforeByList(child) : child->prev_;

@@ -30,14 +30,16 @@ struct TextAccess {
   static Text* createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
                            std::string data);
   static std::string_view rawData(const Text* text) { return text->rawView(); }
-  // A text that follows from its slice and context alone.
-  static bool isUntouched(const Text* text) {
-    return text->derived_ && !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
+  // rawData is the slice.
+  static bool isSourceOfPage(const Text* text) {
+    return !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
   }
+  // A text that follows from its slice and context alone.
+  static bool isUntouched(const Text* text) { return text->derived_ && isSourceOfPage(text); }
   static unsigned flags(const Text* text);
   static Text* createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags);
   static const PageRef& page(const Text* text) { return text->page_; }
-  static Slice slice(const Text* text) { return text->raw_; }
+  static const Slice& slice(const Text* text) { return text->raw_; }
   // getData().empty(), without making the plain form.
   static bool hasEmptyData(const Text* text);
   // Cuts white space off the end of the raw text and returns it as a text that only formats the source, count 0; null
