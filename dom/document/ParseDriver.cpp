@@ -39,6 +39,8 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
   const bool wasEmpty = !parent->hasChildNodes();
   parser.pushNode(parent);
   parser.parse(LexerType::LEX_EOF);
+  const bool mustBeSorted = !wasEmpty || parser.mustBeSorted();
+  parser.keepNames();
 
   // Parsed nodes have no reference yet; the target keeps the count that it had.
   parent->addRef(true);
@@ -49,7 +51,7 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
     inClassify_ = isBuilding_ = true;
     // What had to be recorded was when the first node came in.
     const DocumentAccess::RecordPause pause(this);
-    if (!wasEmpty || parser.mustBeSorted()) classifyNodes(*this, parent);
+    if (mustBeSorted) classifyNodes(*this, parent);
     inClassify_ = false;
   }
   // What is saved of a pair is not changed by the normal form of a page that was only read.

@@ -82,6 +82,12 @@ struct ParserType::_dtd_frame {
   // What pages declared of their own, bounded: their text must not make every later question expensive.
   int pageNames = 0;
   int pageTokens = 0;
+  int pageSubsets = 0;  // how many subsets of pages were read
+  // What a page parser keeps for the next page of this DTD.
+  struct ParserNotes {
+    virtual ~ParserNotes() = default;
+  };
+  std::unique_ptr<ParserNotes> parserNotes;
   int openFiles = 0;  // external entities being read, one inside the other
 
   // Owners of what the tables refer to.

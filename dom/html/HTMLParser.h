@@ -47,6 +47,8 @@ class ZELDOM40_API HTMLParser : public Parser {
   friend class Document;
   // Whether something came in that may call for metadata.
   bool mustBeSorted() const;
+  // Ends this parser; what it learnt of names serves the next page.
+  void keepNames();
 
   std::unique_ptr<PageParser> page_;
 };

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <string>
 
+#include "dom/document/DOM.h"
 #include "dom/document/NameLookup.h"
 #include "dom/dtd/DTDFrame.h"
 #include "dom/dtd/ElementDefinition.h"
@@ -17,6 +18,42 @@ PageNames::PageNames(ParserType::_dtd_frame* frame) : frame_(frame), slots_(256,
   const std::uint64_t mixed =
       (reinterpret_cast<std::uintptr_t>(this) ^ static_cast<std::uint64_t>(time)) * UINT64_C(0x9E3779B97F4A7C15);
   seed_ = static_cast<std::uint32_t>(mixed >> 32);
+}
+
+namespace {
+
+bool isJSPVersion1() { return DOM::getDOM() && DOM::getDOM()->getJSPVersion() == DOM::JSP_VERSION_1; }
+
+}  // namespace
+
+void PageNames::noteSources() {
+  table_ = &contentTable(*frame_);
+  subsets_ = frame_->pageSubsets;
+  jspVersion1_ = isJSPVersion1();
+}
+
+bool PageNames::holds() const {
+  return table_ == &contentTable(*frame_) && subsets_ == frame_->pageSubsets && jspVersion1_ == isJSPVersion1();
+}
+
+std::unique_ptr<PageNames> PageNames::takeFrom(ParserType::_dtd_frame* frame) {
+  if (frame && frame->parserNotes) {
+    std::unique_ptr<PageNames> kept(static_cast<PageNames*>(frame->parserNotes.release()));
+    if (kept->holds()) return kept;
+  }
+  auto made = std::make_unique<PageNames>(frame);
+  if (frame) made->noteSources();
+  return made;
+}
+
+void PageNames::keep(std::unique_ptr<PageNames> names) {
+  // Names that no DTD knows are the page's own; many of them are not worth keeping.
+  constexpr std::size_t kMost = 512;
+  constexpr std::size_t kMostBytes = 16 << 10;
+  ParserType::_dtd_frame* frame = names->frame_;
+  if (!frame || names->entries_.size() > kMost || names->bytes_ > kMostBytes || !names->holds()) return;
+  for (PageName& entry : names->entries_) entry.barredTo = -1;
+  frame->parserNotes = std::move(names);
 }
 
 std::uint32_t PageNames::hashFolded(std::string_view text) const {
@@ -42,6 +79,7 @@ PageName& PageNames::add(std::string_view asWritten, std::uint32_t hash) {
   std::string upper(asWritten);
   upperCase(upper);
   PageName& entry = entries_.emplace_back();
+  bytes_ += upper.size();
   entry.name = SharedName(upper);
   entry.hash = hash;
   lookUp(entry);

@@ -4,12 +4,13 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "dom/dtd/ContentTable.h"
-#include "dom/dtd/ParserType.h"
+#include "dom/dtd/DTDFrame.h"
 #include "dom/html/NameKey.h"
 #include "dom/tree/SharedName.h"
 
@@ -48,9 +49,16 @@ struct PageName {
 // One probe finds a name, folding case as it hashes, so that no string is made for a tag. Unknown names are held once
 // however often a page repeats them. Short names of tags and attributes that were asked for before are found by a
 // number in a small table first: 25 instructions instead of 100.
-class PageNames {
+//
+// The names of one page are kept for the next: on a page of 5 KB a third of the time went into names met anew.
+class PageNames : public ParserType::_dtd_frame::ParserNotes {
  public:
   explicit PageNames(ParserType::_dtd_frame* frame);
+
+  // The names kept with `frame`, if they still hold, else new ones.
+  static std::unique_ptr<PageNames> takeFrom(ParserType::_dtd_frame* frame);
+  // Keeps names of which none is open any more.
+  static void keep(std::unique_ptr<PageNames> names);
 
   // The entry for a name as written; stays valid as long as this object. `readable` bytes from its first on may be
   // looked at: where it stands in a page, those up to the end.
@@ -100,6 +108,8 @@ class PageNames {
   PageName& add(std::string_view asWritten, std::uint32_t hash);
   void lookUp(PageName& entry);
   void grow();
+  void noteSources();
+  bool holds() const;
 
   ParserType::_dtd_frame* frame_;
   std::uint32_t seed_ = 0;
@@ -109,6 +119,11 @@ class PageNames {
   std::array<RecentName, kRecentNames> recentNames_;
   std::array<RecentAttribute, kRecentAttributes> recentAttributes_;
   std::string scratch_;
+  std::size_t bytes_ = 0;  // of all names
+  // What the entries were looked up in.
+  const ContentTable* table_ = nullptr;
+  int subsets_ = 0;
+  bool jspVersion1_ = false;
 };
 
 }  // namespace zeldom40

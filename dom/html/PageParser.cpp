@@ -30,6 +30,11 @@ HTMLParser::~HTMLParser() = default;
 
 int HTMLParser::parse(LexerType::LexToken stop) { return page_ ? page_->parse(stop) : -1; }
 
+void HTMLParser::keepNames() {
+  if (page_) page_->keepNames();
+  page_.reset();
+}
+
 bool HTMLParser::mustBeSorted() const { return page_ && page_->mustBeSorted(); }
 
 void HTMLParser::setLenient(bool lenient) {
@@ -52,7 +57,8 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
       frame_(frame),
       table_(frame ? &contentTable(*frame) : nullptr),
       document_(document),
-      names_(frame),
+      ownNames_(PageNames::takeFrom(frame)),
+      names_(*ownNames_),
       nodes_(sharedStack ? sharedStack : &ownStack_),
       textName_(DOMAccess::textName()),
       commentName_(DOMAccess::commentName()) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -40,6 +41,10 @@ class PageParser {
   int parse(LexerType::LexToken stop);
   // Whether something came in that may call for metadata.
   bool mustBeSorted() const { return mustBeSorted_; }
+  // The parse is over, and nothing else will be read: what was learnt of names serves the next page.
+  void keepNames() {
+    if (open_.empty()) PageNames::keep(std::move(ownNames_));
+  }
   void setLenient(bool lenient) { lenient_ = lenient; }
   void pushNode(Node* node);
   void popNode();
@@ -231,7 +236,8 @@ class PageParser {
   ContentTable* table_;
   Document* document_;
   bool lenient_ = false;
-  PageNames names_;
+  std::unique_ptr<PageNames> ownNames_;
+  PageNames& names_;
   std::vector<Node*> ownStack_;
   std::vector<Node*>* nodes_;
   std::vector<Open> open_;

@@ -1,14 +1,22 @@
 // References and white space of running text.
 #include "dom/source/PlainText.h"
 
+#include <cstring>
+
 #include "dom/source/CharHelpers.h"
 #include "dom/source/MarkedText.h"
 
 namespace zeldom40 {
 
 bool isAllSpace(std::string_view raw) {
-  for (char c : raw) {
-    if (!isSpaceByte(c)) return false;
+  // Text behind an indent shows at its end; and an indent is mostly blanks, taken eight at a time.
+  if (!raw.empty() && !isSpaceByte(raw.back())) return false;
+  for (std::size_t i = 0; i < raw.size();) {
+    if (raw.size() - i >= 8 && std::memcmp(raw.data() + i, "        ", 8) == 0) {
+      i += 8;
+    } else if (!isSpaceByte(raw[i++])) {
+      return false;
+    }
   }
   return true;
 }
