@@ -23,6 +23,8 @@ Element* asElement(Node* node) {
   return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
 }
 
+bool isTable(Node* node) { return asElement(node) && asElement(node)->getElementID() == ID_TABLE; }
+
 }  // namespace
 
 Containment::Containment(Document& document, const Node* root) : document_(document), root_(root), table_(nullptr) {
@@ -110,6 +112,12 @@ Node* Containment::opaque(Node* node) {
   return node;
 }
 
+Node* Containment::table(Node* node) {
+  if (table_ && asElement(node)) return stepOf(asElement(node)).table;
+  while (node && !isTable(node)) node = node->getParentNode();
+  return node;
+}
+
 Containment::Step Containment::stepOf(Element* element) {
   std::vector<Element*> missing;
   const std::size_t* place = nullptr;
@@ -118,7 +126,7 @@ Containment::Step Containment::stepOf(Element* element) {
     missing.push_back(e);
     e = asElement(e->getParentNode());
   }
-  Step step{nullptr, table_->noSets(), nullptr, nullptr};
+  Step step{nullptr, table_->noSets(), nullptr, nullptr, nullptr};
   // What is in no tree, or in another one, is not kept.
   const bool keep = e || missing.back() == root_;
   if (e) step = path_[*place];
@@ -130,6 +138,7 @@ Containment::Step Containment::stepOf(Element* element) {
       step.opaque = step.element;
       step.opaqueSets = step.sets;
     }
+    if (isTable(step.element)) step.table = step.element;
     if (!keep) continue;
     places_.add(step.element, path_.size());
     path_.push_back(step);

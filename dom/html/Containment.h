@@ -28,6 +28,8 @@ class Containment {
   bool chainCanContain(const std::vector<const ElementDefinition*>& chain, const ElementDefinition* child);
   // The nearest of the node and the elements around it that is not transparent; null if there is none.
   Node* opaque(Node* node);
+  // The nearest of the node and the elements around it that is a TABLE; null if there is none.
+  Node* table(Node* node);
   // Call before a node leaves its place.
   void forget(const Node* node);
 
@@ -39,6 +41,7 @@ class Containment {
     // The nearest element, this one or around it, that is not transparent, and its sets; null if there is none.
     Element* opaque;
     const ContentTable::OpenSets* opaqueSets;
+    Element* table;  // the nearest TABLE in the same sense
   };
   Step stepOf(Element* element);
   void dropPath(std::size_t from);

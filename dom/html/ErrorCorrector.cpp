@@ -390,8 +390,7 @@ Node* ErrorCorrector::legalPlaceAbove(Node* q, Node* node, bool crossing) {
 // --- tables ----------------------------------------------------------------------------------------------------------
 
 Node* ErrorCorrector::tableToLeave(Node* from) {
-  Node* table = from;
-  while (table && idOf(table) != ID_TABLE) table = table->getParentNode();
+  Node* table = containment_.table(from);
   return table && table->getParentNode() ? table : nullptr;
 }
 
