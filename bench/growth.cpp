@@ -30,7 +30,7 @@ constexpr double kTooShort = 0.002;
 // A size at which a phase would take longer than this is not tried; its growth is known by then.
 constexpr double kTooLong = 40;
 // What counting may take in seconds, and how much slower a program is under callgrind, counting and not.
-constexpr double kCountingTime = 6;
+constexpr double kCountingTime = 4;
 constexpr double kSlowerCounting = 60;
 constexpr double kSlowerWaiting = 8;
 constexpr std::size_t kDeep = 1000 * 1000;
@@ -53,7 +53,7 @@ double exponent(double first, double last, std::size_t doublings) {
 Life best(const char* documentType, const std::string& text, int most) {
   Life result;
   double spent = 0;
-  for (int i = 0; i < most && (i < 2 || spent < 0.8); ++i) {
+  for (int i = 0; i < most && (i < 2 || spent < 0.5); ++i) {
     const Life life = live(documentType, text);
     spent += total(life);
     const bool same = life.same && (i == 0 || result.same);
@@ -67,7 +67,8 @@ Life best(const char* documentType, const std::string& text, int most) {
 
 struct Options {
   std::size_t divideBy = 1;
-  bool all = false;      // a row for each shape
+  bool more = false;     // the shapes too that have a row only if they grow
+  bool all = false;      // a row for each of these
   unsigned counted = 0;  // this process runs under callgrind, for these phases
   std::vector<std::string> wanted;
 };
@@ -261,9 +262,11 @@ int printGrowth(const Options& options, const char* program) {
   };
   measure(shapes(), true);
   measure(dynamicShapes(), true);
-  measure(moreShapes(), false);
-  measure(moreDynamicShapes(), false);
-  measure(editShapes(), false);
+  if (options.more) {
+    measure(moreShapes(), false);
+    measure(moreDynamicShapes(), false);
+    measure(editShapes(), false);
+  }
   std::printf(
       "\n%d shapes, %d cells with an exponent; %d exceed %.1f in time alone, not in instructions; "
       "%d shapes grow too fast or come back changed.\n\n",
@@ -374,8 +377,10 @@ int runGrowth(const std::vector<std::string>& arguments, const char* program) {
       options.counted = static_cast<unsigned>(number(argument));
     } else if (argument.rfind("--size=", 0) == 0) {
       size = number(argument);
+    } else if (argument == "--more") {
+      options.more = true;
     } else if (argument == "--all") {
-      options.all = true;
+      options.more = options.all = true;
     } else if (argument == "--growth") {
       depth = false;
     } else if (argument == "--depth") {

@@ -1,6 +1,7 @@
 // The benchmark program: zeldom40_bench [options of the benchmark library], or
-// zeldom40_bench growth [--growth | --depth] [--all] [--divide=N] [part of a shape's name...]: the tables of growth and
-// of depth, or one of them; --all has a row for each shape; --divide takes smaller pages. Or
+// zeldom40_bench growth [--growth | --depth] [--more | --all] [--divide=N] [part of a shape's name...]: the tables of
+// growth and of depth, or one of them; --more measures shapes that have a row only if they grow, --all gives them one
+// anyway; --divide takes smaller pages. Or
 // zeldom40_bench growth --pairs=N: all pairs of elements.
 #include <string>
 #include <vector>
