@@ -13,11 +13,17 @@ struct Shape {
   std::size_t full;  // the size that must go well
   std::string (*make)(std::size_t n);
   const char* documentType = "HTML";
+  int levels = 0;  // how much deeper the tree is for each of n; 0: it does not get deep, or not by what it shows
 };
 
+// Each of these has a row in the growth table. What is written of pages with metadata is another text than was read,
+// for new pairs get their comments.
 const std::vector<Shape>& shapes();
-// Pages with metadata; what is written is another text than was read, for new pairs get their comments.
 const std::vector<Shape>& dynamicShapes();
+// Of these the table has only those that grow.
+const std::vector<Shape>& moreShapes();
+const std::vector<Shape>& moreDynamicShapes();
+const std::vector<Shape>& editShapes();
 
 // `word` n times.
 std::string repeated(const char* word, std::size_t n);
@@ -26,8 +32,7 @@ std::string repeated(const char* word, std::size_t n);
 // tables, images, some comments and scripts.
 std::string ordinaryPage(std::size_t bytes);
 
-// Times and prints what `arguments` ask for; the exit code of the program.
-int runGrowth(const std::vector<std::string>& arguments);
-int runEditGrowth(const std::vector<std::string>& arguments);
+// Measures and prints what `arguments` ask for; the exit code of the program.
+int runGrowth(const std::vector<std::string>& arguments, const char* program);
 
 }  // namespace zeldom40::bench

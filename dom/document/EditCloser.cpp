@@ -1,5 +1,6 @@
 // adjustNodes: closes an edit of the host.
 #include <cassert>
+#include <utility>
 
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
@@ -34,6 +35,7 @@ class EditCloser {
         format(n);
       }
     }
+    assert(!waiting_);
     return changed_;
   }
 
@@ -41,6 +43,8 @@ class EditCloser {
   void visitElement(Element* element) {
     const unsigned long group = element->getElementGroup();
     if (pointless_.isEmpty(element)) {
+      const Node* behind = NodeAccess::childAfter(element);
+      if (!behind || behind->getNodeType() != Node::NODE_TEXT || !isVisited(behind)) formatWaiting();
       walk_.next(!full_, /*skipChildren=*/true);
       document_.deleteNodes(element);
       changed_ = true;
@@ -50,6 +54,7 @@ class EditCloser {
       removeKeepingContent(element);
       return;
     }
+    formatWaiting();
     if (group & GROUP_SKELETON) {
       if (Element* first = firstOfID(element)) {
         walk_.toSibling(first);
@@ -62,13 +67,16 @@ class EditCloser {
   }
 
   void visitText(Node* text) {
+    if (text == waiting_) waiting_ = nullptr;
     Node* n = text;
     while (Node* before = NodeAccess::childBefore(n)) {
       Node* merged = mergeTexts(document_, before, n);
       if (!merged) break;
+      if (before == waiting_) waiting_ = nullptr;
       n = merged;
       changed_ = true;
     }
+    formatWaiting();
     while (Node* behind = NodeAccess::childAfter(n)) {
       Node* merged = mergeTexts(document_, n, behind);
       if (!merged) break;
@@ -76,7 +84,27 @@ class EditCloser {
       changed_ = true;
     }
     walk_.toSibling(n);
-    format(n);
+    if (mayVanish(NodeAccess::childAfter(n))) {
+      waiting_ = n;
+      walk_.next(!full_, false);
+    } else {
+      format(n);
+    }
+  }
+
+  // A text in front of an element that goes may be joined by what that held or by what stands behind it. CHOICE: it is
+  // laid out when it is complete; doing so after each of a row of such elements would cost the square of the row, and
+  // each time would indent its lines again.
+  bool mayVanish(Node* behind) const {
+    const Element* element = asElement(behind);
+    constexpr unsigned long kVanishing = GROUP_TEXT_LEVEL | GROUP_SPAN_LIKE | GROUP_PHRASE;
+    return element && isVisited(element) && (element->getElementGroup() & kVanishing);
+  }
+  bool isVisited(const Node* sibling) const { return full_ || sibling->getUpdateFlag() != 0; }
+
+  // The walk stands on a sibling of the text.
+  void formatWaiting() {
+    if (Node* text = std::exchange(waiting_, nullptr)) changed_ |= formatNode(document_, text, walk_);
   }
 
   // CHOICE: the walk goes on at what stands before the element, and its parent is formatted once for a row of such
@@ -91,6 +119,8 @@ class EditCloser {
     }
     changed_ = true;
     const bool isText = zeldom40::removeKeepingContent(document_, element, walk_);
+    // The walk comes back to a text that waits, unless it gave way to another.
+    if (walk_.current() != waiting_) waiting_ = nullptr;
     if (walk_.current() == parent) {
       walk_.next(!full_, /*skipChildren=*/false);
       return;
@@ -133,6 +163,7 @@ class EditCloser {
   TreeWalker walk_;
   PointlessElements pointless_;
   Node* formattedParent_ = nullptr;
+  Node* waiting_ = nullptr;  // a text that is to be laid out yet
   bool changed_ = false;
 };
 

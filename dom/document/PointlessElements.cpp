@@ -8,20 +8,30 @@
 
 namespace zeldom40 {
 
+namespace {
+
+bool isTextLevel(const Node* node) {
+  return node->getNodeType() == Node::NODE_ELEMENT &&
+         (static_cast<const Element*>(node)->getElementGroup() & GROUP_TEXT_LEVEL);
+}
+
+}  // namespace
+
 bool PointlessElements::isEmpty(Element* element) {
-  if (!(element->getElementGroup() & GROUP_TEXT_LEVEL) || filled_.count(element)) return false;
+  if (!isTextLevel(element)) return false;
+  if (!filled_.empty() && filled_.back() == element) {
+    filled_.pop_back();
+    return false;
+  }
   // The first node below that counts as content settles it for all elements on the way to it.
-  const Node* content = nullptr;
-  for (Node* n = element; n && !content; n = NodeAccess::nextInSubtree(n, element)) {
-    if (filled_.count(n) || !DocumentAccess::isEmptyByItself(&document_, n)) content = n;
+  const Node* content = element;
+  while (content && DocumentAccess::isEmptyByItself(&document_, content)) {
+    content = NodeAccess::nextInSubtree(content, element);
   }
   if (!content) return true;
-  for (const Node* n = content; n; n = n->getParentNode()) {
-    if (n != content && !filled_.insert(n).second) break;
-    if (n == element) {
-      filled_.insert(n);
-      break;
-    }
+  filled_.clear();
+  for (const Node* n = content; n != element; n = n->getParentNode()) {
+    if (isTextLevel(n)) filled_.push_back(n);
   }
   return false;
 }

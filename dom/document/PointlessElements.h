@@ -1,7 +1,7 @@
 // Internal. Which elements an edit or a repair leaves behind without a purpose.
 #pragma once
 
-#include <unordered_set>
+#include <vector>
 
 #include "dom/document/TreeWalker.h"
 
@@ -9,8 +9,8 @@ namespace zeldom40 {
 
 class Document;
 
-// Answers for one walk. What was once found to hold something is remembered with all that is around it, so that a deep
-// nest is looked through once and not once a level.
+// Answers for one walk in document order. The text-level elements on the way down to a content that was found are kept
+// until the walk comes to them, so that a deep nest is looked through once and not once a level.
 class PointlessElements {
  public:
   explicit PointlessElements(Document& document) : document_(document) {}
@@ -22,7 +22,7 @@ class PointlessElements {
 
  private:
   Document& document_;
-  std::unordered_set<const Node*> filled_;
+  std::vector<const Node*> filled_;  // the outermost last
 };
 
 // Removes `element`, on whose parent `walk` stands, and keeps its content. The walk then stands on the sibling before

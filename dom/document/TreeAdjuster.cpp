@@ -105,6 +105,7 @@ class Normalizer {
       if (!(element->getError() & ERR_ELEMENT_END_TAG_MISSING)) ElementAccess::dirtyEmptyEndTag(element);
     }
     if (corrected_ && element != start_ && removePointless(element)) return;
+    finishWaiting();
     if (!pre_) {
       if (group & GROUP_PLAIN) {
         pre_ = element;
@@ -135,6 +136,7 @@ class Normalizer {
     // An element that holds the walk's mark on preformatted text takes the mark along.
     if (pre_ == element) pre_ = nullptr;
     if (empty) {
+      if (!mayVanish(NodeAccess::childAfter(element))) finishWaiting();
       if (before) {
         walk_.toSibling(before);
       } else {
@@ -191,7 +193,9 @@ class Normalizer {
   void visitText(Text* text) {
     Element* parent = asElement(text->getParentNode());
     if (pre_) {
-      visitPreformatted(text);
+      visits_ = text == waiting_ ? visits_ + 1 : 1;
+      waiting_ = text;
+      if (!mayVanish(NodeAccess::childAfter(text))) finishWaiting();
       return;
     }
     if (!parent || !(parent->getElementGroup() & GROUP_BLOCK)) return;
@@ -210,13 +214,24 @@ class Normalizer {
     }
   }
 
+  // What an element in the way held may yet join a preformatted text in front of it. Its columns are counted when it is
+  // complete: to count them again after each of a row of such elements would cost the square of the row.
+  bool mayVanish(Node* behind) const {
+    const Element* element = asElement(behind);
+    return corrected_ && element && (element->getElementGroup() & (GROUP_TEXT_LEVEL | GROUP_SPAN_LIKE | GROUP_PHRASE));
+  }
+  void finishWaiting() {
+    if (Text* text = std::exchange(waiting_, nullptr)) visitPreformatted(text);
+  }
+
   void visitPreformatted(Text* text) {
     std::string_view data = text->getData();
     lastText_ = text;
     columnBefore_ = column_;
     bool shortened = false;
     if (text->getParentNode() == pre_) {
-      if (!NodeAccess::childBefore(text) && isCrLf(data, 0)) {
+      // KEPT: each visit takes one line break off the front.
+      for (int i = 0; i < visits_ && !NodeAccess::childBefore(text) && isCrLf(data, 0); ++i) {
         data.remove_prefix(2);
         shortened = true;
       }
@@ -257,6 +272,8 @@ class Normalizer {
   // A text that grew is counted again from where it began.
   const Node* lastText_ = nullptr;
   int columnBefore_ = 0;
+  Text* waiting_ = nullptr;
+  int visits_ = 0;  // of the text that waits
 };
 
 }  // namespace

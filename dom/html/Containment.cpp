@@ -19,9 +19,11 @@ struct Containment::Subject {
 
 namespace {
 
-const Element* asElement(const Node* node) {
-  return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<const Element*>(node) : nullptr;
+Element* asElement(Node* node) {
+  return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
 }
+
+bool isTable(Node* node) { return asElement(node) && asElement(node)->getElementID() == ID_TABLE; }
 
 }  // namespace
 
@@ -61,12 +63,10 @@ bool Containment::canContain(Node* parent, const ElementDefinition* child) {
 }
 
 bool Containment::ask(Node* parent, const Subject& subject) {
-  const Element* asked = asElement(parent);
-  while (asked->getElementGroup() & GROUP_LOOP) {
-    asked = asElement(asked->getParentNode());
-    if (!asked) return true;
-  }
-  const ContentTable::OpenSets* sets = setsOf(asked);
+  const Step step = stepOf(asElement(parent));
+  const Element* asked = step.opaque;
+  if (!asked) return true;
+  const ContentTable::OpenSets* sets = step.opaqueSets;
   if (!asked->getElementDefinition()) {
     if (ContentTable::excluded(sets, subject.tableId, subject.isText || subject.definition)) return false;
     const Element::ElementType type = asked->getElementType();
@@ -106,44 +106,53 @@ bool Containment::chainCanContain(const std::vector<const ElementDefinition*>& c
   return answer(chain.back(), sets, subject, chain.back()->upperName());
 }
 
-// The exclusions and inclusions of the element and all around it.
-const ContentTable::OpenSets* Containment::setsOf(const Element* element) {
-  std::vector<const Element*> missing;
-  const Element* e = element;
-  while (e && !places_.count(e)) {
+Node* Containment::opaque(Node* node) {
+  if (table_ && asElement(node)) return stepOf(asElement(node)).opaque;
+  while (asElement(node) && (asElement(node)->getElementGroup() & GROUP_LOOP)) node = node->getParentNode();
+  return node;
+}
+
+Node* Containment::table(Node* node) {
+  if (table_ && asElement(node)) return stepOf(asElement(node)).table;
+  while (node && !isTable(node)) node = node->getParentNode();
+  return node;
+}
+
+Containment::Step Containment::stepOf(Element* element) {
+  std::vector<Element*> missing;
+  const std::size_t* place = nullptr;
+  Element* e = element;
+  while (e && !(place = places_.find(e))) {
     missing.push_back(e);
     e = asElement(e->getParentNode());
   }
-  const ContentTable::OpenSets* sets = table_->noSets();
+  Step step{nullptr, table_->noSets(), nullptr, nullptr, nullptr};
   // What is in no tree, or in another one, is not kept.
   const bool keep = e || missing.back() == root_;
-  if (!e && keep) {
-    places_.clear();
-    path_.clear();
-  }
-  if (e) {
-    const std::size_t place = places_[e];
-    sets = path_[place].sets;
-    if (!missing.empty()) {
-      for (std::size_t i = place + 1; i < path_.size(); ++i) places_.erase(path_[i].node);
-      path_.resize(place + 1);
-    }
-  }
+  if (e) step = path_[*place];
+  if (keep && !missing.empty()) dropPath(e ? *place + 1 : 0);
   for (auto it = missing.rbegin(); it != missing.rend(); ++it) {
-    sets = table_->extend(sets, (*it)->getElementDefinition());
+    step.element = *it;
+    step.sets = table_->extend(step.sets, step.element->getElementDefinition());
+    if (!(step.element->getElementGroup() & GROUP_LOOP)) {
+      step.opaque = step.element;
+      step.opaqueSets = step.sets;
+    }
+    if (isTable(step.element)) step.table = step.element;
     if (!keep) continue;
-    places_[*it] = path_.size();
-    path_.push_back({*it, sets});
+    places_.add(step.element, path_.size());
+    path_.push_back(step);
   }
-  return sets;
+  return step;
 }
 
 void Containment::forget(const Node* node) {
-  const auto found = places_.find(node);
-  if (found == places_.end()) return;
-  const std::size_t place = found->second;
-  for (std::size_t i = place; i < path_.size(); ++i) places_.erase(path_[i].node);
-  path_.resize(place);
+  if (const std::size_t* place = places_.find(node)) dropPath(*place);
+}
+
+void Containment::dropPath(std::size_t from) {
+  for (std::size_t i = from; i < path_.size(); ++i) places_.erase(path_[i].element);
+  path_.resize(from, Step{});
 }
 
 }  // namespace zeldom40

@@ -1,10 +1,10 @@
 // Internal. Direct containment in a live tree, asked of many nodes on one walk.
 #pragma once
 
-#include <unordered_map>
 #include <vector>
 
 #include "dom/dtd/ContentTable.h"
+#include "dom/tree/NodeMap.h"
 
 namespace zeldom40 {
 
@@ -26,16 +26,25 @@ class Containment {
   // Whether the innermost of a chain of new elements (outermost first), in no tree yet, can contain it.
   bool chainCanContain(const std::vector<const ElementDefinition*>& chain, Node* child);
   bool chainCanContain(const std::vector<const ElementDefinition*>& chain, const ElementDefinition* child);
+  // The nearest of the node and the elements around it that is not transparent; null if there is none.
+  Node* opaque(Node* node);
+  // The nearest of the node and the elements around it that is a TABLE; null if there is none.
+  Node* table(Node* node);
   // Call before a node leaves its place.
   void forget(const Node* node);
 
  private:
   struct Subject;
   struct Step {
-    const Node* node;
-    const ContentTable::OpenSets* sets;
+    Element* element;
+    const ContentTable::OpenSets* sets;  // the exclusions and inclusions of the element and all around it
+    // The nearest element, this one or around it, that is not transparent, and its sets; null if there is none.
+    Element* opaque;
+    const ContentTable::OpenSets* opaqueSets;
+    Element* table;  // the nearest TABLE in the same sense
   };
-  const ContentTable::OpenSets* setsOf(const Element* element);
+  Step stepOf(Element* element);
+  void dropPath(std::size_t from);
   bool answer(const ElementDefinition* definition, const ContentTable::OpenSets* sets, const Subject& subject,
               const SharedName& askedName);
   bool ask(Node* parent, const Subject& subject);
@@ -45,7 +54,7 @@ class Containment {
   const Node* root_;
   ContentTable* table_;
   std::vector<Step> path_;
-  std::unordered_map<const Node*, std::size_t> places_;
+  NodeMap places_;  // in the path
 };
 
 }  // namespace zeldom40

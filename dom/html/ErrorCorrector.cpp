@@ -390,8 +390,7 @@ Node* ErrorCorrector::legalPlaceAbove(Node* q, Node* node, bool crossing) {
 // --- tables ----------------------------------------------------------------------------------------------------------
 
 Node* ErrorCorrector::tableToLeave(Node* from) {
-  Node* table = from;
-  while (table && idOf(table) != ID_TABLE) table = table->getParentNode();
+  Node* table = containment_.table(from);
   return table && table->getParentNode() ? table : nullptr;
 }
 
@@ -551,9 +550,7 @@ ErrorCorrector::Plan ErrorCorrector::plan(Node* parent, Node* node, Node* lastTr
     const char* name = CatalogueTables::name(id);
     return name ? findVisibleDefinition(type, name) : nullptr;
   };
-  Node* opaque = parent;
-  while (opaque && (groupOf(opaque) & GROUP_LOOP)) opaque = opaque->getParentNode();
-  const int id = idOf(opaque);
+  const int id = idOf(containment_.opaque(parent));
 
   // 3. Elements that the parent expects to hold.
   for (int x = CatalogueTables::requiredChildID(id); x >= 0; x = CatalogueTables::requiredChildID(x)) {

@@ -59,7 +59,7 @@ class ErrorCorrector {
   Node* relocate(Node* node);
   bool crossesTable(Node* from, Node* node);
   Node* legalPlaceAbove(Node* q, Node* node, bool crossing);
-  static Node* tableToLeave(Node* from);
+  Node* tableToLeave(Node* from);
   Node* leaveTable(Node* node, Node* from);
   void strip(Node* node, Node* parent);
   bool spread(Element* parent, Element* node);

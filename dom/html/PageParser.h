@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "dom/dtd/DTDFrame.h"
+#include "dom/html/AttributeNames.h"
 #include "dom/html/HTMLLexer.h"
 #include "dom/html/HTMLParser.h"
 #include "dom/html/PageNames.h"
@@ -229,7 +229,6 @@ class PageParser {
     NodeAccess::appendParsed(parent, node);
   }
   void recordOnce();
-  void forgetAttributeNames();
 
   HTMLLexer& lexer_;
   ParserType::_dtd_frame* frame_;
@@ -271,7 +270,7 @@ class PageParser {
   bool attributePending_ = false;
   AttributeBlock::Entry attribute_{};
   std::vector<AttributeBlock::Entry> attributes_;
-  std::unordered_map<std::string_view, std::size_t> attributeNames_;  // filled for tags with many
+  AttributeNames attributeNames_;  // filled for tags with many
   std::string scratch_;
   const ElementDefinition* tagDefinition_ = nullptr;
   bool attributeError_ = false;

@@ -59,7 +59,7 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
   const std::string_view text = lexer_.text();
   const ElementDefinition* definition = element->getElementDefinition();
   attributes_.clear();
-  forgetAttributeNames();
+  attributeNames_.clear();
   std::size_t position = from;
   ScannedAttribute found;
   auto sliceOfView = [&](std::string_view part) {
@@ -77,13 +77,13 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
     }
     if (definition && !entry.definition) entry.error = static_cast<std::uint32_t>(ERR_ATTR_INVALID_NAME);
     const std::string_view stored = entry.definition ? entry.definition->upperName().view() : found.name;
-    const auto [present, isNew] = attributeNames_.emplace(stored, attributes_.size());
+    const std::size_t number = attributeNames_.enter(stored);
     if (isDynamicMark(entry)) mustBeSorted_ = true;
     // The last of a name counts, at the place of the first.
-    if (isNew) {
+    if (number == attributes_.size()) {
       attributes_.push_back(entry);
     } else {
-      attributes_[present->second] = entry;
+      attributes_[number] = entry;
     }
   }
   if (attributes_.empty()) return;

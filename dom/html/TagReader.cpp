@@ -12,7 +12,6 @@ namespace zeldom40 {
 namespace {
 
 constexpr std::size_t kManyAttributes = 8;
-constexpr std::size_t kFewBuckets = 256;
 
 }  // namespace
 
@@ -151,7 +150,7 @@ void PageParser::setTagName(BeginTag& tag, std::string_view written, std::size_t
 
 void PageParser::openAttributes(BeginTag& tag) {
   attributes_.clear();
-  if (!attributeNames_.empty()) forgetAttributeNames();
+  attributeNames_.clear();
   attributePending_ = attributeError_ = hiddenInput_ = false;
   tagDefinition_ = nullptr;
   tag.definition = nullptr;
@@ -200,13 +199,6 @@ void PageParser::finishBeginTag(const BeginTag& tag) {
   if (defined && name.holdsCData && !selfClosed) readCDATAContent(name, tag.end);
 }
 
-// Emptying a map costs its buckets, however few are in use: after a tag with very many, a new one is made.
-void PageParser::forgetAttributeNames() {
-  if (attributeNames_.empty()) return;
-  if (attributeNames_.bucket_count() > kFewBuckets) attributeNames_ = {};
-  attributeNames_.clear();
-}
-
 void PageParser::commitAttribute() {
   if (!attributePending_) return;
   attributePending_ = false;
@@ -225,10 +217,10 @@ void PageParser::commitAttribute() {
     }
   } else {
     if (attributeNames_.empty()) {
-      for (std::size_t i = 0; i < attributes_.size(); ++i) attributeNames_.emplace(nameOf(attributes_[i]), i);
+      for (const auto& entry : attributes_) attributeNames_.enter(nameOf(entry));
     }
-    const auto [found, isNew] = attributeNames_.emplace(name, attributes_.size());
-    if (!isNew) present = &attributes_[found->second];
+    const std::size_t number = attributeNames_.enter(name);
+    if (number < attributes_.size()) present = &attributes_[number];
   }
   if (present) {
     present->error |= static_cast<std::uint32_t>(ERR_ATTR_VALUE_DUPLICATED);
