@@ -1,11 +1,15 @@
 // Coding and decoding of saved trees.
 #include "dom/document/TreeSnapshot.h"
 
-#include <cassert>
+#include <algorithm>
+#include <cstring>
+#include <memory>
 #include <string>
-#include <utility>
+#include <string_view>
+#include <vector>
 
 #include "dom/document/DOMAccess.h"
+#include "dom/document/SnapshotChunk.h"
 #include "dom/dtd/ElementDefinition.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
@@ -13,277 +17,452 @@
 
 namespace zeldom40 {
 
-// A stretch of the code with what its indices refer to. Immutable once it is closed, but for the clones of edited
-// nodes, which move out; a chunk that holds any is never shared.
-struct SnapshotChunk {
-  std::string code;
-  std::vector<ElementDefinition*> definitions;
-  std::vector<SharedName> names;
-  std::vector<AttributeBlock*> blocks;
-  std::vector<PageRef> pages;
-  std::vector<Node*> clones;
-  std::vector<Document*> documents;
-
-  SnapshotChunk() = default;
-  SnapshotChunk(const SnapshotChunk&) = delete;
-  SnapshotChunk& operator=(const SnapshotChunk&) = delete;
-  ~SnapshotChunk() {
-    for (AttributeBlock* block : blocks) block->release();
-    for (Node* clone : clones) delete clone;
-  }
-
-  bool sameAs(const SnapshotChunk& other) const {
-    if (!clones.empty() || !other.clones.empty() || code != other.code || definitions != other.definitions ||
-        blocks != other.blocks || documents != other.documents || names.size() != other.names.size() ||
-        pages.size() != other.pages.size()) {
-      return false;
-    }
-    for (std::size_t i = 0; i < names.size(); ++i) {
-      if (!(names[i] == other.names[i])) return false;
-    }
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-      if (pages[i].get() != other.pages[i].get()) return false;
-    }
-    return true;
-  }
-};
-
 namespace {
 
-enum Kind : unsigned { ELEMENT, TEXT, COMMENT, CLONE, CLOSE };
-
-// The first byte of a node: its kind, whether children follow (closed by a CLOSE), an error word, view flags.
+// The first byte of what the code consists of: its kind, and of a node whether children follow (closed by a CLOSE), an
+// error word, view flags, a page. EDITED_TEXT has strings of its own, COPY is any other node that does not follow from
+// its slices. SOURCE sets the page and the document of what comes.
+enum Kind : unsigned { ELEMENT, TEXT, EDITED_TEXT, COMMENT, COPY, SOURCE, CLOSE, CHUNK };
 constexpr unsigned kKindMask = 7;
 constexpr unsigned kHasChildren = 8;
 constexpr unsigned kHasError = 16;
 constexpr unsigned kHasView = 32;
+constexpr unsigned kHasPage = 64;
 
-std::uint64_t mix(std::uint64_t x) {
-  x ^= x >> 31;
-  x *= 0x7fb5d329728ea185u;
-  x ^= x >> 27;
-  return x;
+// The second byte of an element, beside ElementAccess::flags.
+constexpr unsigned kHasBlock = 8;
+constexpr unsigned kHasDefinition = 16;
+constexpr unsigned kHasEnd = 32;
+
+// The second byte of an edited text is TextAccess::flags, the third tells which strings it has.
+constexpr unsigned kOwnData = 1;
+constexpr unsigned kOwnRaw = 2;
+
+// How many nodes a chunk has: as soon as a run has kTypical it becomes a chunk. What is left before another chunk
+// becomes one if it has kFewest, else it is joined to that. A change costs the code of one chunk on each level, some
+// sixty instructions a node; a chunk costs about as many bytes as the code of five nodes.
+constexpr std::uint32_t kTypical = 24;
+constexpr std::uint32_t kFewest = kTypical / 4;
+constexpr std::uint32_t kMost = kTypical * 2;
+// A long text that is kept in the code weighs more, so that an edit beside it does not copy it.
+constexpr std::size_t kBytesANode = 64;
+
+std::uintptr_t tagged(const void* pointer, SnapshotChunk::Kind kind) {
+  return reinterpret_cast<std::uintptr_t>(pointer) | kind;
 }
 
 // --- coding ----------------------------------------------------------------------------------------------------------
 
-class Encoder {
+// Bytes that are written at the end and cut off there.
+class CodeBuffer {
  public:
-  explicit Encoder(const std::unordered_map<std::uint64_t, std::shared_ptr<SnapshotChunk>>* earlier)
-      : earlier_(earlier) {
-    open();
+  // Room for `more` bytes, to be written without asking.
+  void reserve(std::size_t more) {
+    if (capacity_ - size_ < more) grow(more);
   }
-
-  void node(Node* n) {
-    const std::uint32_t anchor = encode(n);
-    // Where a chunk ends depends on the node alone, so that an edit shifts no cut but those next to it.
-    ++nodes_;
-    if ((nodes_ >= kFewest && mix(anchor) % kTypical == 0) || nodes_ >= kMost) close();
-  }
-
-  void closeElement(Node* n) {
-    Slice end{};
-    bool compact = n->getNodeType() == Node::NODE_ELEMENT && isCompact(static_cast<Element*>(n));
-    if (compact) end = ElementAccess::endSlice(static_cast<Element*>(n));
-    put(CLOSE);
-    if (compact) putSlice(end);
-  }
-
-  SnapshotChunks finish() {
-    close();
-    return std::move(chunks_);
-  }
-
- private:
-  static constexpr unsigned kFewest = 16;
-  static constexpr unsigned kTypical = 64;
-  static constexpr unsigned kMost = 1024;
-
-  static bool isCompact(const Element* element) { return ElementAccess::isUntouched(element); }
-
-  std::uint32_t encode(Node* n) {
-    unsigned head = n->hasChildNodes() ? kHasChildren : 0;
-    if (n->getError()) head |= kHasError;
-    if (n->isViewable() || n->isAbsolute()) head |= kHasView;
-    switch (n->getNodeType()) {
-      case Node::NODE_ELEMENT: {
-        auto* element = static_cast<Element*>(n);
-        if (isCompact(element)) return encodeElement(element, head);
-        break;
-      }
-      case Node::NODE_TEXT: {
-        auto* text = static_cast<Text*>(n);
-        if (TextAccess::isUntouched(text)) return encodeText(text, head);
-        break;
-      }
-      case Node::NODE_COMMENT: {
-        auto* comment = static_cast<Comment*>(n);
-        if (CommentAccess::isUntouched(comment)) return encodeComment(comment, head);
-        break;
-      }
-      default:
-        break;
-    }
-    put(CLONE | (head & kHasChildren));
-    chunk_->clones.push_back(n->makeClone(false));
-    return 0;
-  }
-
-  void putHead(unsigned head, const Node* n, const PageRef& page) {
-    put(head);
-    if (head & kHasError) putNumber(n->getError());
-    if (head & kHasView)
-      put((const_cast<Node*>(n)->isViewable() ? 1u : 0u) | (const_cast<Node*>(n)->isAbsolute() ? 2u : 0u));
-    putNumber(indexOf(chunk_->documents, n->getDocument()));
-    std::size_t i = 0;
-    while (i < chunk_->pages.size() && chunk_->pages[i].get() != page.get()) ++i;
-    if (i == chunk_->pages.size()) chunk_->pages.push_back(page);
-    putNumber(i);
-  }
-
-  std::uint32_t encodeElement(Element* element, unsigned head) {
-    putHead(head | ELEMENT, element, ElementAccess::page(element));
-    const unsigned flags = ElementAccess::flags(element);
-    put(flags);
-    ElementDefinition* definition = ElementAccess::definition(element);
-    if (definition) {
-      putNumber(1 + indexOf(chunk_->definitions, definition));
-    } else {
-      put(0);
-      std::size_t i = 0;
-      while (i < chunk_->names.size() && !chunk_->names[i].sameRecord(NodeAccess::sharedName(element))) ++i;
-      if (i == chunk_->names.size()) chunk_->names.push_back(NodeAccess::sharedName(element));
-      putNumber(i);
-    }
-    const AttributeBlock* block = ElementAccess::block(element);
-    putNumber(block ? chunk_->blocks.size() + 1 : 0);
-    if (block) {
-      const_cast<AttributeBlock*>(block)->addRef();
-      chunk_->blocks.push_back(const_cast<AttributeBlock*>(block));
-    }
-    const Slice begin = ElementAccess::beginSlice(element);
-    putSlice(begin);
-    if (!element->hasChildNodes()) putSlice(ElementAccess::endSlice(element));
-    return begin.offset;
-  }
-
-  std::uint32_t encodeText(Text* text, unsigned head) {
-    putHead(head | TEXT, text, TextAccess::page(text));
-    put(TextAccess::flags(text));
-    putSlice(TextAccess::slice(text));
-    return TextAccess::slice(text).offset;
-  }
-
-  std::uint32_t encodeComment(Comment* comment, unsigned head) {
-    putHead(head | COMMENT, comment, CommentAccess::page(comment));
-    put(comment->isJSP() ? 1 : 0);
-    putSlice(CommentAccess::slice(comment));
-    const Slice body = CommentAccess::body(comment);
-    putNumber(body.offset - CommentAccess::slice(comment).offset);
-    putNumber(body.length);
-    return CommentAccess::slice(comment).offset;
-  }
-
-  template <class T>
-  std::size_t indexOf(std::vector<T*>& table, T* value) {
-    for (std::size_t i = 0; i < table.size(); ++i) {
-      if (table[i] == value) return i;
-    }
-    table.push_back(value);
-    return table.size() - 1;
-  }
-
-  void put(unsigned byte) { chunk_->code += static_cast<char>(byte); }
+  void put(unsigned byte) { bytes_[size_++] = static_cast<unsigned char>(byte); }
   void putNumber(std::uint64_t number) {
     for (; number >= 0x80; number >>= 7) put(static_cast<unsigned>(number & 0x7F) | 0x80);
     put(static_cast<unsigned>(number));
   }
+  void putString(std::string_view text) {
+    reserve(text.size() + kMostFixed);
+    putNumber(text.size());
+    std::memcpy(bytes_.get() + size_, text.data(), text.size());
+    size_ += text.size();
+  }
+  std::size_t size() const { return size_; }
+  const unsigned char* from(std::size_t at) const { return bytes_.get() + at; }
+  void cut(std::size_t size) { size_ = size; }
+
+  // A node without strings takes less.
+  static constexpr std::size_t kMostFixed = 64;
+
+ private:
+  void grow(std::size_t more) {
+    capacity_ = std::max(capacity_ * 2, size_ + more + 1024);
+    std::unique_ptr<unsigned char[]> bytes(new unsigned char[capacity_]);
+    if (size_) std::memcpy(bytes.get(), bytes_.get(), size_);
+    bytes_ = std::move(bytes);
+  }
+
+  std::unique_ptr<unsigned char[]> bytes_;
+  std::size_t size_ = 0;
+  std::size_t capacity_ = 0;
+};
+
+// Walks the tree as far as it is not saved and writes one growing code. As soon as the last siblings, with all below
+// them, are enough for a chunk, their code is cut off its end, and the chunk stands there for them.
+class Encoder {
+ public:
+  Encoder(const TreeSnapshot::Nodes& nodes, TreeSnapshot::Places& places)
+      : textName_(DOMAccess::textName()), commentName_(DOMAccess::commentName()), nodes_(nodes), places_(places) {
+    pointers_.reserve(64);
+    levels_.reserve(16);
+  }
+
+  SnapshotChunk* run(Node* root) {
+    root_ = root;
+    source_.document = root->getDocument();
+    levels_.emplace_back();
+    for (Node* n = root;;) {
+      if (Node* last = NodeAccess::leadsChunk(n) ? reuse(n) : nullptr) {
+        n = last;
+      } else {
+        const bool wasSaved = NodeAccess::isSaved(n);
+        encode(n);
+        if (Node* child = n->getFirstChild()) {
+          Level& level = levels_.emplace_back();
+          level.linked = NodeAccess::linksAreTrue(n);
+          level.intact = wasSaved && level.linked;
+          n = child;
+          continue;
+        }
+        finish(n, 1);
+      }
+      while (n != root) {
+        if (Node* sibling = NodeAccess::childAfter(n)) {
+          n = sibling;
+          break;
+        }
+        n = n->getParentNode();
+        close(n);
+      }
+      if (n == root) break;
+    }
+    if (levels_.back().run.head) cut();
+    return reinterpret_cast<SnapshotChunk*>(pointers_.back() & ~SnapshotChunk::kKinds);
+  }
+
+ private:
+  // Siblings that may become a chunk, and where their code and their pointers begin.
+  struct Run {
+    Node* head = nullptr;  // null: there are none
+    Node* last = nullptr;
+    std::size_t code = 0;
+    std::size_t pointers = 0;
+    SnapshotChunk::Source source;
+    std::uint32_t weight = 0;
+    std::uint32_t siblings = 0;
+    bool isPlain = true;
+  };
+  // The children of one open node.
+  struct Level {
+    Run run;
+    std::uint32_t chunks = 0;
+    std::uint32_t pending = 0;  // siblings to come before a run ends where a former one did
+    bool linked = true;         // sibling links tell the order
+    bool intact = false;        // no child has changed, come or gone
+    bool isPlain = true;        // all chunks are
+  };
+
+  // Puts the chunk that `head` leads to in place of the siblings that it is the code of and returns the last of those.
+  // Null if it is outdated, or better joined with the run before it; then it is given up.
+  Node* reuse(Node* head) {
+    SnapshotChunk* chunk = SnapshotChunk::ledBy(head);
+    Level& level = levels_.back();
+    if (level.run.head && level.run.weight >= kFewest) cut();
+    Node* last = level.intact ? chunk->last() : level.linked ? lastIfSaved(head, chunk->siblings()) : nullptr;
+    const bool isSmall = chunk->weight() <= kMost;
+    if (last && level.run.head) {
+      if (isSmall) {
+        last = nullptr;
+      } else {
+        cut();
+      }
+    }
+    if (last) {
+      chunk->addRef();
+      putChunk(chunk);
+      level.pending = 0;
+      return last;
+    }
+    // An edit moves the ends of chunks as little as can be, or each chunk behind it would have to be joined as well.
+    level.pending = isSmall ? chunk->siblings() : 0;
+    chunk->dropHead();
+    return nullptr;
+  }
+
+  static Node* lastIfSaved(Node* head, std::uint32_t siblings) {
+    for (Node* n = head; n && NodeAccess::isSaved(n); n = n->getNextSibling()) {
+      if (--siblings == 0) return n;
+    }
+    return nullptr;
+  }
+
+  // `n` and all below it are coded.
+  void finish(Node* n, std::uint32_t weight) {
+    Level& level = levels_.back();
+    Run& run = level.run;
+    run.last = n;
+    run.weight += weight;
+    ++run.siblings;
+    const bool isEnd = level.pending == 1;
+    if (level.pending) --level.pending;
+    if (run.weight >= (level.pending ? kMost : kTypical) || (isEnd && run.weight >= kFewest)) cut();
+  }
+
+  void close(Node* n) {
+    const Level& level = levels_.back();
+    const std::uint32_t weight = 1 + level.chunks + (level.run.head ? level.run.weight : 0);
+    const bool isPlain = level.isPlain && (!level.run.head || level.run.isPlain);
+    levels_.pop_back();
+    code_.reserve(CodeBuffer::kMostFixed);
+    code_.put(CLOSE);
+    if (!isPlain) levels_.back().run.isPlain = false;
+    finish(n, weight);
+  }
+
+  void cut() {
+    Level& level = levels_.back();
+    Run& run = level.run;
+    SnapshotChunk* chunk =
+        SnapshotChunk::create(code_.from(run.code), code_.size() - run.code, pointers_.data() + run.pointers,
+                              pointers_.size() - run.pointers, run.source, run.weight, run.siblings, run.isPlain);
+    for (; !open_.empty() && places_[open_.back()].at >= run.code; open_.pop_back()) {
+      places_[open_.back()].chunk = chunk;
+      places_[open_.back()].at -= run.code;
+    }
+    if (run.isPlain) {
+      chunk->setRun(run.head, run.last);
+    } else {
+      level.isPlain = false;
+    }
+    code_.cut(run.code);
+    pointers_.resize(run.pointers);
+    source_ = run.source;
+    run.head = nullptr;
+    putChunk(chunk);
+  }
+
+  void putChunk(SnapshotChunk* chunk) {
+    code_.reserve(CodeBuffer::kMostFixed);
+    code_.put(CHUNK);
+    pointers_.push_back(tagged(chunk, SnapshotChunk::CHUNK));
+    ++levels_.back().chunks;
+  }
+
+  void encode(Node* n) {
+    Run& run = levels_.back().run;
+    if (!run.head) run = {n, n, code_.size(), pointers_.size(), source_, 0, 0, true};
+    // First, for a host may change nodes while they are copied.
+    NodeAccess::markSaved(n);
+    code_.reserve(CodeBuffer::kMostFixed);
+    switch (n->getNodeType()) {
+      case Node::NODE_ELEMENT: {
+        auto* element = static_cast<Element*>(n);
+        if (ElementAccess::isUntouched(element)) return encodeElement(element);
+        if (ElementAccess::metaData(element)) run.isPlain = false;
+        break;
+      }
+      case Node::NODE_TEXT: {
+        auto* text = static_cast<Text*>(n);
+        if (NodeAccess::sharedName(n).sameRecord(textName_)) return encodeText(text);
+        break;
+      }
+      case Node::NODE_COMMENT: {
+        auto* comment = static_cast<Comment*>(n);
+        if (CommentAccess::isUntouched(comment) && NodeAccess::sharedName(n).sameRecord(commentName_)) {
+          return encodeComment(comment);
+        }
+        break;
+      }
+      case Node::NODE_PI:
+        break;
+      default:
+        run.isPlain = false;
+        break;
+    }
+    notePlace(n);
+    code_.put(COPY | (n->hasChildNodes() ? kHasChildren : 0));
+    pointers_.push_back(tagged(n->makeClone(false), SnapshotChunk::COPY));
+  }
+
+  void notePlace(Node* n) {
+    if (!NodeAccess::mayBePlace(n) || n == root_) return;
+    for (std::size_t i = 0; i < nodes_.size(); ++i) {
+      if (nodes_[i] != n) continue;
+      places_[i].at = code_.size();
+      open_.push_back(i);
+    }
+  }
+
+  void putHead(unsigned head, Node* n, PageBuffer* page) {
+    if ((page && page != source_.page) || n->getDocument() != source_.document) {
+      if (page) source_.page = page;
+      source_.document = n->getDocument();
+      code_.put(SOURCE);
+      if (source_.page) source_.page->addRef();
+      pointers_.push_back(tagged(source_.page, SnapshotChunk::PAGE));
+      pointers_.push_back(tagged(source_.document, SnapshotChunk::DOCUMENT));
+    }
+    notePlace(n);
+    const unsigned view = (n->isViewable() ? 1u : 0u) | (n->isAbsolute() ? 2u : 0u);
+    const unsigned long error = n->getError();
+    code_.put(head | (n->hasChildNodes() ? kHasChildren : 0) | (error ? kHasError : 0) | (view ? kHasView : 0) |
+              (page ? kHasPage : 0));
+    if (error) code_.putNumber(error);
+    if (view) code_.put(view);
+  }
+
+  void encodeElement(Element* element) {
+    putHead(ELEMENT, element, ElementAccess::page(element).get());
+    ElementDefinition* definition = ElementAccess::definition(element);
+    const AttributeBlock* block = ElementAccess::block(element);
+    const Slice end = ElementAccess::endSlice(element);
+    const bool hasEnd = end.length || end.offset;
+    code_.put(ElementAccess::flags(element) | (block ? kHasBlock : 0) | (definition ? kHasDefinition : 0) |
+              (hasEnd ? kHasEnd : 0));
+    pointers_.push_back(definition ? tagged(definition, SnapshotChunk::DEFINITION)
+                                   : tagged(NodeAccess::sharedName(element).share(), SnapshotChunk::NAME));
+    if (block) {
+      const_cast<AttributeBlock*>(block)->addRef();
+      pointers_.push_back(tagged(block, SnapshotChunk::BLOCK));
+    }
+    putSlice(ElementAccess::beginSlice(element));
+    if (!hasEnd) return;
+    // What stands between the tags goes on behind the first.
+    const std::int64_t at = source_.at;
+    putSlice(end);
+    source_.at = at;
+  }
+
+  void encodeText(Text* text) {
+    const std::string* data = TextAccess::ownData(text);
+    const std::string* raw = TextAccess::ownRaw(text);
+    const bool isEdited = !TextAccess::isUntouched(text);
+    putHead(isEdited ? EDITED_TEXT : TEXT, text, TextAccess::page(text).get());
+    code_.put(TextAccess::flags(text));
+    putSlice(TextAccess::slice(text));
+    if (!isEdited) return;
+    code_.put((data ? kOwnData : 0) | (raw ? kOwnRaw : 0));
+    if (data) code_.putString(*data);
+    if (raw) code_.putString(*raw);
+    const std::size_t bytes = (data ? data->size() : 0) + (raw ? raw->size() : 0);
+    levels_.back().run.weight += static_cast<std::uint32_t>(bytes / kBytesANode);
+  }
+
+  void encodeComment(Comment* comment) {
+    putHead(COMMENT, comment, CommentAccess::page(comment).get());
+    const Slice raw = CommentAccess::slice(comment);
+    const Slice body = CommentAccess::body(comment);
+    code_.put(comment->isJSP() ? 1 : 0);
+    putSlice(raw);
+    code_.putNumber(body.offset - raw.offset);
+    code_.putNumber(body.length);
+  }
+
   // As a rule a slice begins where the one before it ended.
   void putSlice(Slice slice) {
-    const auto step = static_cast<std::int64_t>(slice.offset) - at_;
-    putNumber(static_cast<std::uint64_t>(step) << 1 ^ static_cast<std::uint64_t>(step >> 63));
-    putNumber(slice.length);
-    at_ = static_cast<std::int64_t>(slice.offset) + slice.length;
+    const std::int64_t step = slice.offset - source_.at;
+    code_.putNumber(static_cast<std::uint64_t>(step) << 1 ^ static_cast<std::uint64_t>(step >> 63));
+    code_.putNumber(slice.length);
+    source_.at = static_cast<std::int64_t>(slice.offset) + slice.length;
   }
 
-  void open() {
-    chunk_ = std::make_shared<SnapshotChunk>();
-    at_ = 0;
-    nodes_ = 0;
-  }
-  void close() {
-    if (chunk_->code.empty()) return;
-    if (earlier_ && chunk_->clones.empty()) {
-      const auto found = earlier_->find(std::hash<std::string>()(chunk_->code));
-      if (found != earlier_->end() && found->second->sameAs(*chunk_)) chunk_ = found->second;
-    }
-    chunk_->code.shrink_to_fit();
-    chunks_.push_back(std::move(chunk_));
-    open();
-  }
-
-  const std::unordered_map<std::uint64_t, std::shared_ptr<SnapshotChunk>>* earlier_;
-  SnapshotChunks chunks_;
-  std::shared_ptr<SnapshotChunk> chunk_;
-  std::int64_t at_ = 0;
-  unsigned nodes_ = 0;
+  const SharedName textName_;
+  const SharedName commentName_;
+  const TreeSnapshot::Nodes& nodes_;
+  TreeSnapshot::Places& places_;
+  std::vector<std::size_t> open_;  // places in code that is no chunk's yet, in its order
+  const Node* root_ = nullptr;
+  SnapshotChunk::Source source_;
+  CodeBuffer code_;
+  std::vector<std::uintptr_t> pointers_;
+  std::vector<Level> levels_;
 };
 
 // --- decoding --------------------------------------------------------------------------------------------------------
 
 class Decoder {
  public:
-  explicit Decoder(SnapshotChunks& chunks) : chunks_(chunks) {}
+  // The nodes are the chunks' from now on if `takesOver`, and what can moves into the tree.
+  Decoder(const TreeSnapshot::Places& places, TreeSnapshot::Nodes& found, bool takesOver)
+      : textName_(DOMAccess::textName()), places_(places), found_(found), takesOver_(takesOver) {}
 
-  bool atEnd() {
-    while (index_ < chunks_.size() && position_ >= chunk().code.size()) {
-      ++index_;
-      position_ = 0;
-      at_ = 0;
-      clone_ = 0;
+  Node* run(SnapshotChunk* top) {
+    enter(top);
+    while (true) {
+      Open& open = open_.back();
+      if (open.code == open.chunk->code() + open.chunk->codeSize()) {
+        if (takesOver_ && open.chunk->isPlain()) open.chunk->setRun(open.head, last(open.head));
+        open_.pop_back();
+        if (open_.empty()) return open.head;
+        continue;
+      }
+      const auto at = static_cast<std::size_t>(open.code - open.chunk->code());
+      const unsigned head = get();
+      switch (head & kKindMask) {
+        case SOURCE:
+          open.source.page = pointer<PageBuffer>();
+          open.source.document = pointer<Document>();
+          break;
+        case CLOSE:
+          parent_ = parent_->getParentNode();
+          break;
+        case CHUNK:
+          enter(pointer<SnapshotChunk>());
+          break;
+        default:
+          add(node(head), at);
+          if (head & kHasChildren) parent_ = added_;
+          break;
+      }
     }
-    return index_ >= chunks_.size();
   }
 
-  // The next node, or null for the end of the children of `open`, whose end tag it sets.
-  Node* next(Node* open, bool* hasChildren) {
-    const unsigned head = get();
-    if ((head & kKindMask) == CLOSE) {
-      assert(open);
-      if (!isClone(open) && open->getNodeType() == Node::NODE_ELEMENT) {
-        ElementAccess::setEndSlice(static_cast<Element*>(open), getSlice());
-      }
-      return nullptr;
+ private:
+  struct Open {
+    SnapshotChunk* chunk;
+    const unsigned char* code;
+    const std::uintptr_t* pointers;
+    SnapshotChunk::Source source;
+    bool hasPlaces;
+    Node* head;  // the first node
+  };
+
+  void enter(SnapshotChunk* chunk) {
+    bool hasPlaces = false;
+    for (const SnapshotPlace& place : places_) hasPlaces |= place.chunk == chunk;
+    open_.push_back({chunk, chunk->code(), chunk->pointers(), chunk->source(), hasPlaces, nullptr});
+  }
+
+  Node* last(Node* head) const { return parent_ ? parent_->getLastChild() : head; }
+
+  void add(Node* node, std::size_t at) {
+    NodeAccess::clearFlags(node);
+    node->addRef(false);
+    if (parent_) NodeAccess::attachRestored(parent_, node);
+    if (takesOver_) NodeAccess::markSaved(node);
+    added_ = node;
+    Open& open = open_.back();
+    if (!open.head) open.head = node;
+    if (!open.hasPlaces) return;
+    for (std::size_t i = 0; i < places_.size(); ++i) {
+      if (places_[i].chunk == open.chunk && places_[i].at == at) found_[i] = node;
     }
-    *hasChildren = (head & kHasChildren) != 0;
-    if ((head & kKindMask) == CLONE) {
-      Node* clone = std::exchange(chunk().clones[clone_++], nullptr);
-      if (*hasChildren) clones_.push_back(clone);
-      return clone;
+  }
+
+  Node* node(unsigned head) {
+    Open& open = open_.back();
+    if ((head & kKindMask) == COPY) {
+      if (takesOver_ && !open.chunk->isPlain()) return SnapshotChunk::takeCopy(*open.pointers++);
+      return pointer<Node>()->makeClone(false);
     }
     const std::uint64_t error = head & kHasError ? getNumber() : 0;
     const unsigned view = head & kHasView ? get() : 0;
-    Document* document = chunk().documents[getNumber()];
-    const PageRef& page = chunk().pages[getNumber()];
+    const PageRef page(head & kHasPage ? open.source.page : nullptr);
     Node* node = nullptr;
     switch (head & kKindMask) {
       case ELEMENT:
-        node = element(document, page, *hasChildren);
+        node = element(page);
         break;
-      case TEXT: {
-        const unsigned flags = get();
-        node = TextAccess::createUntouched(document, page, getSlice(), flags);
+      case COMMENT:
+        node = comment(page);
         break;
-      }
-      default: {
-        const bool jsp = get() != 0;
-        const Slice raw = getSlice();
-        const auto from = static_cast<std::uint32_t>(getNumber());
-        const auto length = static_cast<std::uint32_t>(getNumber());
-        node =
-            CommentAccess::create(document, DOMAccess::commentName(), page, raw, Slice{raw.offset + from, length}, jsp);
+      default:
+        node = text(page, (head & kKindMask) == EDITED_TEXT);
         break;
-      }
     }
     NodeAccess::addError(node, error);
     node->setViewable((view & 1) != 0);
@@ -291,36 +470,59 @@ class Decoder {
     return node;
   }
 
- private:
-  SnapshotChunk& chunk() { return *chunks_[index_]; }
-  bool isClone(const Node* node) {
-    // Open clones lie on top of those that were closed; each is asked about once, when it closes.
-    if (clones_.empty() || clones_.back() != node) return false;
-    clones_.pop_back();
-    return true;
-  }
-
-  Node* element(Document* document, const PageRef& page, bool hasChildren) {
+  Element* element(const PageRef& page) {
+    Open& open = open_.back();
     const unsigned flags = get();
-    const std::uint64_t definitionIndex = getNumber();
-    ElementDefinition* definition = definitionIndex ? chunk().definitions[definitionIndex - 1] : nullptr;
-    const SharedName name = definition ? definition->upperName() : chunk().names[getNumber()];
-    const std::uint64_t blockIndex = getNumber();
+    ElementDefinition* definition = flags & kHasDefinition ? pointer<ElementDefinition>() : nullptr;
+    SharedName name;
+    if (definition) {
+      name = definition->upperName();
+    } else {
+      const SharedName stored = SharedName::adopt(pointer<void>());
+      name = stored;
+      stored.share();
+    }
+    AttributeBlock* block = flags & kHasBlock ? pointer<AttributeBlock>() : nullptr;
     const Slice begin = getSlice();
-    Element* element = ElementAccess::createUntouched(document, name, definition, page, begin, flags);
-    if (blockIndex) {
-      AttributeBlock* block = chunk().blocks[blockIndex - 1];
+    Element* element = ElementAccess::createUntouched(open.source.document, name, definition, page, begin, flags);
+    if (block) {
       block->addRef();
       ElementAccess::installAttributes(element, block);
     }
-    if (!hasChildren) ElementAccess::setEndSlice(element, getSlice());
+    if (flags & kHasEnd) {
+      const std::int64_t at = open.source.at;
+      ElementAccess::setEndSlice(element, getSlice());
+      open.source.at = at;
+    }
     return element;
   }
 
-  unsigned get() {
-    atEnd();
-    return static_cast<unsigned char>(chunk().code[position_++]);
+  Text* text(const PageRef& page, bool isEdited) {
+    const unsigned flags = get();
+    const Slice slice = getSlice();
+    Text* text = TextAccess::createSaved(open_.back().source.document, textName_, page, slice, flags);
+    if (!isEdited) return text;
+    const unsigned own = get();
+    const std::string_view data = own & kOwnData ? getString() : std::string_view();
+    const std::string_view raw = own & kOwnRaw ? getString() : std::string_view();
+    TextAccess::setOwn(text, own & kOwnData ? &data : nullptr, own & kOwnRaw ? &raw : nullptr);
+    return text;
   }
+
+  Comment* comment(const PageRef& page) {
+    const bool jsp = get() != 0;
+    const Slice raw = getSlice();
+    const auto from = static_cast<std::uint32_t>(getNumber());
+    const auto length = static_cast<std::uint32_t>(getNumber());
+    return CommentAccess::create(open_.back().source.document, DOMAccess::commentName(), page, raw,
+                                 Slice{raw.offset + from, length}, jsp);
+  }
+
+  template <class T>
+  T* pointer() {
+    return reinterpret_cast<T*>(*open_.back().pointers++ & ~SnapshotChunk::kKinds);
+  }
+  unsigned get() { return *open_.back().code++; }
   std::uint64_t getNumber() {
     std::uint64_t number = 0;
     for (int shift = 0;; shift += 7) {
@@ -329,98 +531,77 @@ class Decoder {
       if (!(byte & 0x80)) return number;
     }
   }
+  std::string_view getString() {
+    const auto size = static_cast<std::size_t>(getNumber());
+    const auto* begin = reinterpret_cast<const char*>(open_.back().code);
+    open_.back().code += size;
+    return {begin, size};
+  }
   Slice getSlice() {
+    std::int64_t& at = open_.back().source.at;
     const std::uint64_t folded = getNumber();
     const auto step = static_cast<std::int64_t>(folded >> 1) ^ -static_cast<std::int64_t>(folded & 1);
-    const Slice slice{static_cast<std::uint32_t>(at_ + step), static_cast<std::uint32_t>(getNumber())};
-    at_ = static_cast<std::int64_t>(slice.offset) + slice.length;
+    const Slice slice{static_cast<std::uint32_t>(at + step), static_cast<std::uint32_t>(getNumber())};
+    at = static_cast<std::int64_t>(slice.offset) + slice.length;
     return slice;
   }
 
-  SnapshotChunks& chunks_;
-  std::size_t index_ = 0;
-  std::size_t position_ = 0;
-  std::size_t clone_ = 0;
-  std::int64_t at_ = 0;
-  std::vector<Node*> clones_;
+  const SharedName textName_;
+  const TreeSnapshot::Places& places_;
+  TreeSnapshot::Nodes& found_;
+  const bool takesOver_;
+  std::vector<Open> open_;
+  Node* parent_ = nullptr;
+  Node* added_ = nullptr;
 };
 
 }  // namespace
 
 // --- snapshots -------------------------------------------------------------------------------------------------------
 
-TreeSnapshot::TreeSnapshot() = default;
-TreeSnapshot::~TreeSnapshot() = default;
-TreeSnapshot::TreeSnapshot(TreeSnapshot&&) noexcept = default;
-TreeSnapshot& TreeSnapshot::operator=(TreeSnapshot&&) noexcept = default;
-
-TreeSnapshot TreeSnapshot::take(Node* root, const TreeSnapshot* earlier, const std::vector<const Node*>& nodes,
-                                std::vector<long>* indices) {
-  indices->assign(nodes.size(), -1);
-  TreeSnapshot snapshot;
-  if (!root) return snapshot;
-  Encoder encoder(earlier && earlier->byHash_ ? earlier->byHash_.get() : nullptr);
-  long index = 0;
-  for (Node* n = root;;) {
-    encoder.node(n);
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-      if (nodes[i] == n && n != root) (*indices)[i] = index;
-    }
-    ++index;
-    if (n->hasChildNodes()) {
-      n = n->getFirstChild();
-      continue;
-    }
-    while (n != root && !NodeAccess::childAfter(n)) {
-      n = n->getParentNode();
-      encoder.closeElement(n);
-    }
-    if (n == root) break;
-    n = NodeAccess::childAfter(n);
-  }
-  snapshot.chunks_ = encoder.finish();
-  snapshot.byHash_ = std::make_shared<std::unordered_map<std::uint64_t, std::shared_ptr<SnapshotChunk>>>();
-  for (const auto& chunk : snapshot.chunks_) {
-    if (chunk->clones.empty()) snapshot.byHash_->emplace(std::hash<std::string>()(chunk->code), chunk);
-  }
-  return snapshot;
+TreeSnapshot::~TreeSnapshot() {
+  if (root_) root_->release();
 }
 
-Node* TreeSnapshot::restore(const std::vector<long>& indices, std::vector<Node*>* found) {
-  found->assign(indices.size(), nullptr);
-  Decoder decoder(chunks_);
-  Node* root = nullptr;
-  Node* open = nullptr;
-  long index = 0;
-  while (!decoder.atEnd()) {
-    bool hasChildren = false;
-    Node* node = decoder.next(open, &hasChildren);
-    if (!node) {
-      open = open->getParentNode();
-      continue;
-    }
-    NodeAccess::clearFlags(node);
-    node->addRef(false);
-    if (open) NodeAccess::attachRestored(open, node);
-    if (!root) root = node;
-    for (std::size_t i = 0; i < indices.size(); ++i) {
-      if (indices[i] == index) (*found)[i] = node;
-    }
-    ++index;
-    if (hasChildren) open = node;
+TreeSnapshot::TreeSnapshot(const TreeSnapshot& other) : root_(other.root_) {
+  if (root_) root_->addRef();
+}
+
+TreeSnapshot TreeSnapshot::take(Node* root, const Nodes& nodes, Places* places) {
+  *places = {};
+  if (!root) return {};
+  // The walk is to come by.
+  for (Node* n : nodes) {
+    if (n) NodeAccess::noteChange(n);
   }
-  return root;
+  return TreeSnapshot(Encoder(nodes, *places).run(root));
+}
+
+Node* TreeSnapshot::restore(const Places& places, Nodes* found) {
+  *found = {};
+  return root_ ? Decoder(places, *found, /*takesOver=*/true).run(root_) : nullptr;
+}
+
+Node* TreeSnapshot::copy() const {
+  Nodes none;
+  return root_ ? Decoder({}, none, /*takesOver=*/false).run(root_) : nullptr;
 }
 
 std::size_t TreeSnapshot::ownBytes() const {
-  std::size_t bytes = chunks_.capacity() * sizeof(chunks_[0]);
-  for (const auto& chunk : chunks_) {
-    // One reference here, one in the index.
-    if (chunk.use_count() > 2) continue;
-    bytes += sizeof(SnapshotChunk) + chunk->code.capacity() + chunk->definitions.capacity() * sizeof(void*) +
-             chunk->names.capacity() * sizeof(SharedName) + chunk->blocks.capacity() * sizeof(void*) +
-             chunk->pages.capacity() * sizeof(PageRef) + chunk->clones.capacity() * sizeof(void*) +
-             chunk->clones.size() * sizeof(Element);
+  std::size_t bytes = 0;
+  std::vector<const SnapshotChunk*> chunks;
+  if (root_) chunks.push_back(root_);
+  while (!chunks.empty()) {
+    const SnapshotChunk* chunk = chunks.back();
+    chunks.pop_back();
+    if (chunk->isShared()) continue;
+    bytes += chunk->bytes();
+    for (std::size_t i = 0; i < chunk->pointerCount(); ++i) {
+      const std::uintptr_t pointer = chunk->pointers()[i];
+      if ((pointer & SnapshotChunk::kKinds) == SnapshotChunk::COPY) bytes += sizeof(Element);
+      if ((pointer & SnapshotChunk::kKinds) != SnapshotChunk::CHUNK) continue;
+      chunks.push_back(reinterpret_cast<const SnapshotChunk*>(pointer & ~SnapshotChunk::kKinds));
+    }
   }
   return bytes;
 }

@@ -1,48 +1,58 @@
 // Internal. A saved state of a tree, small enough to keep ten of them.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <unordered_map>
-#include <vector>
+#include <utility>
 
 namespace zeldom40 {
 
-class Document;
 class Node;
-struct SnapshotChunk;
+class SnapshotChunk;
 
-// Saved states of one document that lie close together share most of what they hold.
-using SnapshotChunks = std::vector<std::shared_ptr<SnapshotChunk>>;
+// The node whose code begins at a byte of a chunk; none if the chunk is null.
+struct SnapshotPlace {
+  const SnapshotChunk* chunk = nullptr;
+  std::size_t at = 0;
+};
 
-// What is untouched in a tree follows from slices of the page: such a node takes some five to ten bytes here where a
-// clone takes more than a hundred. Nodes that were edited are kept as clones. The code is cut into chunks at places
-// that depend on the nodes around them alone, so two states that differ in one paragraph differ in one chunk and share
-// the others.
+// What is untouched in a tree follows from slices of the page: such a node takes some five to twenty bytes here where a
+// clone takes more than a hundred. A state is a chunk of code that holds chunks that hold chunks; what has not changed
+// since the last state is shared with it, and neither coded nor visited.
 class TreeSnapshot {
  public:
-  TreeSnapshot();
+  static constexpr std::size_t kPlaces = 3;
+  using Nodes = std::array<Node*, kPlaces>;
+  using Places = std::array<SnapshotPlace, kPlaces>;
+
+  TreeSnapshot() = default;
   ~TreeSnapshot();
-  TreeSnapshot(TreeSnapshot&&) noexcept;
-  TreeSnapshot& operator=(TreeSnapshot&&) noexcept;
+  TreeSnapshot(const TreeSnapshot& other);
+  TreeSnapshot(TreeSnapshot&& other) noexcept : root_(std::exchange(other.root_, nullptr)) {}
+  TreeSnapshot& operator=(TreeSnapshot other) noexcept {
+    std::swap(root_, other.root_);
+    return *this;
+  }
 
-  // Saves the tree of `root` (null: no tree). Chunks equal to one of `earlier` are shared with it. `nodes` are looked
-  // for on the way: `*indices` receives the pre-order index of each, -1 for null, for the root and for strangers.
-  static TreeSnapshot take(Node* root, const TreeSnapshot* earlier, const std::vector<const Node*>& nodes,
-                           std::vector<long>* indices);
+  // Saves the tree of `root` (null: no tree). `places` receives where `nodes` are, none for null, for the root and for
+  // strangers.
+  static TreeSnapshot take(Node* root, const Nodes& nodes, Places* places);
 
-  // Builds the tree again, each node with one count and without update flags; null if there was none. The clones of
-  // edited nodes move into it, so the snapshot is of no more use. `found` receives the nodes at the given pre-order
-  // indices, null for a negative one.
-  Node* restore(const std::vector<long>& indices, std::vector<Node*>* found);
+  // Builds the tree again, each node with one count and without update flags; null if there was none. Copies that
+  // belong to this state alone move into it, so it cannot be restored twice. `found` receives the nodes at `places`.
+  Node* restore(const Places& places, Nodes* found);
+
+  // Builds the tree for a look at it; the state stays as it is. Counts as of restore.
+  Node* copy() const;
 
   // Bytes of heap that this snapshot holds alone, shared chunks left out; for measurements.
   std::size_t ownBytes() const;
 
  private:
-  SnapshotChunks chunks_;
-  std::shared_ptr<std::unordered_map<std::uint64_t, std::shared_ptr<SnapshotChunk>>> byHash_;
+  explicit TreeSnapshot(SnapshotChunk* root) : root_(root) {}
+
+  SnapshotChunk* root_ = nullptr;
 };
 
 }  // namespace zeldom40

@@ -23,11 +23,9 @@ UndoRecord UndoStack::take() {
     record.startOffset = selection.startOffset;
     record.endOffset = selection.endOffset;
   }
-  // States next to one another in time share what did not change between them.
-  const UndoRecord* neighbour = !undo_.empty() ? &undo_.back() : !redo_.empty() ? &redo_.back() : nullptr;
   record.hasTree = document_.getDocumentElement() != nullptr;
-  record.tree = TreeSnapshot::take(document_.getDocumentElement(), neighbour ? &neighbour->tree : nullptr,
-                                   {cursor, start, end}, &record.places);
+  record.tree = TreeSnapshot::take(document_.getDocumentElement(), {cursor, start, end}, &record.places);
+  latest_ = record.tree;
   return record;
 }
 
@@ -55,9 +53,9 @@ void UndoStack::step(std::deque<UndoRecord>& from, std::deque<UndoRecord>& to, i
 }
 
 void UndoStack::restore(UndoRecord record) {
-  std::vector<Node*> places;
+  TreeSnapshot::Nodes places{};
   Node* root = record.hasTree ? record.tree.restore(record.places, &places) : nullptr;
-  places.resize(3, nullptr);
+  latest_ = record.tree;
   DocumentAccess::replaceDocumentElement(&document_, static_cast<Element*>(root));
   document_.setLayoutCursor(places[0], record.cursorOffset);
   document_.eraseSelections();

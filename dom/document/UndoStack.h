@@ -2,7 +2,6 @@
 #pragma once
 
 #include <deque>
-#include <vector>
 
 #include "dom/document/TreeSnapshot.h"
 
@@ -11,8 +10,7 @@ namespace zeldom40 {
 class Document;
 class Node;
 
-// A saved state: the tree, the layout cursor in it and the selection, if there was exactly one. Places are kept by the
-// pre-order index of their nodes.
+// A saved state: the tree, the layout cursor in it and the selection, if there was exactly one.
 struct UndoRecord {
   TreeSnapshot tree;
   bool hasTree = false;
@@ -20,7 +18,7 @@ struct UndoRecord {
   bool hasSelection = false;
   unsigned startOffset = 0;
   unsigned endOffset = 0;
-  std::vector<long> places;  // cursor, selection start, selection end
+  TreeSnapshot::Places places;  // cursor, selection start, selection end
 };
 
 // Ten states back, and as many forth as were taken back since the last change.
@@ -50,6 +48,7 @@ class UndoStack {
   Document& document_;
   std::deque<UndoRecord> undo_;  // newest last
   std::deque<UndoRecord> redo_;  // next to come last
+  TreeSnapshot latest_;          // what was saved or restored last: its chunks are those that the present tree leads to
 };
 
 }  // namespace zeldom40

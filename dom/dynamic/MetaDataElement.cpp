@@ -39,6 +39,7 @@ MetaData* Element::getMetaData() const { return extra_ ? extra_->metaData : null
 
 void Element::setMetaData(MetaData* md) {
   if (md == getMetaData()) return;
+  noteChange();
   if (MetaData* old = getMetaData()) {
     extra_->metaData = nullptr;
     old->setElement(nullptr);
@@ -113,6 +114,7 @@ void Element::markNestedControl(bool nested) {
   } else {
     delete list().removeAttribute(kControlMark, /*markDirty=*/false);
   }
+  noteChange();
   beginTagDirty_ = endTagDirty_ = true;
 }
 

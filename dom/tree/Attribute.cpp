@@ -7,6 +7,7 @@
 #include "dom/source/CodeConv.h"
 #include "dom/source/MarkedText.h"
 #include "dom/tree/Element.h"
+#include "dom/tree/NodeAccess.h"
 
 namespace zeldom40 {
 
@@ -56,6 +57,17 @@ void Attribute::takeValue(const std::string& value) {
 
 void Attribute::touchOwner() {
   if (owner_ && owner_->getDocument()) DocumentAccess::recordChange(owner_->getDocument(), owner_);
+  if (owner_) NodeAccess::noteChange(owner_);
+}
+
+void Attribute::setType(AttributeType type) {
+  if (owner_) NodeAccess::noteChange(owner_);
+  type_ = type;
+}
+
+void Attribute::setSpecified(bool specified) {
+  if (owner_) NodeAccess::noteChange(owner_);
+  specified_ = specified;
 }
 
 void Attribute::setName(const char* name) { setName(std::string(name ? name : "")); }

@@ -32,9 +32,9 @@ class ZELDOM40_API Attribute {
   // The value as written, entity references unexpanded.
   const std::string& getValue() const { return value_; }
   AttributeType getType() const { return type_; }
-  void setType(AttributeType type) { type_ = type; }
+  void setType(AttributeType type);
   bool getSpecified() const { return specified_; }
-  void setSpecified(bool specified) { specified_ = specified; }
+  void setSpecified(bool specified);
   // The DTD's declaration, null for an undeclared attribute. Lives as long as the DTD.
   const AttributeDefinition* getAttributeDefinition() const { return definition_; }
   // Both take an undo record when the owner is in its document's tree, and raise UPDATE_ATTRIBUTE_MODIFIED on it. The

@@ -29,6 +29,7 @@ std::vector<Attribute*>& AttributeList::vec() {
 
 void AttributeList::recordChange() {
   if (owner_ && owner_->getDocument()) DocumentAccess::recordChange(owner_->getDocument(), owner_);
+  if (owner_) NodeAccess::noteChange(owner_);
 }
 
 void AttributeList::noteChange(bool markDirty) {
@@ -93,11 +94,13 @@ Attribute* AttributeList::removeAttribute(const std::string& name, bool markDirt
 void AttributeList::merge(AttributeList* other) {
   if (!other || other == this) return;
   if (owner_) {
+    NodeAccess::noteChange(owner_);
     owner_->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
     owner_->setBeginTagDirty();
   }
   vec();
   if (!other->attributes_) return;
+  if (other->owner_) NodeAccess::noteChange(other->owner_);
   // A page may hold two tags with any number of attributes, so the names are not searched for one by one.
   std::unordered_map<std::string, std::size_t> places;
   for (std::size_t i = 0; i < attributes_->size(); ++i) places.try_emplace((*attributes_)[i]->getName(), i);

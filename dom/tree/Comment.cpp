@@ -65,6 +65,7 @@ void Comment::setData(const char* data) { setData(std::string(data ? data : ""))
 
 void Comment::setData(const std::string& data) {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  noteChange();
   NodeAccess::noteEdit(this);
   strings().data = data;
   strings().hasData = true;
@@ -73,6 +74,7 @@ void Comment::setData(const std::string& data) {
 
 std::string_view Comment::rawView() {
   if (rawDirty_) {
+    noteChange();
     const std::string& data = getData();
     TextStrings& s = strings();
     s.raw = jsp_ ? "<%" + data + "%>" : "<!" + data + ">";
@@ -107,6 +109,7 @@ void Comment::setRawData(const std::string& text) {
     return;
   }
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  noteChange();
   NodeAccess::noteEdit(this);
   TextStrings& s = strings();
   s.raw = text;
@@ -117,6 +120,7 @@ void Comment::setRawData(const std::string& text) {
 
 void Comment::setJSP(bool jsp) {
   if (jsp == jsp_) return;
+  noteChange();
   NodeAccess::noteEdit(this);
   jsp_ = jsp;
   // The data must outlive the slices, which show the other form.

@@ -148,6 +148,7 @@ Element* ElementAccess::createParsed(Document* document, const SharedName& name,
 }
 
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {
+  element->noteChange();
   element->definition_ = definition;
   element->elementType_ = definition ? Element::ELEMENT_DEFINED : Element::ELEMENT_UNDEFINED;
   element->elementID_ = definition ? static_cast<std::int16_t>(definition->getElementID()) : std::int16_t{95};
@@ -339,7 +340,10 @@ unsigned long ElementAccess::gatherAttributeErrors(Element* element) {
     all = 0;
     for (unsigned long i = 0; i < element->attributes_.list->getLength(); ++i) {
       Attribute* attribute = element->attributes_.list->item(i);
-      if (element->beginTagDirty_) AttributeAccess::resetError(attribute, ERR_ATTR_VALUE_DUPLICATED);
+      if (element->beginTagDirty_ && (AttributeAccess::error(attribute) & ERR_ATTR_VALUE_DUPLICATED)) {
+        element->noteChange();
+        AttributeAccess::resetError(attribute, ERR_ATTR_VALUE_DUPLICATED);
+      }
       all |= AttributeAccess::error(attribute);
     }
   }
@@ -352,6 +356,7 @@ unsigned long ElementAccess::gatherAttributeErrors(Element* element) {
 }
 
 void ElementAccess::installAttributes(Element* element, AttributeBlock* block) {
+  element->noteChange();
   element->attributes_.block = block;
   element->attributesInBlock_ = true;
 }
@@ -359,12 +364,14 @@ void ElementAccess::installAttributes(Element* element, AttributeBlock* block) {
 // --- dirty marks and raw tags ----------------------------------------------------------------------------------------
 
 void Element::setBeginTagDirty() {
+  noteChange();
   // An end tag depends on its begin tag's name.
   beginTagDirty_ = endTagDirty_ = true;
   NodeAccess::noteEdit(this);
 }
 
 void Element::setEndTagDirty() {
+  noteChange();
   endTagDirty_ = true;
   NodeAccess::noteEdit(this);
 }
@@ -382,6 +389,7 @@ std::string_view Element::endView() const {
 }
 
 void ElementAccess::installBeginTag(Element* element, const PageRef& page, Slice tag) {
+  element->noteChange();
   element->page_ = page;
   element->beginTag_ = tag;
   element->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
@@ -392,18 +400,21 @@ void ElementAccess::installEndTag(Element* element, const PageRef& page, Slice t
     element->setRawEndTag(std::string(tag.in(page)));
     return;
   }
+  element->noteChange();
   element->page_ = page;
   element->endTag_ = tag;
   element->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
 void Element::setRawBeginTag(const std::string& text) {
+  noteChange();
   extra().begin = text;
   extra_->beginOwn = true;
   setUpdateFlag(UPDATE_CONTENT_MODIFIED);
 }
 
 void Element::setRawEndTag(const std::string& text) {
+  noteChange();
   extra().end = text;
   extra_->endOwn = true;
   contentAtTag_ = hasChildNodes();
@@ -435,7 +446,9 @@ const std::string& Element::getRawEndTag() const {
 // An XML-form tag shows in its begin tag whether it has content; one that gained or lost it is written anew. The state
 // that the raw tags belong to is remembered, so that a pair like <jsp:useBean ...></jsp:useBean> comes back as it was.
 void Element::checkContentChange() {
-  if ((getElementGroup() & GROUP_XML_TAG) && contentAtTag_ != hasChildNodes()) beginTagDirty_ = endTagDirty_ = true;
+  if (!(getElementGroup() & GROUP_XML_TAG) || contentAtTag_ == hasChildNodes()) return;
+  noteChange();
+  beginTagDirty_ = endTagDirty_ = true;
 }
 
 // In a document that is not HTML nothing is known of names, so any tag may be written anew, but no builder could make
@@ -460,6 +473,7 @@ std::string_view ElementAccess::rawBeginTag(Element* element, bool isUnderMetaDa
 void Element::refreshTag() {
   if (!beginTagDirty_) checkContentChange();
   if (!beginTagDirty_) return;
+  noteChange();
   const bool defined = elementType_ == ELEMENT_DEFINED;
   // KEPT: unknown tags of an HTML page keep their source for ever, and <% %> is never rebuilt from attributes.
   if ((defined && (!(getElementGroup() & GROUP_SCRIPT_DATA) || alternative_)) || rebuildsAlways()) {
@@ -474,6 +488,7 @@ void Element::refreshTag() {
 void Element::refreshEndTag() {
   if (!endTagDirty_) checkContentChange();
   if (!endTagDirty_) return;
+  noteChange();
   if (elementType_ == ELEMENT_DEFINED || rebuildsAlways()) {
     extra().end = buildEndTag();
     extra_->endOwn = true;

@@ -41,9 +41,15 @@ class ZELDOM40_API Element : public Node {
   bool isEmptyTag() const override;
 
   HTML40ElementID getElementID() const { return static_cast<HTML40ElementID>(elementID_); }
-  void setElementID(HTML40ElementID id) { elementID_ = static_cast<std::int16_t>(id); }
+  void setElementID(HTML40ElementID id) {
+    noteChange();
+    elementID_ = static_cast<std::int16_t>(id);
+  }
   ElementType getElementType() const { return static_cast<ElementType>(elementType_); }
-  void setElementType(ElementType type) { elementType_ = static_cast<std::uint8_t>(type) & 3; }
+  void setElementType(ElementType type) {
+    noteChange();
+    elementType_ = static_cast<std::uint8_t>(type) & 3;
+  }
   // The tag name, upper case for elements of a page. Lives until setName.
   const std::string& getTagName() const { return getName(); }
   // The live list, made on first need; owned by the element. Null while there are no attributes.
@@ -52,10 +58,16 @@ class ZELDOM40_API Element : public Node {
   // Null for a tag that the DTD does not define. Lives as long as the DTD.
   const ElementDefinition* getElementDefinition() const { return definition_; }
   bool hasEndTag() const { return endTagExists_; }
-  void setEndTagExistence(bool exists) { endTagExists_ = exists; }
+  void setEndTagExistence(bool exists) {
+    noteChange();
+    endTagExists_ = exists;
+  }
   // Whether a script-like element stands in its element form and not as <% %>.
   bool isAlternative() const { return alternative_; }
-  void setAlternative(bool on) { alternative_ = on; }
+  void setAlternative(bool on) {
+    noteChange();
+    alternative_ = on;
+  }
   // The node whose children are the attribute definitions, null without a definition or a list.
   const Node* getAttributeDefinitions() const;
   // GROUP_* bits of the element.

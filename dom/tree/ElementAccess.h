@@ -39,6 +39,7 @@ struct ElementAccess {
   static void installEndTag(Element* element, const PageRef& page, Slice tag);
   // The same for an element that the parser made, on the page of its begin tag.
   static void installParsedEndTag(Element* element, Slice tag) {
+    element->noteChange();
     element->endTag_ = tag;
     element->endTagExists_ = true;
     NodeAccess::raiseParsed(element, Node::UPDATE_CONTENT_MODIFIED);
@@ -49,7 +50,10 @@ struct ElementAccess {
     return element->attributesInBlock_ ? element->attributes_.block : nullptr;
   }
   // The parser is through with the element: its raw tags belong to the content it has now.
-  static void noteContent(Element* element) { element->contentAtTag_ = element->hasChildNodes(); }
+  static void noteContent(Element* element) {
+    element->noteChange();
+    element->contentAtTag_ = element->hasChildNodes();
+  }
   // Source text, rebuilt if dirty; lives until the element changes.
   static std::string_view rawBeginTag(Element* element) {
     element->refreshBeginTag();
@@ -62,8 +66,8 @@ struct ElementAccess {
     return element->endView();
   }
   static bool isBeginTagDirty(const Element* element) { return element->beginTagDirty_; }
-  static void setTagsClean(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = false; }
-  static void markTagsDirty(Element* element) { element->beginTagDirty_ = element->endTagDirty_ = true; }
+  static void setTagsClean(Element* element) { setTagsDirty(element, false); }
+  static void markTagsDirty(Element* element) { setTagsDirty(element, true); }
   // An element that follows from its slices, definition and attribute block alone: nothing of it was edited.
   static bool isUntouched(const Element* element);
   // The source of both tags is what the slices say, and nothing else stands for the element: rawBeginTag and rawEndTag
@@ -86,10 +90,14 @@ struct ElementAccess {
   static const Slice& endSlice(const Element* element) { return element->endTag_; }
   // Marks the one tag alone if it has no text.
   static void dirtyEmptyBeginTag(Element* element) {
-    if (element->beginView().empty()) element->beginTagDirty_ = true;
+    if (!element->beginView().empty()) return;
+    element->noteChange();
+    element->beginTagDirty_ = true;
   }
   static void dirtyEmptyEndTag(Element* element) {
-    if (element->endView().empty()) element->endTagDirty_ = true;
+    if (!element->endView().empty()) return;
+    element->noteChange();
+    element->endTagDirty_ = true;
   }
   // Moves all attributes of `from` to the element.
   static void takeAttributes(Element* element, AttributeList* from) { element->list().merge(from); }
@@ -97,6 +105,12 @@ struct ElementAccess {
   // will be rebuilt loses its repeated attributes, so that error is dropped from them first.
   static unsigned long gatherAttributeErrors(Element* element);
   static bool hasAttribute(const Element* element, std::string_view name);
+
+ private:
+  static void setTagsDirty(Element* element, bool dirty) {
+    element->noteChange();
+    element->beginTagDirty_ = element->endTagDirty_ = dirty;
+  }
 };
 
 }  // namespace zeldom40

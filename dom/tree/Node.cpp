@@ -6,6 +6,7 @@
 
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
+#include "dom/document/SnapshotChunk.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/NodeIterator.h"
@@ -33,12 +34,13 @@ Node::Node(const Node& other)
 
 Node::~Node() {
   // As a rule a dying node has been cut loose.
-  if (place_ || firstChild_ || children_ || parent_ || prev_ || next_) NodeAccess::cutLoose(this);
+  if (place_ || leadsChunk_ || firstChild_ || children_ || parent_ || prev_ || next_) NodeAccess::cutLoose(this);
   liveNodes::remove();
 }
 
 void NodeAccess::cutLoose(Node* node) {
   if (node->place_) DocumentAccess::forgetPlace(node);
+  if (node->leadsChunk_) SnapshotChunk::forgetHead(node);
   if (node->firstChild_) drain(node, /*removed=*/false);
   if (node->children_) {
     node->children_->list.clear();
@@ -177,8 +179,10 @@ void NodeAccess::drain(Node* top, bool removed) {
 // --- names, answers of the base --------------------------------------------------------------------------------------
 
 const std::string& Node::getName() const { return name_.str(); }
-void Node::setName(const char* name) { name_ = SharedName(name ? std::string_view(name) : std::string_view()); }
-void Node::setName(const std::string& name) { name_ = SharedName(name); }
+void Node::setName(const char* name) {
+  NodeAccess::setName(this, SharedName(name ? std::string_view(name) : std::string_view()));
+}
+void Node::setName(const std::string& name) { NodeAccess::setName(this, SharedName(name)); }
 
 bool Node::canContain(Node*, Node** blocking, std::vector<Node*>*) {
   if (blocking) *blocking = nullptr;
@@ -194,6 +198,11 @@ Node* Node::findFirstByName(Node* name, Hash<ElementDefinition>*, std::vector<No
     if (n->getName() == name->getName()) return n;
   }
   return nullptr;
+}
+
+// Each node climbs once between two saves: above one that is outdated all are.
+void Node::outdate() {
+  for (Node* n = this; n && n->saved_; n = n->parent_) n->saved_ = false;
 }
 
 // --- errors and update flags -----------------------------------------------------------------------------------------
@@ -480,10 +489,12 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
     std::vector<Node*>& list = parent->children_->list;
     list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), run.begin(), run.end());
   }
+  parent->noteChange();
   // What comes may have been edited before, and would not climb any more.
   if (byHost || parent->refCount_ > 0) noteEdit(parent);
   for (Node* n = head;;) {
     Node* following = n == end ? nullptr : n->next_;
+    n->noteChange();
     n->parent_ = parent;
     n->setUpdateFlag(Node::UPDATE_ADDED);
     if (!following) break;
@@ -534,6 +545,8 @@ void NodeAccess::append(Node* parent, Node* child) {
     addFlags(parent->lastChild_, Node::UPDATE_SIBLING_CHANGED);
     addFlags(child, Node::UPDATE_SIBLING_CHANGED);
   }
+  parent->noteChange();
+  child->noteChange();
   attachRestored(parent, child);
   if (parent->children_) parent->children_->list.push_back(child);
   if (parent->updateFlags_ & Node::UPDATE_ADDED) {
@@ -546,10 +559,18 @@ void NodeAccess::append(Node* parent, Node* child) {
 
 // --- removal ---------------------------------------------------------------------------------------------------------
 
+// `child` leaves, behind `before`. A chunk that holds both has lost nodes; one that begins with `child` is outdated
+// when that is inserted again.
+void NodeAccess::noteLoss(Node* parent, Node* before, Node* child) {
+  parent->noteChange();
+  if (before && !child->leadsChunk_) before->noteChange();
+}
+
 // Takes `child` out of the list and of the ends; its links are settled.
 void NodeAccess::unlinkChild(Node* parent, Node* child) {
   Node* before = childBefore(child);
   Node* after = childAfter(child);
+  noteLoss(parent, before, child);
   if (parent->firstChild_ == child) parent->firstChild_ = after;
   if (parent->lastChild_ == child) parent->lastChild_ = before;
   if (after) forgetList(parent);
@@ -612,6 +633,7 @@ Node* Node::removeChild(Node* child) {
 Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
   Node* before = childBefore(first);
   Node* after = childAfter(last);
+  noteLoss(parent, before, first);
   if (after) forgetList(parent);
   if (parent->children_) {
     std::vector<Node*>& list = parent->children_->list;

@@ -127,7 +127,10 @@ class ZELDOM40_API Node {
 
   // The document that the node was made for, in its tree or not; null for the objects of a DTD. Not owned.
   Document* getDocument() const { return document_; }
-  void setDocument(Document* document) { document_ = document; }
+  void setDocument(Document* document) {
+    noteChange();
+    document_ = document;
+  }
   unsigned long getError() const { return error_; }
   NodeType getNodeType() const { return static_cast<NodeType>(nodeType_); }
   Node* getParentNode() const { return parent_; }
@@ -170,8 +173,11 @@ class ZELDOM40_API Node {
   int getChildIndex(Node* child);
   // The child at a 0-based index. KEPT: an index outside the list gives the last child; null only without children.
   Node* getChildNode(int index);
-  void clearError() { error_ = 0; }
-  void resetError(unsigned long bits) { error_ &= ~static_cast<std::uint32_t>(bits); }
+  void clearError() { resetError(~0ul); }
+  void resetError(unsigned long bits) {
+    if (error_ & static_cast<std::uint32_t>(bits)) noteChange();
+    error_ &= ~static_cast<std::uint32_t>(bits);
+  }
   // Two marks for a host's layout, which clones carry on.
   void setViewable(bool on) { setViewBit(kViewable, on); }
   bool isViewable() { return (viewFlags_ & kViewable) != 0; }
@@ -190,12 +196,21 @@ class ZELDOM40_API Node {
   struct Parsed {};
   Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags);
 
+  // Called with each change of what undo brings back: the saved state of this node and of all around it is outdated.
+  void noteChange() {
+    if (saved_) outdate();
+  }
+
  private:
   friend class NodeIterator;
   friend struct NodeAccess;
 
   enum : std::uint8_t { kViewable = 1, kAbsolute = 2 };
-  void setViewBit(std::uint8_t bit, bool on) { viewFlags_ = (on ? viewFlags_ | bit : viewFlags_ & ~bit) & 3; }
+  void setViewBit(std::uint8_t bit, bool on) {
+    noteChange();
+    viewFlags_ = (on ? viewFlags_ | bit : viewFlags_ & ~bit) & 3;
+  }
+  void outdate();
 
   // Members of derived classes that must go before the children do; called once, by the destruction of a subtree.
   virtual void releaseOwned();
@@ -221,6 +236,9 @@ class ZELDOM40_API Node {
   bool released_ : 1 = false;
   bool place_ : 1 = false;   // a cursor or the end of a selection was set here: documents must learn of the node's end
   bool edited_ : 1 = false;  // what carries metadata from here up knows of an edit; so is the parent marked
+  bool saved_ : 1 =
+      false;  // this node and all below it are as they were when a state was last saved; see SnapshotChunk
+  bool leadsChunk_ : 1 = false;  // a chunk of a saved state begins here
 };
 
 }  // namespace zeldom40

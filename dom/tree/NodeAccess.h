@@ -24,7 +24,10 @@ struct ChildListHolder {
 // (`listIsTruth_`).
 struct NodeAccess {
   // --- plain fields -------------------------------------------------------------------------------------------------
-  static void setName(Node* node, const SharedName& name) { node->name_ = name; }
+  static void setName(Node* node, const SharedName& name) {
+    node->noteChange();
+    node->name_ = name;
+  }
   static const SharedName& sharedName(const Node* node) { return node->name_; }
   static int refCount(const Node* node) { return node->refCount_; }
   static void addCount(Node* node) { ++node->refCount_; }
@@ -32,7 +35,10 @@ struct NodeAccess {
   static void addFlags(Node* node, unsigned long flags) { node->updateFlags_ |= static_cast<std::uint16_t>(flags); }
   // The way up from a visual that metadata keeps aside.
   static void setParent(Node* node, Node* parent) { node->parent_ = parent; }
-  static void addError(Node* node, unsigned long bits) { node->error_ |= static_cast<std::uint32_t>(bits); }
+  static void addError(Node* node, unsigned long bits) {
+    if (~node->error_ & static_cast<std::uint32_t>(bits)) node->noteChange();
+    node->error_ |= static_cast<std::uint32_t>(bits);
+  }
   static void markAsPlace(Node* node) {
     if (node) node->place_ = true;
   }
@@ -45,6 +51,17 @@ struct NodeAccess {
       node->releaseOwned();
     }
   }
+
+  // --- saved states (SnapshotChunk.h)
+  // ---------------------------------------------------------------------------------
+  static void noteChange(Node* node) { node->noteChange(); }
+  static bool isSaved(const Node* node) { return node->saved_; }
+  static void markSaved(Node* node) { node->saved_ = true; }
+  static bool leadsChunk(const Node* node) { return node->leadsChunk_; }
+  static void setLeadsChunk(Node* node, bool leads) { node->leadsChunk_ = leads; }
+  static bool mayBePlace(const Node* node) { return node->place_; }
+  // Whether the sibling links of the children tell their order.
+  static bool linksAreTrue(const Node* parent) { return !parent->listIsTruth_; }
 
   // --- edits and metadata (MetaDataMarks.cpp) -----------------------------------------------------------------------
   // `node` or what it holds is being edited: the metadata of it and of all elements around it becomes stale. Each node
@@ -155,6 +172,7 @@ struct NodeAccess {
   static void trustList(Node* parent);
   static void forgetList(Node* parent);
   static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, Insertion how);
+  static void noteLoss(Node* parent, Node* before, Node* child);
   static void unlinkChild(Node* parent, Node* child);
   static bool movesPlaces(const Node* parent);
   static void drain(Node* top, bool removed);

@@ -20,6 +20,7 @@ void PI::setName(const char* name) { setName(std::string(name ? name : "")); }
 
 void PI::setName(const std::string& name) {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  noteChange();
   NodeAccess::noteEdit(this);
   Node::setName(name);
 }
@@ -28,6 +29,7 @@ void PI::setData(const char* data) { setData(std::string(data ? data : "")); }
 
 void PI::setData(const std::string& data) {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
+  noteChange();
   NodeAccess::noteEdit(this);
   data_ = data;
 }

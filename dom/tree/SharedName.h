@@ -28,6 +28,16 @@ class SharedName {
   const std::string& str() const { return record_ ? record_->text : emptyString(); }
   std::string_view view() const { return record_ ? std::string_view(record_->text) : std::string_view(); }
   bool empty() const { return !record_; }
+  // For a store of bare pointers: one more count of the record, and a handle on one that has been counted.
+  void* share() const {
+    if (record_) ++record_->count;
+    return record_;
+  }
+  static SharedName adopt(void* record) {
+    SharedName name;
+    name.record_ = static_cast<Record*>(record);
+    return name;
+  }
   // True if both handles share one record; names of one source usually do, equal names need not.
   bool sameRecord(const SharedName& other) const { return record_ == other.record_; }
   friend bool operator==(const SharedName& a, const SharedName& b) {

@@ -150,6 +150,7 @@ Text* TextAccess::createPlain(Document* document, const SharedName& name, const 
 }
 
 void TextAccess::append(Text* text, const Text* other) {
+  text->noteChange();
   const bool bothClean = !text->rawDirty_ && !other->rawDirty_;
   text->editData() += other->getData();
   if (!bothClean) {
@@ -166,18 +167,29 @@ void TextAccess::append(Text* text, const Text* other) {
 
 unsigned TextAccess::flags(const Text* text) {
   return text->textType_ | (text->assembled_ ? 4u : 0u) | (text->dropLeading_ ? 8u : 0u) |
-         (text->preformatted_ ? 16u : 0u) | (text->trimmed_ ? 32u : 0u);
+         (text->preformatted_ ? 16u : 0u) | (text->trimmed_ ? 32u : 0u) | (text->rawDirty_ ? 64u : 0u) |
+         (text->derived_ ? 128u : 0u);
 }
 
-Text* TextAccess::createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags) {
-  Text* text = create(document, DOMAccess::textName(), page, raw);
-  text->derived_ = true;
+Text* TextAccess::createSaved(Document* document, const SharedName& name, const PageRef& page, Slice raw,
+                              unsigned flags) {
+  Text* text = create(document, name, page, raw);
   text->textType_ = flags & 3;
   text->assembled_ = (flags & 4) != 0;
   text->dropLeading_ = (flags & 8) != 0;
   text->preformatted_ = (flags & 16) != 0;
   text->trimmed_ = (flags & 32) != 0;
+  text->rawDirty_ = (flags & 64) != 0;
+  text->derived_ = (flags & 128) != 0;
   return text;
+}
+
+void TextAccess::setOwn(Text* text, const std::string_view* data, const std::string_view* raw) {
+  TextStrings& s = text->strings();
+  if (data) s.data = *data;
+  if (raw) s.raw = *raw;
+  s.hasData = data != nullptr;
+  s.hasRaw = s.rawOwn = raw != nullptr;
 }
 
 Text* TextAccess::splitTrailingSpace(Text* text) {
@@ -185,6 +197,7 @@ Text* TextAccess::splitTrailingSpace(Text* text) {
   std::size_t end = raw.size();
   while (end > 0 && isBlankByte(raw[end - 1])) --end;
   if (end == raw.size()) return nullptr;
+  text->noteChange();
   const auto spaces = static_cast<std::uint32_t>(raw.size() - end);
   Text* space = nullptr;
   if (text->strings_ && text->strings_->rawOwn) {
@@ -209,6 +222,7 @@ bool TextAccess::trimRight(Text* text) {
     if (raw.empty() || text->trimmed_ || !isSpaceByte(raw.back()) || hasEmptyData(text)) return false;
     // Vertical tabs and form feeds count as white space only where runs become blanks.
     if (!text->preformatted_) {
+      text->noteChange();
       text->trimmed_ = true;
       return true;
     }
@@ -222,6 +236,11 @@ bool TextAccess::trimRight(Text* text) {
 }
 
 void TextAccess::setRaw(Text* text, std::string raw) {
+  // Layout sets what stands there already, at each text that a host has left update flags on.
+  if (!text->derived_ && !text->rawDirty_ && text->strings_ && text->strings_->hasData && text->strings_->rawOwn &&
+      text->strings_->raw == raw) {
+    return;
+  }
   // The plain form must not follow from a source that is gone.
   text->editData();
   TextStrings& s = text->strings();
@@ -250,6 +269,7 @@ const std::string& Text::getData() const {
 
 // The plain form as a string of the text's own, to be changed.
 std::string& Text::editData() {
+  noteChange();
   getData();
   TextStrings& s = strings();
   s.hasData = true;
@@ -263,6 +283,7 @@ void Text::record() {
 
 // The plain form decides from now on; the source is made anew when asked for, once for a run of edits.
 void Text::dataChanged() {
+  noteChange();
   TextStrings& s = strings();
   s.raw.clear();
   s.hasRaw = s.rawOwn = true;
@@ -285,6 +306,7 @@ void Text::setData(const std::string& text, bool notify) {
 std::string_view Text::rawView() const {
   if (rawDirty_) {
     auto* self = const_cast<Text*>(this);
+    self->noteChange();
     const std::string& data = getData();
     TextStrings& s = strings();
     const Node* parent = getParentNode();

@@ -34,7 +34,10 @@ class ZELDOM40_API Text : public Node {
   ~Text() override;
 
   TextType getTextType() const { return static_cast<TextType>(textType_); }
-  void setTextType(TextType type) { textType_ = static_cast<std::uint8_t>(type) & 3; }
+  void setTextType(TextType type) {
+    noteChange();
+    textType_ = static_cast<std::uint8_t>(type) & 3;
+  }
   // The plain form. Lives until the text changes.
   const std::string& getData() const;
   // Sets the plain form. With `notify` it is an edit: recorded, markup characters protected (type 1), raw form dirty.

@@ -36,8 +36,17 @@ struct TextAccess {
   }
   // A text that follows from its slice and context alone.
   static bool isUntouched(const Text* text) { return text->derived_ && isSourceOfPage(text); }
+  // What a saved text is made of beside its slice: one byte, and where it was edited the strings of its own, null for
+  // what follows from the slice.
   static unsigned flags(const Text* text);
-  static Text* createUntouched(Document* document, const PageRef& page, Slice raw, unsigned flags);
+  static const std::string* ownData(const Text* text) {
+    return !text->derived_ && text->strings_ && text->strings_->hasData ? &text->strings_->data : nullptr;
+  }
+  static const std::string* ownRaw(const Text* text) {
+    return text->strings_ && text->strings_->rawOwn ? &text->strings_->raw : nullptr;
+  }
+  static Text* createSaved(Document* document, const SharedName& name, const PageRef& page, Slice raw, unsigned flags);
+  static void setOwn(Text* text, const std::string_view* data, const std::string_view* raw);
   static const PageRef& page(const Text* text) { return text->page_; }
   static const Slice& slice(const Text* text) { return text->raw_; }
   // getData().empty(), without making the plain form.
@@ -49,7 +58,10 @@ struct TextAccess {
   static bool trimRight(Text* text);
   // Replaces the raw form alone.
   static void setRaw(Text* text, std::string raw);
-  static void setRawDirty(Text* text) { text->rawDirty_ = true; }
+  static void setRawDirty(Text* text) {
+    text->noteChange();
+    text->rawDirty_ = true;
+  }
   // Appends the other text's forms. Where both sources stand as they are they are joined, so that no byte of the page
   // changes; else the source is made anew from the plain form.
   static void append(Text* text, const Text* other);
