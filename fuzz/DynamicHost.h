@@ -134,6 +134,7 @@ class DynamicHost {
       document_->adjustNodes(nullptr, false);
     }
     if (fault_.empty()) check();
+    if (fault_.empty()) fault_ = snapshots_.look(document_->getDocumentElement());
     return fault_.empty() ? fault_ : fault_ + "\n(after " + last_ + ")";
   }
 
@@ -165,6 +166,7 @@ class DynamicHost {
     return document;
   }
   void close(Document* document) {
+    if (document == document_) snapshots_.clear();
     if (document) dom_->deleteDocument(document);
   }
   static void read(Document& document, std::string_view page) {
@@ -519,6 +521,7 @@ class DynamicHost {
   CountingTypes types_;
   CountingControls controls_;
   bool withControls_ = false;
+  SnapshotCheck snapshots_;
   Document* document_ = nullptr;
   std::vector<Node*> nodes_;
   std::deque<std::string> undo_;

@@ -13,6 +13,7 @@
 #include "dom/tree/NodePool.h"
 #include "dom/zeldom40.h"
 #include "fuzz/RandomPage.h"
+#include "fuzz/SnapshotCheck.h"
 
 namespace zeldom40::fuzz {
 
@@ -62,6 +63,7 @@ class EditHost {
   ~EditHost() {
     // What a fault has left cannot be freed.
     if (!fault_.empty()) return;
+    snapshots_.clear();
     releaseAll();
     dom_->deleteDocument(document_);
   }
@@ -81,6 +83,7 @@ class EditHost {
     // The first change of an edit saves the state that it found.
     if (kind < kHistoryEdits && document_->getRecordCount() == countBefore + 1) noteRecord(before);
     if (fault_.empty()) fault_ = check();
+    if (fault_.empty() && ++steps_ % kStepsASave == 0) fault_ = snapshots_.look(document_->getDocumentElement());
     if (!fault_.empty()) fault_ += " (after edit " + std::to_string(kind) + ": " + last_ + ")";
     return fault_;
   }
@@ -108,6 +111,7 @@ class EditHost {
   static constexpr std::size_t kMostNodes = 300;
   static constexpr std::size_t kDepth = 10;
   static constexpr std::size_t kHistoryEdits = 34;
+  static constexpr unsigned long kStepsASave = 3;
 
   // --- edits --------------------------------------------------------------------------------------------------------
 
@@ -674,6 +678,8 @@ class EditHost {
   }
 
   Choices& choices_;
+  SnapshotCheck snapshots_;
+  unsigned long steps_ = 0;
   RandomPage pages_;
   DOM* dom_;
   Document* document_ = nullptr;
