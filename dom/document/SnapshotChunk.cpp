@@ -16,7 +16,8 @@ namespace {
 // saved states. It goes when it is empty; so a process that ends leaves nothing behind.
 class HeadTable {
  public:
-  SnapshotChunk* find(const Node* head) const {
+  // The chunk of `head`, which has one.
+  SnapshotChunk*& of(const Node* head) {
     for (std::size_t i = placeOf(head);; i = next(i)) {
       if (entries_[i].head == head) return entries_[i].chunk;
     }
@@ -28,10 +29,9 @@ class HeadTable {
     entries_[i] = {head, chunk};
     ++used_;
   }
-  SnapshotChunk* remove(const Node* head) {
+  void remove(const Node* head) {
     std::size_t gap = placeOf(head);
     while (entries_[gap].head != head) gap = next(gap);
-    SnapshotChunk* chunk = entries_[gap].chunk;
     // Those behind move up, unless they stand before their own place then.
     for (std::size_t i = next(gap); entries_[i].head; i = next(i)) {
       const std::size_t own = placeOf(entries_[i].head);
@@ -44,7 +44,6 @@ class HeadTable {
       delete[] std::exchange(entries_, nullptr);
       bits_ = 0;
     }
-    return chunk;
   }
 
  private:
@@ -82,7 +81,7 @@ HeadTable heads;
 
 SnapshotChunk* SnapshotChunk::create(const unsigned char* code, std::size_t codeSize, const std::uintptr_t* pointers,
                                      std::size_t pointerCount, const Source& source, std::uint32_t weight,
-                                     std::uint32_t siblings, bool isPlain) {
+                                     std::uint32_t siblings, bool isPlain, bool isGroup) {
   const std::size_t pointerBytes = pointerCount * sizeof(std::uintptr_t);
   auto* memory = static_cast<unsigned char*>(::operator new(sizeof(SnapshotChunk) + pointerBytes + codeSize));
   auto* chunk = new (memory) SnapshotChunk;
@@ -91,6 +90,7 @@ SnapshotChunk* SnapshotChunk::create(const unsigned char* code, std::size_t code
   chunk->codeSize_ = static_cast<std::uint32_t>(codeSize);
   chunk->pointerCount_ = static_cast<std::uint32_t>(pointerCount);
   chunk->isPlain_ = isPlain;
+  chunk->isGroup_ = isGroup;
   chunk->at_ = source.at;
   chunk->page_ = PageRef(source.page);
   chunk->document_ = source.document;
@@ -145,25 +145,40 @@ Node* SnapshotChunk::takeCopy(const std::uintptr_t& pointer) {
 }
 
 SnapshotChunk* SnapshotChunk::ledBy(const Node* head) {
-  return NodeAccess::leadsChunk(head) ? heads.find(head) : nullptr;
+  return NodeAccess::leadsChunk(head) ? heads.of(head) : nullptr;
 }
 
 void SnapshotChunk::setRun(Node* head, Node* last) {
   dropHead();
-  if (SnapshotChunk* former = ledBy(head)) former->dropHead();
+  SnapshotChunk* const first = firstOfGroup();
+  SnapshotChunk* former = ledBy(head);
+  for (; former && former != first; former = ledBy(head)) former->dropHead();
+  if (former) {
+    former->head_ = nullptr;
+    heads.of(head) = this;
+  } else {
+    heads.insert(head, this);
+    NodeAccess::setLeadsChunk(head, true);
+  }
   head_ = head;
   last_ = last;
-  heads.insert(head, this);
-  NodeAccess::setLeadsChunk(head, true);
 }
 
 void SnapshotChunk::dropHead() {
   if (!head_) return;
-  heads.remove(head_);
-  NodeAccess::setLeadsChunk(head_, false);
-  head_ = nullptr;
+  Node* const head = std::exchange(head_, nullptr);
+  SnapshotChunk* const first = firstOfGroup();
+  if (first && !first->head_) {
+    first->head_ = head;
+    heads.of(head) = first;
+  } else {
+    heads.remove(head);
+    NodeAccess::setLeadsChunk(head, false);
+  }
 }
 
-void SnapshotChunk::forgetHead(Node* head) { heads.find(head)->dropHead(); }
+void SnapshotChunk::forgetHead(Node* head) {
+  while (SnapshotChunk* chunk = ledBy(head)) chunk->dropHead();
+}
 
 }  // namespace zeldom40

@@ -34,7 +34,7 @@ class SnapshotChunk {
   // One count. Takes over the pointers; a page in `source` is counted.
   static SnapshotChunk* create(const unsigned char* code, std::size_t codeSize, const std::uintptr_t* pointers,
                                std::size_t pointerCount, const Source& source, std::uint32_t weight,
-                               std::uint32_t siblings, bool isPlain);
+                               std::uint32_t siblings, bool isPlain, bool isGroup);
   void addRef() { ++references_; }
   void release();
 
@@ -49,6 +49,9 @@ class SnapshotChunk {
   // False if it holds a node of which nobody tells changes, as one with metadata: such a chunk leads to nothing and
   // belongs to one state, and the copies in it may move out.
   bool isPlain() const { return isPlain_; }
+  // A row of chunks and nothing else. A head leads to the group that begins with it, and if that is given up, to the
+  // chunk that the group begins with.
+  bool isGroup() const { return isGroup_; }
   bool isShared() const { return references_ > 1; }
   std::size_t bytes() const { return sizeof(*this) + pointerCount_ * sizeof(std::uintptr_t) + codeSize_; }
 
@@ -67,6 +70,9 @@ class SnapshotChunk {
  private:
   SnapshotChunk() = default;
   ~SnapshotChunk() = default;
+  SnapshotChunk* firstOfGroup() const {
+    return isGroup_ ? reinterpret_cast<SnapshotChunk*>(pointers()[0] & ~kKinds) : nullptr;
+  }
   SnapshotChunk* destroy(SnapshotChunk* others);
 
   std::uint32_t references_ = 1;
@@ -75,6 +81,7 @@ class SnapshotChunk {
   std::uint32_t codeSize_ = 0;
   std::uint32_t pointerCount_ = 0;
   bool isPlain_ = true;
+  bool isGroup_ = false;
   std::int64_t at_ = 0;
   PageRef page_;
   Document* document_ = nullptr;

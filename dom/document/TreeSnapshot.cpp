@@ -40,10 +40,15 @@ constexpr unsigned kOwnRaw = 2;
 
 // How many nodes a chunk has: as soon as a run has kTypical it becomes a chunk. What is left before another chunk
 // becomes one if it has kFewest, else it is joined to that. A change costs the code of one chunk on each level, some
-// sixty instructions a node; a chunk costs about as many bytes as the code of five nodes.
+// hundred instructions a node; a chunk costs about as many bytes as the code of five nodes.
 constexpr std::uint32_t kTypical = 24;
 constexpr std::uint32_t kFewest = kTypical / 4;
 constexpr std::uint32_t kMost = kTypical * 2;
+// So many chunks in a row become a group, a chunk of chunks: to look at each of 2600 chunks of a flat page of 1 MB took
+// a third of the time of a record.
+constexpr std::uint32_t kTypicalGroup = 24;
+constexpr std::uint32_t kFewestGroup = 4;
+constexpr std::uint32_t kMostGroup = kTypicalGroup * 2;
 // A long text that is kept in the code weighs more, so that an edit beside it does not copy it.
 constexpr std::size_t kBytesANode = 64;
 
@@ -53,42 +58,49 @@ std::uintptr_t tagged(const void* pointer, SnapshotChunk::Kind kind) {
 
 // --- coding ----------------------------------------------------------------------------------------------------------
 
+// A byte of a code that is being written.
+using Out = unsigned char*;
+
+inline Out put(Out out, unsigned byte) {
+  *out = static_cast<unsigned char>(byte);
+  return out + 1;
+}
+
+inline Out putNumber(Out out, std::uint64_t number) {
+  for (; number >= 0x80; number >>= 7) out = put(out, static_cast<unsigned>(number & 0x7F) | 0x80);
+  return put(out, static_cast<unsigned>(number));
+}
+
 // Bytes that are written at the end and cut off there.
 class CodeBuffer {
  public:
-  // Room for `more` bytes, to be written without asking.
-  void reserve(std::size_t more) {
-    if (capacity_ - size_ < more) grow(more);
+  CodeBuffer() { grow(0); }
+  // The end, with room for `strings` bytes and all that a node takes beside its strings.
+  Out end(std::size_t strings = 0) {
+    if (static_cast<std::size_t>(limit_ - end_) < kMostFixed + strings) grow(kMostFixed + strings);
+    return end_;
   }
-  void put(unsigned byte) { bytes_[size_++] = static_cast<unsigned char>(byte); }
-  void putNumber(std::uint64_t number) {
-    for (; number >= 0x80; number >>= 7) put(static_cast<unsigned>(number & 0x7F) | 0x80);
-    put(static_cast<unsigned>(number));
-  }
-  void putString(std::string_view text) {
-    reserve(text.size() + kMostFixed);
-    putNumber(text.size());
-    std::memcpy(bytes_.get() + size_, text.data(), text.size());
-    size_ += text.size();
-  }
-  std::size_t size() const { return size_; }
+  void setEnd(Out end) { end_ = end; }
+  std::size_t size() const { return static_cast<std::size_t>(end_ - bytes_.get()); }
   const unsigned char* from(std::size_t at) const { return bytes_.get() + at; }
-  void cut(std::size_t size) { size_ = size; }
-
-  // A node without strings takes less.
-  static constexpr std::size_t kMostFixed = 64;
+  void cut(std::size_t size) { end_ = bytes_.get() + size; }
 
  private:
+  static constexpr std::size_t kMostFixed = 80;
+
   void grow(std::size_t more) {
-    capacity_ = std::max(capacity_ * 2, size_ + more + 1024);
-    std::unique_ptr<unsigned char[]> bytes(new unsigned char[capacity_]);
-    if (size_) std::memcpy(bytes.get(), bytes_.get(), size_);
+    const std::size_t used = bytes_ ? size() : 0;
+    const std::size_t capacity = 2 * used + more + 1024;
+    std::unique_ptr<unsigned char[]> bytes(new unsigned char[capacity]);
+    if (used) std::memcpy(bytes.get(), bytes_.get(), used);
     bytes_ = std::move(bytes);
+    end_ = bytes_.get() + used;
+    limit_ = bytes_.get() + capacity;
   }
 
   std::unique_ptr<unsigned char[]> bytes_;
-  std::size_t size_ = 0;
-  std::size_t capacity_ = 0;
+  Out end_ = nullptr;
+  Out limit_ = nullptr;
 };
 
 // Walks the tree as far as it is not saved and writes one growing code. As soon as the last siblings, with all below
@@ -97,14 +109,14 @@ class Encoder {
  public:
   Encoder(const TreeSnapshot::Nodes& nodes, TreeSnapshot::Places& places)
       : textName_(DOMAccess::textName()), commentName_(DOMAccess::commentName()), nodes_(nodes), places_(places) {
-    pointers_.reserve(64);
+    pointers_.reserve(128);
     levels_.reserve(16);
   }
 
   SnapshotChunk* run(Node* root) {
     root_ = root;
     source_.document = root->getDocument();
-    levels_.emplace_back();
+    level_ = &levels_.emplace_back();
     for (Node* n = root;;) {
       if (Node* last = NodeAccess::leadsChunk(n) ? reuse(n) : nullptr) {
         n = last;
@@ -112,9 +124,9 @@ class Encoder {
         const bool wasSaved = NodeAccess::isSaved(n);
         encode(n);
         if (Node* child = n->getFirstChild()) {
-          Level& level = levels_.emplace_back();
-          level.linked = NodeAccess::linksAreTrue(n);
-          level.intact = wasSaved && level.linked;
+          level_ = &levels_.emplace_back();
+          level_->linked = NodeAccess::linksAreTrue(n);
+          level_->intact = wasSaved && level_->linked;
           n = child;
           continue;
         }
@@ -130,56 +142,60 @@ class Encoder {
       }
       if (n == root) break;
     }
-    if (levels_.back().run.head) cut();
+    if (level_->run.head) cut();
     return reinterpret_cast<SnapshotChunk*>(pointers_.back() & ~SnapshotChunk::kKinds);
   }
 
  private:
   // Siblings that may become a chunk, and where their code and their pointers begin.
   struct Run {
-    Node* head = nullptr;  // null: there are none
-    Node* last = nullptr;
-    std::size_t code = 0;
-    std::size_t pointers = 0;
+    Node* head = nullptr;  // null: there are none, and what follows means nothing
+    Node* last;
+    std::size_t code;
+    std::size_t pointers;
     SnapshotChunk::Source source;
-    std::uint32_t weight = 0;
-    std::uint32_t siblings = 0;
-    bool isPlain = true;
+    std::uint32_t weight;
+    std::uint32_t siblings;
+    bool isPlain;
   };
   // The children of one open node.
   struct Level {
     Run run;
-    std::uint32_t chunks = 0;
-    std::uint32_t pending = 0;  // siblings to come before a run ends where a former one did
-    bool linked = true;         // sibling links tell the order
-    bool intact = false;        // no child has changed, come or gone
-    bool isPlain = true;        // all chunks are
+    std::uint32_t chunks = 0;    // that stand in the code
+    std::uint32_t pending = 0;   // siblings to come before a run ends where a former one did
+    bool linked = true;          // sibling links tell the order
+    bool intact = false;         // no child has changed, come or gone
+    bool isPlain = true;         // all chunks are
+    std::unique_ptr<Run> group;  // chunks in a row; their number is the weight
+    std::uint32_t groupSize = kTypicalGroup;
   };
 
   // Puts the chunk that `head` leads to in place of the siblings that it is the code of and returns the last of those.
   // Null if it is outdated, or better joined with the run before it; then it is given up.
   Node* reuse(Node* head) {
-    SnapshotChunk* chunk = SnapshotChunk::ledBy(head);
-    Level& level = levels_.back();
-    if (level.run.head && level.run.weight >= kFewest) cut();
-    Node* last = level.intact ? chunk->last() : level.linked ? lastIfSaved(head, chunk->siblings()) : nullptr;
-    const bool isSmall = chunk->weight() <= kMost;
-    if (last && level.run.head) {
-      if (isSmall) {
-        last = nullptr;
-      } else {
-        cut();
+    while (SnapshotChunk* chunk = SnapshotChunk::ledBy(head)) {
+      Level& level = *level_;
+      if (level.run.head && level.run.weight >= kFewest) cut();
+      Node* last = level.intact ? chunk->last() : level.linked ? lastIfSaved(head, chunk->siblings()) : nullptr;
+      const bool isSmall = !chunk->isGroup() && chunk->weight() <= kMost;
+      if (last && level.run.head) {
+        if (isSmall) {
+          last = nullptr;
+        } else {
+          cut();
+        }
       }
+      if (last) {
+        chunk->addRef();
+        level.pending = 0;
+        putChunk(chunk, head, last);
+        return last;
+      }
+      // An edit moves the ends of chunks as little as can be, or all behind it would have to be joined as well.
+      if (isSmall) level.pending = chunk->siblings();
+      if (chunk->isGroup()) level.groupSize = kMostGroup;
+      chunk->dropHead();
     }
-    if (last) {
-      chunk->addRef();
-      putChunk(chunk);
-      level.pending = 0;
-      return last;
-    }
-    // An edit moves the ends of chunks as little as can be, or each chunk behind it would have to be joined as well.
-    level.pending = isSmall ? chunk->siblings() : 0;
-    chunk->dropHead();
     return nullptr;
   }
 
@@ -192,62 +208,85 @@ class Encoder {
 
   // `n` and all below it are coded.
   void finish(Node* n, std::uint32_t weight) {
-    Level& level = levels_.back();
+    Level& level = *level_;
     Run& run = level.run;
     run.last = n;
     run.weight += weight;
     ++run.siblings;
-    const bool isEnd = level.pending == 1;
-    if (level.pending) --level.pending;
-    if (run.weight >= (level.pending ? kMost : kTypical) || (isEnd && run.weight >= kFewest)) cut();
+    std::uint32_t enough = kTypical;
+    if (level.pending) enough = --level.pending ? kMost : kFewest;
+    if (run.weight >= enough) cut();
   }
 
   void close(Node* n) {
-    const Level& level = levels_.back();
-    const std::uint32_t weight = 1 + level.chunks + (level.run.head ? level.run.weight : 0);
-    const bool isPlain = level.isPlain && (!level.run.head || level.run.isPlain);
+    const std::uint32_t weight = 1 + level_->chunks + (level_->run.head ? level_->run.weight : 0);
+    const bool isPlain = level_->isPlain && (!level_->run.head || level_->run.isPlain);
     levels_.pop_back();
-    code_.reserve(CodeBuffer::kMostFixed);
-    code_.put(CLOSE);
-    if (!isPlain) levels_.back().run.isPlain = false;
+    level_ = &levels_.back();
+    code_.setEnd(put(code_.end(), CLOSE));
+    if (!isPlain) level_->run.isPlain = false;
     finish(n, weight);
   }
 
   void cut() {
-    Level& level = levels_.back();
-    Run& run = level.run;
-    SnapshotChunk* chunk =
-        SnapshotChunk::create(code_.from(run.code), code_.size() - run.code, pointers_.data() + run.pointers,
-                              pointers_.size() - run.pointers, run.source, run.weight, run.siblings, run.isPlain);
+    Run run = std::exchange(level_->run, Run());
+    SnapshotChunk* chunk = makeChunk(run, /*isGroup=*/false);
     for (; !open_.empty() && places_[open_.back()].at >= run.code; open_.pop_back()) {
       places_[open_.back()].chunk = chunk;
       places_[open_.back()].at -= run.code;
     }
+    putChunk(chunk, run.head, run.last);
+  }
+
+  SnapshotChunk* makeChunk(const Run& run, bool isGroup) {
+    SnapshotChunk* chunk = SnapshotChunk::create(code_.from(run.code), code_.size() - run.code,
+                                                 pointers_.data() + run.pointers, pointers_.size() - run.pointers,
+                                                 run.source, run.weight, run.siblings, run.isPlain, isGroup);
     if (run.isPlain) {
       chunk->setRun(run.head, run.last);
     } else {
-      level.isPlain = false;
+      level_->isPlain = false;
     }
     code_.cut(run.code);
     pointers_.resize(run.pointers);
     source_ = run.source;
-    run.head = nullptr;
-    putChunk(chunk);
+    return chunk;
   }
 
-  void putChunk(SnapshotChunk* chunk) {
-    code_.reserve(CodeBuffer::kMostFixed);
-    code_.put(CHUNK);
+  void putChunk(SnapshotChunk* chunk, Node* head, Node* last) {
+    Level& level = *level_;
+    if (chunk->isGroup()) {
+      if (level.group && level.group->weight >= kFewestGroup) cutGroup();
+      level.group = nullptr;
+    } else {
+      if (!level.group) {
+        level.group.reset(new Run{head, last, code_.size(), pointers_.size(), source_, 0, 0, true});
+      }
+      Run& group = *level.group;
+      group.last = last;
+      group.siblings += chunk->siblings();
+      ++group.weight;
+      group.isPlain &= chunk->isPlain();
+    }
+    ++level.chunks;
+    code_.setEnd(put(code_.end(), CHUNK));
     pointers_.push_back(tagged(chunk, SnapshotChunk::CHUNK));
-    ++levels_.back().chunks;
+    if (level.group && level.group->weight >= level.groupSize) cutGroup();
+  }
+
+  void cutGroup() {
+    const std::unique_ptr<Run> group = std::move(level_->group);
+    SnapshotChunk* chunk = makeChunk(*group, /*isGroup=*/true);
+    level_->chunks -= group->weight;
+    level_->groupSize = kTypicalGroup;
+    putChunk(chunk, group->head, group->last);
   }
 
   void encode(Node* n) {
-    Run& run = levels_.back().run;
+    Run& run = level_->run;
     if (!run.head) run = {n, n, code_.size(), pointers_.size(), source_, 0, 0, true};
     // First, for a host may change nodes while they are copied.
     NodeAccess::markSaved(n);
-    code_.reserve(CodeBuffer::kMostFixed);
     switch (n->getNodeType()) {
       case Node::NODE_ELEMENT: {
         auto* element = static_cast<Element*>(n);
@@ -273,91 +312,110 @@ class Encoder {
         run.isPlain = false;
         break;
     }
-    notePlace(n);
-    code_.put(COPY | (n->hasChildNodes() ? kHasChildren : 0));
+    Out out = code_.end();
+    if (NodeAccess::mayBePlace(n)) notePlace(n, out);
+    code_.setEnd(put(out, COPY | (n->hasChildNodes() ? kHasChildren : 0)));
     pointers_.push_back(tagged(n->makeClone(false), SnapshotChunk::COPY));
   }
 
-  void notePlace(Node* n) {
-    if (!NodeAccess::mayBePlace(n) || n == root_) return;
+  // The code of `n` begins at `out`. Rare, as the next; inline they cost each node some thirty instructions.
+  [[gnu::noinline]] void notePlace(Node* n, const unsigned char* out) {
+    if (n == root_) return;
     for (std::size_t i = 0; i < nodes_.size(); ++i) {
       if (nodes_[i] != n) continue;
-      places_[i].at = code_.size();
+      places_[i].at = static_cast<std::size_t>(out - code_.from(0));
       open_.push_back(i);
     }
   }
 
-  void putHead(unsigned head, Node* n, PageBuffer* page) {
+  [[gnu::noinline]] Out putSource(Out out, PageBuffer* page, Document* document) {
+    if (page) source_.page = page;
+    source_.document = document;
+    if (source_.page) source_.page->addRef();
+    pointers_.push_back(tagged(source_.page, SnapshotChunk::PAGE));
+    pointers_.push_back(tagged(document, SnapshotChunk::DOCUMENT));
+    return put(out, SOURCE);
+  }
+
+  Out putHead(Out out, unsigned head, Node* n, PageBuffer* page) {
     if ((page && page != source_.page) || n->getDocument() != source_.document) {
-      if (page) source_.page = page;
-      source_.document = n->getDocument();
-      code_.put(SOURCE);
-      if (source_.page) source_.page->addRef();
-      pointers_.push_back(tagged(source_.page, SnapshotChunk::PAGE));
-      pointers_.push_back(tagged(source_.document, SnapshotChunk::DOCUMENT));
+      out = putSource(out, page, n->getDocument());
     }
-    notePlace(n);
+    if (NodeAccess::mayBePlace(n)) notePlace(n, out);
     const unsigned view = (n->isViewable() ? 1u : 0u) | (n->isAbsolute() ? 2u : 0u);
     const unsigned long error = n->getError();
-    code_.put(head | (n->hasChildNodes() ? kHasChildren : 0) | (error ? kHasError : 0) | (view ? kHasView : 0) |
-              (page ? kHasPage : 0));
-    if (error) code_.putNumber(error);
-    if (view) code_.put(view);
+    out = put(out, head | (n->hasChildNodes() ? kHasChildren : 0) | (error ? kHasError : 0) | (view ? kHasView : 0) |
+                       (page ? kHasPage : 0));
+    if (error) out = putNumber(out, error);
+    if (view) out = put(out, view);
+    return out;
   }
 
   void encodeElement(Element* element) {
-    putHead(ELEMENT, element, ElementAccess::page(element).get());
+    Out out = putHead(code_.end(), ELEMENT, element, ElementAccess::page(element).get());
     ElementDefinition* definition = ElementAccess::definition(element);
     const AttributeBlock* block = ElementAccess::block(element);
     const Slice end = ElementAccess::endSlice(element);
     const bool hasEnd = end.length || end.offset;
-    code_.put(ElementAccess::flags(element) | (block ? kHasBlock : 0) | (definition ? kHasDefinition : 0) |
-              (hasEnd ? kHasEnd : 0));
+    out = put(out, ElementAccess::flags(element) | (block ? kHasBlock : 0) | (definition ? kHasDefinition : 0) |
+                       (hasEnd ? kHasEnd : 0));
     pointers_.push_back(definition ? tagged(definition, SnapshotChunk::DEFINITION)
                                    : tagged(NodeAccess::sharedName(element).share(), SnapshotChunk::NAME));
     if (block) {
       const_cast<AttributeBlock*>(block)->addRef();
       pointers_.push_back(tagged(block, SnapshotChunk::BLOCK));
     }
-    putSlice(ElementAccess::beginSlice(element));
-    if (!hasEnd) return;
-    // What stands between the tags goes on behind the first.
-    const std::int64_t at = source_.at;
-    putSlice(end);
-    source_.at = at;
+    out = putSlice(out, ElementAccess::beginSlice(element));
+    if (hasEnd) {
+      // What stands between the tags goes on behind the first.
+      const std::int64_t at = source_.at;
+      out = putSlice(out, end);
+      source_.at = at;
+    }
+    code_.setEnd(out);
   }
 
   void encodeText(Text* text) {
+    if (!TextAccess::isUntouched(text)) return encodeEdited(text);
+    Out out = putHead(code_.end(), TEXT, text, TextAccess::page(text).get());
+    out = put(out, TextAccess::flags(text));
+    code_.setEnd(putSlice(out, TextAccess::slice(text)));
+  }
+
+  void encodeEdited(Text* text) {
     const std::string* data = TextAccess::ownData(text);
     const std::string* raw = TextAccess::ownRaw(text);
-    const bool isEdited = !TextAccess::isUntouched(text);
-    putHead(isEdited ? EDITED_TEXT : TEXT, text, TextAccess::page(text).get());
-    code_.put(TextAccess::flags(text));
-    putSlice(TextAccess::slice(text));
-    if (!isEdited) return;
-    code_.put((data ? kOwnData : 0) | (raw ? kOwnRaw : 0));
-    if (data) code_.putString(*data);
-    if (raw) code_.putString(*raw);
     const std::size_t bytes = (data ? data->size() : 0) + (raw ? raw->size() : 0);
-    levels_.back().run.weight += static_cast<std::uint32_t>(bytes / kBytesANode);
+    Out out = putHead(code_.end(bytes), EDITED_TEXT, text, TextAccess::page(text).get());
+    out = put(out, TextAccess::flags(text));
+    out = putSlice(out, TextAccess::slice(text));
+    out = put(out, (data ? kOwnData : 0) | (raw ? kOwnRaw : 0));
+    for (const std::string* own : {data, raw}) {
+      if (!own) continue;
+      out = putNumber(out, own->size());
+      std::memcpy(out, own->data(), own->size());
+      out += own->size();
+    }
+    code_.setEnd(out);
+    level_->run.weight += static_cast<std::uint32_t>(bytes / kBytesANode);
   }
 
   void encodeComment(Comment* comment) {
-    putHead(COMMENT, comment, CommentAccess::page(comment).get());
+    Out out = putHead(code_.end(), COMMENT, comment, CommentAccess::page(comment).get());
     const Slice raw = CommentAccess::slice(comment);
     const Slice body = CommentAccess::body(comment);
-    code_.put(comment->isJSP() ? 1 : 0);
-    putSlice(raw);
-    code_.putNumber(body.offset - raw.offset);
-    code_.putNumber(body.length);
+    out = put(out, comment->isJSP() ? 1 : 0);
+    out = putSlice(out, raw);
+    out = putNumber(out, body.offset - raw.offset);
+    code_.setEnd(putNumber(out, body.length));
   }
 
   // As a rule a slice begins where the one before it ended.
-  void putSlice(Slice slice) {
+  Out putSlice(Out out, Slice slice) {
     const std::int64_t step = slice.offset - source_.at;
-    code_.putNumber(static_cast<std::uint64_t>(step) << 1 ^ static_cast<std::uint64_t>(step >> 63));
-    code_.putNumber(slice.length);
     source_.at = static_cast<std::int64_t>(slice.offset) + slice.length;
+    out = putNumber(out, static_cast<std::uint64_t>(step) << 1 ^ static_cast<std::uint64_t>(step >> 63));
+    return putNumber(out, slice.length);
   }
 
   const SharedName textName_;
@@ -370,6 +428,7 @@ class Encoder {
   CodeBuffer code_;
   std::vector<std::uintptr_t> pointers_;
   std::vector<Level> levels_;
+  Level* level_ = nullptr;
 };
 
 // --- decoding --------------------------------------------------------------------------------------------------------
