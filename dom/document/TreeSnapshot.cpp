@@ -41,7 +41,7 @@ constexpr unsigned kOwnRaw = 2;
 // How many nodes a chunk has: as soon as a run has kTypical it becomes a chunk. What is left before another chunk
 // becomes one if it has kFewest, else it is joined to that. A change costs the code of one chunk on each level, some
 // hundred instructions a node; a chunk costs about as many bytes as the code of five nodes.
-constexpr std::uint32_t kTypical = 24;
+constexpr std::uint32_t kTypical = 16;
 constexpr std::uint32_t kFewest = kTypical / 4;
 constexpr std::uint32_t kMost = kTypical * 2;
 // So many chunks in a row become a group, a chunk of chunks: to look at each of 2600 chunks of a flat page of 1 MB took

@@ -1,8 +1,11 @@
 // The history of a page.
+#include <functional>
+#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "fuzz/SnapshotCheck.h"
 #include "tests/host/TestPage.h"
 
 namespace zeldom40 {
@@ -129,6 +132,56 @@ TEST_F(UndoTest, NodesOfEveryKindComeBack) {
   doc_->deleteNodes(find("BODY"));
   doc_->undo(1);
   EXPECT_EQ(tree(), before);
+}
+
+// Only what changed since the last state is looked at, so each change must tell.
+TEST_F(UndoTest, NoChangeIsOverlooked) {
+  open("<BODY><P ID=p>a</P><jsp:useBean id=\"b\"></jsp:useBean><!-- c --><P>b</P></BODY>");
+  auto* p = static_cast<Element*>(find("P"));
+  Text* words = text();
+  Node* bean = find("JSP:USEBEAN");
+  auto* comment = static_cast<Comment*>(find("COMMENT"));
+  PI* pi = doc_->createPI("t", "d");
+  find("BODY")->insertLast(pi);
+  auto attribute = [&] { return p->getAttributes()->item(0); };
+  const std::function<void()> changes[] = {
+      [&] { p->setViewable(true); },
+      [&] { p->setAbsolute(true); },
+      [&] { p->setError(ERR_ELEMENT_UNKNOWN); },
+      [&] { p->resetError(ERR_ELEMENT_UNKNOWN); },
+      [&] { words->setDocument(nullptr); },
+      [&] { comment->setName("REMARK"); },
+      [&] { words->setName("WORDS"); },
+      [&] { p->setElementID(ID_UNKNOWN); },
+      [&] { p->setElementType(Element::ELEMENT_TYPE_1); },
+      [&] { p->setEndTagExistence(false); },
+      [&] { p->setAlternative(true); },
+      [&] { p->setEndTagDirty(); },
+      [&] { p->getRawEndTag(); },
+      [&] { p->setRawBeginTag("<P id=q>"); },
+      [&] { attribute()->setSpecified(true); },
+      [&] { attribute()->setType(Attribute::ATTRIBUTE_UNDECLARED); },
+      [&] { attribute()->setValue("v"); },
+      [&] { p->deleteAttribute("ID"); },
+      [&] { p->setMetaData(doc_->createMetaData()); },
+      [&] { p->getMetaData()->setRuntimeText("made"); },
+      [&] { words->setTextType(Text::TEXT_LITERAL); },
+      [&] { words->setData("w", /*notify=*/false); },
+      [&] { words->setRawData("raw"); },
+      [&] { comment->setJSP(true); },
+      [&] { comment->getRawData(); },
+      [&] { pi->setData("e"); },
+      [&] { bean->insertLast(doc_->createTextNode("x")); },
+      [&] { p->getParentNode()->insertLast(p->getParentNode()->removeChild(p)); },
+      [&] { p->isolate(Node::ISOLATE_SIBLINGS); },
+      [&] { p->getParentNode()->insertBefore(doc_->createTextNode("y"), p); },
+  };
+  fuzz::SnapshotCheck check;
+  for (std::size_t i = 0; i < std::size(changes); ++i) {
+    EXPECT_EQ(check.look(doc_->getDocumentElement()), "") << "before change " << i;
+    changes[i]();
+    EXPECT_EQ(check.look(doc_->getDocumentElement()), "") << "after change " << i;
+  }
 }
 
 }  // namespace
