@@ -28,7 +28,7 @@ struct NameKey {
       if (length <= 8) return;
       std::memcpy(&high, name + 8, 8);
       high = raised(high & kMasks[length - 8]);
-    } else {
+    } else if (length > 0) {
       std::memcpy(&low, name, std::min<std::size_t>(length, 8));
       if (length > 8) std::memcpy(&high, name + 8, length - 8);
       low = raised(low);

@@ -118,7 +118,7 @@ struct NodeAccess {
   // The same for a node that a parse has just made.
   static void appendParsed(Node* parent, Node* child) {
     // A parent of the same parse that has no list by index: its ancestors know of it, and no metadata can be concerned.
-    if (child->firstChild_ || parent->children_ || parent->refCount_ > 0 ||
+    if (child->firstChild_ || parent->children_ || parent->refCount_ > 0 || parent->saved_ ||
         !(parent->updateFlags_ & Node::UPDATE_ADDED)) {
       append(parent, child);
       return;
