@@ -83,6 +83,13 @@ struct ElementAccess {
                                   const PageRef& page, Slice begin, unsigned flags);
   static void setEndSlice(Element* element, Slice end) { element->endTag_ = end; }
   static ElementDefinition* definition(const Element* element) { return element->definition_; }
+  // Destroys the members of an element that has a block of attributes at most; false, with nothing done, for any other.
+  static bool dismantle(Element* element) {
+    if (element->extra_ || (!element->attributesInBlock_ && element->attributes_.list)) return false;
+    if (element->attributesInBlock_) element->attributes_.block->release();
+    element->page_.~PageRef();
+    return true;
+  }
   static bool hasExtra(const Element* element) { return element->extra_ != nullptr; }
   static MetaData* metaData(const Element* element) { return element->extra_ ? element->extra_->metaData : nullptr; }
   static const PageRef& page(const Element* element) { return element->page_; }

@@ -180,6 +180,7 @@ struct NodeAccess {
   static std::pair<Node*, Node*> takeChildren(Node* node);
   static bool ownsMore(const Node* node);
   static void cutLoose(Node* node);
+  static bool dismantle(Node* node);
 };
 
 inline Node::Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags)

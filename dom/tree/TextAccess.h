@@ -34,6 +34,12 @@ struct TextAccess {
   static bool isSourceOfPage(const Text* text) {
     return !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
   }
+  // Destroys the members of a text that has no strings; false, with nothing done, for any other.
+  static bool dismantle(Text* text) {
+    if (text->strings_) return false;
+    text->page_.~PageRef();
+    return true;
+  }
   // A text that follows from its slice and context alone.
   static bool isUntouched(const Text* text) { return text->derived_ && isSourceOfPage(text); }
   // What a saved text is made of beside its slice: one byte, and where it was edited the strings of its own, null for
