@@ -30,7 +30,7 @@ constexpr double kTooShort = 0.002;
 // A size at which a phase would take longer than this is not tried; its growth is known by then.
 constexpr double kTooLong = 40;
 // What counting may take in seconds, and how much slower a program is under callgrind, counting and not.
-constexpr double kCountingTime = 4;
+constexpr double kCountingTime = 2;
 constexpr double kSlowerCounting = 60;
 constexpr double kSlowerWaiting = 8;
 constexpr std::size_t kDeep = 1000 * 1000;
@@ -53,7 +53,7 @@ double exponent(double first, double last, std::size_t doublings) {
 Life best(const char* documentType, const std::string& text, int most) {
   Life result;
   double spent = 0;
-  for (int i = 0; i < most && (i < 2 || spent < 0.5); ++i) {
+  for (int i = 0; i < most && (i < 2 || spent < 0.25); ++i) {
     const Life life = live(documentType, text);
     spent += total(life);
     const bool same = life.same && (i == 0 || result.same);
