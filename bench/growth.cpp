@@ -34,6 +34,8 @@ constexpr double kCountingTime = 2;
 constexpr double kSlowerCounting = 60;
 constexpr double kSlowerWaiting = 8;
 constexpr std::size_t kDeep = 1000 * 1000;
+// Of elements that the server makes, whose run-time text has some kilobytes for each level.
+constexpr std::size_t kDeepDynamic = 100 * 1000;
 
 // Memory that was had once stays with the process. The system's price for fresh pages says nothing about the library,
 // and it comes in steps that look like growth.
@@ -276,20 +278,21 @@ int printGrowth(const Options& options, const char* program) {
 
 // Each in a process of its own: a stack that is too small kills it. Returns how many failed.
 int printDepth(const Options& options) {
-  std::printf("Seconds at %zu levels, on a stack of %zu KB:\n\n", kDeep, kSmallStack / 1024);
-  printHead("page");
+  std::printf("Seconds on a stack of %zu KB:\n\n", kSmallStack / 1024);
+  printHead("levels");
   int bad = 0;
   for (const std::vector<Shape>* list : {&shapes(), &dynamicShapes()}) {
+    const std::size_t levels = list == &shapes() ? kDeep : kDeepDynamic;
     for (const Shape& shape : *list) {
       if (!shape.levels || !isAsked(shape, options)) continue;
       std::fflush(stdout);
       const pid_t child = fork();
       if (child == 0) {
-        const std::string text = shape.make(kDeep / static_cast<std::size_t>(shape.levels));
+        const std::string text = shape.make(levels / static_cast<std::size_t>(shape.levels) + 1);
         const Life life = live(shape.documentType, text);
-        std::printf("| %s | %.3g MB |", Growth::shown(shape.name).c_str(), static_cast<double>(text.size()) / 1e6);
+        std::printf("| %s | %ld |", Growth::shown(shape.name).c_str(), life.depth);
         for (double seconds : life.seconds) std::printf(seconds > 0 ? " %.3f |" : " |", seconds);
-        const bool deep = life.depth >= static_cast<long>(kDeep);
+        const bool deep = life.depth >= static_cast<long>(levels);
         std::printf("%s%s\n", life.same ? "" : " **comes back changed**", deep ? "" : " **not as deep**");
         std::fflush(stdout);
         _exit(life.same && deep ? 0 : 1);

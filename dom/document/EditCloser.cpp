@@ -93,8 +93,7 @@ class EditCloser {
   }
 
   // A text in front of an element that goes may be joined by what that held or by what stands behind it. CHOICE: it is
-  // laid out when it is complete; doing so after each of a row of such elements would cost the square of the row, and
-  // each time would indent its lines again.
+  // laid out when it is complete; doing so after each of a row of such elements would cost the square of the row.
   bool mayVanish(Node* behind) const {
     const Element* element = asElement(behind);
     constexpr unsigned long kVanishing = GROUP_TEXT_LEVEL | GROUP_SPAN_LIKE | GROUP_PHRASE;
