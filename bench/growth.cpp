@@ -34,7 +34,7 @@ constexpr double kCountingTime = 2;
 constexpr double kSlowerCounting = 60;
 constexpr double kSlowerWaiting = 8;
 constexpr std::size_t kDeep = 1000 * 1000;
-// Of elements that the server makes, whose run-time text has some kilobytes for each level.
+// Of elements that the server makes: their run-time text is many times the page.
 constexpr std::size_t kDeepDynamic = 100 * 1000;
 
 // Memory that was had once stays with the process. The system's price for fresh pages says nothing about the library,
