@@ -10,7 +10,7 @@ namespace zeldom40 {
 
 ModelGroup::ModelGroup() : Node(NODE_MODEL_GROUP) { NodeAccess::append(this, new Node()); }
 
-void ModelGroup::add(Node* item) { NodeAccess::append(getFirstChild(), item); }
+void ModelGroup::add(Node* item) { NodeAccess::appendParsed(getFirstChild(), item); }
 
 Node* ModelGroup::findFirstByName(Node* name, Hash<ElementDefinition>* definitions, std::vector<Node*>* path) {
   if (!name) return nullptr;
