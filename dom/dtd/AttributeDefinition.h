@@ -39,7 +39,7 @@ class ZELDOM40_API AttributeDefinition : public Node {
 
   std::uint8_t declaredType_ = 0;
   std::uint8_t defaultType_ = 0;
-  std::uint32_t nameHash_ = 0;
+  std::uint16_t nameHash_ = 0;  // its low half
   AttributeDefinition* nextInBucket_ = nullptr;
   std::unique_ptr<std::vector<std::string>> allowedTokens_;
   SharedName upperName_;

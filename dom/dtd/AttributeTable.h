@@ -20,8 +20,9 @@ class AttributeTable {
  public:
   AttributeDefinition* find(std::string_view upperName) const {
     const std::uint32_t hash = nameHash(upperName);
+    const auto half = static_cast<std::uint16_t>(hash);
     for (AttributeDefinition* entry = buckets_[hash % kBuckets]; entry; entry = entry->nextInBucket_) {
-      if (entry->nameHash_ == hash && entry->upperName_.view() == upperName) return entry;
+      if (entry->nameHash_ == half && entry->upperName_.view() == upperName) return entry;
     }
     if (overflow_.empty()) return nullptr;
     const auto found = overflow_.find(upperName);
@@ -31,11 +32,12 @@ class AttributeTable {
   // Enters a definition, which has its name and is borrowed, unless its name is there. `hash` is that of the name.
   void insert(AttributeDefinition* definition, std::uint32_t hash) {
     const std::string_view upperName = definition->upperName_.view();
-    definition->nameHash_ = hash;
+    const auto half = static_cast<std::uint16_t>(hash);
+    definition->nameHash_ = half;
     AttributeDefinition*& head = buckets_[hash % kBuckets];
     int length = 0;
     for (AttributeDefinition* entry = head; entry; entry = entry->nextInBucket_, ++length) {
-      if (entry->nameHash_ == hash && entry->upperName_.view() == upperName) return;
+      if (entry->nameHash_ == half && entry->upperName_.view() == upperName) return;
     }
     if (length < kLongestChain) {
       definition->nextInBucket_ = head;

@@ -10,13 +10,40 @@ namespace zeldom40 {
 
 namespace {
 
-// What ends a word or a literal; and the same with what calls for a closer look, a backslash or a reference.
 constexpr ByteSet kWordDelimiters = makeByteSet(" \t\v\r\f\n()[]|*?+<>,");
-constexpr ByteSet kWordStops = makeByteSet(" \t\v\r\f\n()[]|*?+<>,\\%");
 constexpr ByteSet kQuote = makeByteSet("\"");
-constexpr ByteSet kQuoteStops = makeByteSet("\"\\%");
 constexpr ByteSet kApostrophe = makeByteSet("'");
-constexpr ByteSet kApostropheStops = makeByteSet("'\\%");
+
+// The delimiters and what calls for a closer look: a backslash, a reference, a NUL, for that may be the end.
+constexpr ByteSet stopsOf(ByteSet delimiters) {
+  for (char c : {'\\', '%', '\0'}) delimiters[static_cast<unsigned char>(c)] = true;
+  return delimiters;
+}
+constexpr ByteSet kWordStops = stopsOf(kWordDelimiters);
+constexpr ByteSet kQuoteStops = stopsOf(kQuote);
+constexpr ByteSet kApostropheStops = stopsOf(kApostrophe);
+
+// White space, a reference, or perhaps the end.
+constexpr ByteSet kGaps = stopsOf(makeByteSet(" \t\v\r\f\n"));
+
+// The tokens of one character; LEX_NONE for all others.
+constexpr auto kCharacterTokens = [] {
+  std::array<LexerType::LexToken, 256> kinds{};
+  kinds['<'] = LexerType::LEX_TAG_OPEN;
+  kinds['>'] = LexerType::LEX_TAG_CLOSE;
+  kinds['('] = LexerType::LEX_LPAREN;
+  kinds[')'] = LexerType::LEX_RPAREN;
+  kinds['['] = LexerType::LEX_LBRACKET;
+  kinds[']'] = LexerType::LEX_RBRACKET;
+  kinds['*'] = LexerType::LEX_STAR;
+  kinds['+'] = LexerType::LEX_PLUS;
+  kinds[','] = LexerType::LEX_COMMA;
+  kinds['?'] = LexerType::LEX_QUESTION;
+  kinds['|'] = LexerType::LEX_BAR;
+  kinds['&'] = LexerType::LEX_AMPERSAND;
+  kinds['%'] = LexerType::LEX_PERCENT;
+  return kinds;
+}();
 
 struct Keyword {
   std::string_view word;
@@ -70,11 +97,6 @@ DTDLexer::DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame)
       growthLeft_(growthFor(text.size())) {
   text.copy(&buffer_[head_], text.size());
   std::memset(&buffer_[end_], 0, kSlack);
-}
-
-std::string_view DTDLexer::slice(std::uint32_t start, std::uint32_t end) const {
-  if (start >= read_ || end <= start) return {};
-  return std::string_view(buffer_.get(), read_).substr(start, end - start);
 }
 
 // --- the two parts of the text ---------------------------------------------------------------------------------------
@@ -199,23 +221,25 @@ bool DTDLexer::matchAt(std::string_view word) {
 bool DTDLexer::skipSpace() {
   while (expandHere()) {
     if (atEnd() || !isSpaceByte(buffer_[head_])) return true;
-    std::size_t to = head_;
-    for (; to < end_ && isSpaceByte(buffer_[to]); ++to) {
-      if (buffer_[to] == '\n') ++line_;
-    }
-    take(to - head_);
+    const char* const from = &buffer_[head_];
+    const char* to = from;
+    std::uint32_t lines = 0;
+    for (; isSpaceByte(*to); ++to) lines += *to == '\n';
+    line_ += lines;
+    take(static_cast<std::size_t>(to - from));
   }
   return false;
 }
 
-// Takes the text up to the first of `delimiters`; one behind a backslash does not count. `stops` are the delimiters,
-// the backslash and "%": text up to a delimiter that has none of the others needs one walk only.
+// Takes the text up to the first of `delimiters`; one behind a backslash does not count. Text up to a
+// delimiter that has no other of their `stops` needs one walk only.
 void DTDLexer::scanUntil(const ByteSet& delimiters, const ByteSet& stops) {
   const char before = read_ == 0 ? '\0' : buffer_[read_ - 1];
-  std::size_t plain = head_;
-  while (plain < end_ && !stops[static_cast<unsigned char>(buffer_[plain])]) ++plain;
-  if (plain < end_ && before != '\\' && delimiters[static_cast<unsigned char>(buffer_[plain])]) {
-    take(plain - head_);
+  const char* const from = &buffer_[head_];
+  const char* to = from;
+  while (!stops[static_cast<unsigned char>(*to)]) ++to;
+  if (before != '\\' && delimiters[static_cast<unsigned char>(*to)]) {
+    take(static_cast<std::size_t>(to - from));
     return;
   }
   const auto find = [this, &delimiters, before] {
@@ -233,53 +257,28 @@ void DTDLexer::scanUntil(const ByteSet& delimiters, const ByteSet& stops) {
 
 // --- tokens ----------------------------------------------------------------------------------------------------------
 
+inline void DTDLexer::addCharacter(LexerType::LexToken kind) {
+  take(1);
+  addToken(kind, position() - 1, position());
+}
+
 int DTDLexer::lex() {
-  if (!skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
+  // Nothing, or one blank, stands before most tokens.
+  if (buffer_[head_] == ' ') {
+    buffer_[read_++] = ' ';
+    ++head_;
+  }
+  if (kGaps[static_cast<unsigned char>(buffer_[head_])] && !skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
   if (atEnd()) {
     addToken(LexerType::LEX_EOF, LexRecord::NO_POSITION, LexRecord::NO_POSITION);
     return 0;
   }
   const char c = buffer_[head_];
+  if (const LexerType::LexToken kind = kCharacterTokens[static_cast<unsigned char>(c)]) {
+    addCharacter(kind);
+    return 0;
+  }
   switch (c) {
-    case '<':
-      addCharacter(LexerType::LEX_TAG_OPEN);
-      break;
-    case '>':
-      addCharacter(LexerType::LEX_TAG_CLOSE);
-      break;
-    case '(':
-      addCharacter(LexerType::LEX_LPAREN);
-      break;
-    case ')':
-      addCharacter(LexerType::LEX_RPAREN);
-      break;
-    case '[':
-      addCharacter(LexerType::LEX_LBRACKET);
-      break;
-    case ']':
-      addCharacter(LexerType::LEX_RBRACKET);
-      break;
-    case '*':
-      addCharacter(LexerType::LEX_STAR);
-      break;
-    case '+':
-      addCharacter(LexerType::LEX_PLUS);
-      break;
-    case ',':
-      addCharacter(LexerType::LEX_COMMA);
-      break;
-    case '?':
-      addCharacter(LexerType::LEX_QUESTION);
-      break;
-    case '|':
-      addCharacter(LexerType::LEX_BAR);
-      break;
-    case '&':
-      addCharacter(LexerType::LEX_AMPERSAND);
-      break;
-    case '%':
-      addCharacter(LexerType::LEX_PERCENT);
-      break;
     case '-':
       if (matchAt("--")) {
         lexComment();
@@ -299,11 +298,6 @@ int DTDLexer::lex() {
       break;
   }
   return 0;
-}
-
-void DTDLexer::addCharacter(LexerType::LexToken kind) {
-  take(1);
-  addToken(kind, position() - 1, position());
 }
 
 void DTDLexer::lexKeyword() {
@@ -348,9 +342,10 @@ void DTDLexer::lexWord() {
   const std::uint32_t start = position();
   scanUntil(kWordDelimiters, kWordStops);
   const std::string_view word = slice(start, position());
-  addToken(word == "#PCDATA" ? LexerType::LEX_PCDATA
-           : word == "CDATA" ? LexerType::LEX_CDATA
-                             : LexerType::LEX_NAME,
+  const char first = word.empty() ? '\0' : word.front();
+  addToken(first == '#' && word == "#PCDATA" ? LexerType::LEX_PCDATA
+           : first == 'C' && word == "CDATA" ? LexerType::LEX_CDATA
+                                             : LexerType::LEX_NAME,
            start, position());
 }
 

@@ -1,6 +1,7 @@
 // Internal. Cuts the text of a document type definition into tokens.
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -19,7 +20,7 @@ namespace zeldom40 {
 //
 // References are expanded late, when a scan comes to them; what was expanded is not walked again, but a reference that
 // stands at the position is, wherever it came from.
-class DTDLexer : public Lexer {
+class DTDLexer final : public Lexer {
  public:
   // Copies `text`; looks parameter entities up in `frame`, which must outlive the lexer.
   DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame);
@@ -27,7 +28,10 @@ class DTDLexer : public Lexer {
   int lex() override;
   bool matchAt(std::string_view word) override;
   char nextChar(bool consume) override;
-  std::string_view slice(std::uint32_t start, std::uint32_t end) const override;
+  std::string_view slice(std::uint32_t start, std::uint32_t end) const override {
+    if (start >= read_ || end <= start) return {};
+    return {buffer_.get() + start, std::min<std::size_t>(end, read_) - start};
+  }
   using Lexer::slice;
 
   // Whether `s` is a numeric character reference. KEPT: the digit behind "&#" or "&#x" is not looked at.
@@ -38,7 +42,7 @@ class DTDLexer : public Lexer {
   static bool encodeCharacterReference(std::string& text, std::uint32_t* code);
 
  private:
-  // The bytes behind the text that may be copied along.
+  // The NULs behind the text, which may be copied along and end a walk.
   static constexpr std::size_t kSlack = 16;
 
   std::uint32_t position() const { return static_cast<std::uint32_t>(read_); }

@@ -144,6 +144,12 @@ inline LexerType::LexToken DTDParser::take() {
 
 inline LexerType::LexToken DTDParser::nextKind() { return lexer_->peekToken(0).kind; }
 
+inline std::string_view DTDParser::text(const LexRecord& token) const {
+  return static_cast<const DTDLexer*>(lexer_.get())->slice(token.start, token.end);
+}
+
+inline std::string_view DTDParser::currentText() const { return text(current_); }
+
 // --- the loop over declarations --------------------------------------------------------------------------------------
 
 int DTDParser::parse(LexerType::LexToken stop) {

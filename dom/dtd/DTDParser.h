@@ -45,6 +45,8 @@ class ZELDOM40_API DTDParser : public Parser {
 
   LexerType::LexToken take();
   LexerType::LexToken nextKind();
+  std::string_view text(const LexRecord& token) const;
+  std::string_view currentText() const;
   LexerType::LexToken advancePastComments();
   LexerType::LexToken peekPastComments();
   void parsePublicIdentifier();

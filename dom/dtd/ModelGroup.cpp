@@ -18,7 +18,8 @@ Node* ModelGroup::findFirstByName(Node* name, Hash<ElementDefinition>* definitio
   return ModelWalk(question, definitions, path).find(*this);
 }
 
-ElementToken::ElementToken(const SharedName& name, int nameId) : Node(NODE_ELEMENT_TOKEN), nameId_(nameId) {
+ElementToken::ElementToken(const SharedName& name, int nameId)
+    : Node(NODE_ELEMENT_TOKEN), nameId_(static_cast<std::int16_t>(nameId)) {
   NodeAccess::setName(this, name);
 }
 
