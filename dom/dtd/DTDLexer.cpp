@@ -341,11 +341,10 @@ void DTDLexer::lexLiteral(char quote) {
 void DTDLexer::lexWord() {
   const std::uint32_t start = position();
   scanUntil(kWordDelimiters, kWordStops);
-  const std::string_view word = slice(start, position());
-  const char first = word.empty() ? '\0' : word.front();
-  addToken(first == '#' && word == "#PCDATA" ? LexerType::LEX_PCDATA
-           : first == 'C' && word == "CDATA" ? LexerType::LEX_CDATA
-                                             : LexerType::LEX_NAME,
+  const std::string_view word(&buffer_[start], read_ - start);
+  addToken(word == "#PCDATA" ? LexerType::LEX_PCDATA
+           : word == "CDATA" ? LexerType::LEX_CDATA
+                             : LexerType::LEX_NAME,
            start, position());
 }
 

@@ -590,11 +590,12 @@ bool DTDParser::parseAttributeType(AttributeDefinition& definition, std::uint8_t
       return false;
   }
   definition.allowedTokens_ = std::make_unique<std::vector<std::string>>();
+  definition.allowedTokens_->reserve(2);  // most have two or three
   while (true) {
     switch (advancePastComments()) {
       case LexerType::LEX_NAME:
       case LexerType::LEX_CDATA:
-        definition.allowedTokens_->push_back(toUpperName(currentText()));
+        toUpperName(definition.allowedTokens_->emplace_back(currentText()));
         break;
       case LexerType::LEX_BAR:
         break;
