@@ -16,7 +16,7 @@ void AttributeDefinition::setName(const std::string& name) {
   upperName_ = SharedName(Parser::toUpperName(name));
 }
 
-const AttributeNames::Entry& AttributeNames::find(std::string_view name) {
+const ListedNames::Entry& ListedNames::find(std::string_view name) {
   std::size_t place = name.size();
   if (!name.empty()) {
     for (char c : {name.front(), name[name.size() / 2], name.back()})

@@ -63,7 +63,7 @@ struct AttributeListHolder {
 
 // Names of attributes that were met lately: a DTD has the same few in most of its lists, and one record of a name
 // serves them all. A name takes the place of another one, so that no text makes this grow.
-class AttributeNames {
+class ListedNames {
  public:
   struct Entry {
     SharedName name;  // as the DTD spells it

@@ -556,15 +556,15 @@ void DTDParser::parseAttributeList() {
   const std::vector<std::string> elementNames = parseNameGroup();
   if (elementNames.empty()) return;
   auto list = std::make_unique<AttributeListHolder>();
-  if (!attributeNames_) attributeNames_ = std::make_unique<AttributeNames>();
-  const AttributeNames::Entry* name = &attributeNames_->find({});
+  if (!listedNames_) listedNames_ = std::make_unique<ListedNames>();
+  const ListedNames::Entry* name = &listedNames_->find({});
   // KEPT: an enumeration does not write it, and so says the type of the attribute before it.
   std::uint8_t declaredType = 0;
   do {
     // KEPT: a token that is no name is taken all the same, and the name stays what it was.
     const LexerType::LexToken kind = advancePastComments();
     if (isLast(kind)) return;
-    if (kind == LexerType::LEX_NAME) name = &attributeNames_->find(currentText());
+    if (kind == LexerType::LEX_NAME) name = &listedNames_->find(currentText());
     auto definition = std::make_unique<AttributeDefinition>();
     if (!parseAttributeType(*definition, declaredType) || !parseAttributeDefault(*definition)) return;
     definition->declaredType_ = declaredType;

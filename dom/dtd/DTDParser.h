@@ -13,7 +13,7 @@
 namespace zeldom40 {
 
 class AttributeDefinition;
-class AttributeNames;
+class ListedNames;
 class ModelGroup;
 struct AttributeListHolder;
 
@@ -73,7 +73,7 @@ class ZELDOM40_API DTDParser : public Parser {
   ParserType::_dtd_frame* frame_ = nullptr;
   bool ownsFrame_ = false;
   int sectionDepth_ = 0;
-  std::unique_ptr<AttributeNames> attributeNames_;  // made by the first list
+  std::unique_ptr<ListedNames> listedNames_;  // made by the first list
 };
 
 }  // namespace zeldom40
