@@ -1,6 +1,7 @@
 // What the DTD says about one attribute.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,12 +34,15 @@ class ZELDOM40_API AttributeDefinition : public Node {
   const SharedName& upperName() const { return upperName_; }
 
  private:
+  friend class AttributeTable;
   friend class DTDParser;
 
+  std::uint8_t declaredType_ = 0;
+  std::uint8_t defaultType_ = 0;
+  std::uint16_t nameHash_ = 0;  // its low half
+  AttributeDefinition* nextInBucket_ = nullptr;
   std::unique_ptr<std::vector<std::string>> allowedTokens_;
   SharedName upperName_;
-  int declaredType_ = 0;
-  int defaultType_ = 0;
 };
 
 }  // namespace zeldom40

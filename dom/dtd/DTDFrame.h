@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "dom/dtd/AttributeDefinition.h"
+#include "dom/dtd/AttributeTable.h"
 #include "dom/dtd/ContentTable.h"
 #include "dom/dtd/ElementDefinition.h"
 #include "dom/dtd/FrameTables.h"
@@ -51,12 +51,6 @@ struct CatalogRecord {
 
 // Characters that have a name, by code. The first name of a code stays.
 using CharEntityTable = std::map<std::uint32_t, CharEntityRecord>;
-
-// The attribute definitions of one list, in order and by upper-case name, shared by the elements that it names.
-struct AttributeListHolder {
-  AttributeDefinition holder;
-  Hash<AttributeDefinition> byName{Hash<AttributeDefinition>::kAttributeBuckets};
-};
 
 // Owned by the parser that made it. Everything in it lives until then: attributes of pages point at definitions whose
 // list was replaced since, and elements at definitions.

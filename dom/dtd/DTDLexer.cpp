@@ -14,6 +14,37 @@ constexpr ByteSet kWordDelimiters = makeByteSet(" \t\v\r\f\n()[]|*?+<>,");
 constexpr ByteSet kQuote = makeByteSet("\"");
 constexpr ByteSet kApostrophe = makeByteSet("'");
 
+// The delimiters and what calls for a closer look: a backslash, a reference, a NUL, for that may be the end.
+constexpr ByteSet stopsOf(ByteSet delimiters) {
+  for (char c : {'\\', '%', '\0'}) delimiters[static_cast<unsigned char>(c)] = true;
+  return delimiters;
+}
+constexpr ByteSet kWordStops = stopsOf(kWordDelimiters);
+constexpr ByteSet kQuoteStops = stopsOf(kQuote);
+constexpr ByteSet kApostropheStops = stopsOf(kApostrophe);
+
+// White space, a reference, or perhaps the end.
+constexpr ByteSet kGaps = stopsOf(makeByteSet(" \t\v\r\f\n"));
+
+// The tokens of one character; LEX_NONE for all others.
+constexpr auto kCharacterTokens = [] {
+  std::array<LexerType::LexToken, 256> kinds{};
+  kinds['<'] = LexerType::LEX_TAG_OPEN;
+  kinds['>'] = LexerType::LEX_TAG_CLOSE;
+  kinds['('] = LexerType::LEX_LPAREN;
+  kinds[')'] = LexerType::LEX_RPAREN;
+  kinds['['] = LexerType::LEX_LBRACKET;
+  kinds[']'] = LexerType::LEX_RBRACKET;
+  kinds['*'] = LexerType::LEX_STAR;
+  kinds['+'] = LexerType::LEX_PLUS;
+  kinds[','] = LexerType::LEX_COMMA;
+  kinds['?'] = LexerType::LEX_QUESTION;
+  kinds['|'] = LexerType::LEX_BAR;
+  kinds['&'] = LexerType::LEX_AMPERSAND;
+  kinds['%'] = LexerType::LEX_PERCENT;
+  return kinds;
+}();
+
 struct Keyword {
   std::string_view word;
   LexerType::LexToken kind;
@@ -57,52 +88,57 @@ unsigned digitValue(char c) {
 
 }  // namespace
 
+// The built-in text grows by somewhat more than its length; who needs a wider gap gets one.
 DTDLexer::DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame)
-    : frame_(frame), ahead_(text), growthLeft_(growthFor(text.size())) {
-  read_.reserve(2 * text.size());
-}
-
-std::string_view DTDLexer::slice(std::uint32_t start, std::uint32_t end) const {
-  if (start >= read_.size() || end <= start) return {};
-  return std::string_view(read_).substr(start, end - start);
+    : frame_(frame),
+      buffer_(new char[text.size() + text.size() * 5 / 4 + 2 * kSlack]),
+      head_(text.size() * 5 / 4 + kSlack),
+      end_(head_ + text.size()),
+      growthLeft_(growthFor(text.size())) {
+  text.copy(&buffer_[head_], text.size());
+  std::memset(&buffer_[end_], 0, kSlack);
 }
 
 // --- the two parts of the text ---------------------------------------------------------------------------------------
 
-void DTDLexer::take(std::size_t count) {
-  count = std::min(count, ahead_.size() - head_);
-  read_.append(ahead_, head_, count);
+void DTDLexer::takeMany(std::size_t count) {
+  count = std::min(count, end_ - head_);
+  std::memmove(&buffer_[read_], &buffer_[head_], count);
+  read_ += count;
   head_ += count;
 }
 
 void DTDLexer::putAhead(std::string_view text) {
-  if (text.size() > head_) {
-    // Room in front that grows with what is there, so that moving costs no more than what is put in.
-    const std::size_t room = text.size() + (ahead_.size() - head_) + kLeastGrowth;
-    std::string wider(room, '\0');
-    wider.append(ahead_, head_);
-    ahead_ = std::move(wider);
-    head_ = room;
+  if (text.size() > head_ - read_) {
+    // A gap that grows with what is there, so that moving costs no more than what is put in.
+    const std::size_t left = end_ - head_;
+    const std::size_t head = read_ + text.size() + (read_ + left) + kLeastGrowth;
+    std::unique_ptr<char[]> wider(new char[head + left + kSlack]);
+    std::memcpy(&wider[0], &buffer_[0], read_);
+    std::memcpy(&wider[head], &buffer_[head_], left + kSlack);
+    buffer_ = std::move(wider);
+    head_ = head;
+    end_ = head + left;
   }
   head_ -= text.size();
-  text.copy(&ahead_[head_], text.size());
+  text.copy(&buffer_[head_], text.size());
 }
 
 // --- references to parameter entities --------------------------------------------------------------------------------
 
 // KEPT: a "%" that ends the text is a reference with an empty name.
 bool DTDLexer::isReference(std::size_t at) const {
-  return ahead_[at] == '%' && (at + 1 == ahead_.size() || !isSpaceByte(ahead_[at + 1]));
+  return buffer_[at] == '%' && (at + 1 == end_ || !isSpaceByte(buffer_[at + 1]));
 }
 
 // Moves `at` behind the reference that stands there and appends its text to `out`. False, with LEX_UNDEFINED_ENTITY
 // queued, if it has none: the reference is left out then.
 bool DTDLexer::replacement(std::size_t& at, std::string& out) {
   const std::size_t nameStart = at + 1;
-  const std::size_t nameEnd = std::min(ahead_.find_first_of("; >", nameStart), ahead_.size());
-  at = nameEnd < ahead_.size() && ahead_[nameEnd] == ';' ? nameEnd + 1 : nameEnd;
-  const EntityRecord* entity =
-      frame_->parameterEntities->find(std::string_view(ahead_).substr(nameStart, nameEnd - nameStart));
+  std::size_t nameEnd = nameStart;
+  while (nameEnd < end_ && buffer_[nameEnd] != ';' && buffer_[nameEnd] != ' ' && buffer_[nameEnd] != '>') ++nameEnd;
+  at = nameEnd < end_ && buffer_[nameEnd] == ';' ? nameEnd + 1 : nameEnd;
+  const EntityRecord* entity = frame_->parameterEntities->find({&buffer_[nameStart], nameEnd - nameStart});
   // Each replacement counts for one byte more than it has, so that entities which hold their own names end as well.
   const std::size_t cost =
       entity ? entity->text.size() + entity->publicId.size() + entity->systemId.size() + 1 : std::size_t{0};
@@ -119,7 +155,7 @@ bool DTDLexer::replacement(std::size_t& at, std::string& out) {
 
 // Expands the references that stand at the position, until none does, for an empty text brings the next one there, or
 // one is undeclared. Returns false in that case.
-bool DTDLexer::expandHere() {
+bool DTDLexer::expandReferences() {
   std::string text;
   bool known = true;
   while (known && !atEnd() && isReference(head_)) {
@@ -128,7 +164,7 @@ bool DTDLexer::expandHere() {
     known = replacement(at, text);
     head_ = at;
     putAhead(text);
-    expandedTo_ = read_.size() + text.size();
+    expandedTo_ = read_ + text.size();
   }
   return known;
 }
@@ -136,24 +172,25 @@ bool DTDLexer::expandHere() {
 // Expands the references that begin in the next `length` bytes, but for those in comments; quotes do not hide them.
 // They are put together and put back in one piece. Returns whether anything changed.
 bool DTDLexer::expandAhead(std::size_t length) {
-  const std::size_t limit = head_ + std::min(length, ahead_.size() - head_);
-  if (limit == head_ || !std::memchr(&ahead_[head_], '%', limit - head_)) return false;
+  const std::size_t limit = head_ + std::min(length, end_ - head_);
+  if (limit == head_ || !std::memchr(&buffer_[head_], '%', limit - head_)) return false;
+  const std::string_view whole(buffer_.get(), end_);
   std::string expanded;
   std::size_t copied = head_;
   std::size_t lastText = 0;
   bool changed = false;
   for (std::size_t at = head_; at < limit;) {
     if (isReference(at)) {
-      expanded.append(ahead_, copied, at - copied);
+      expanded.append(whole, copied, at - copied);
       const bool known = replacement(at, expanded);
       copied = at;
       lastText = expanded.size();
       changed = true;
       if (!known) break;
-    } else if (ahead_[at] == '-' && at + 1 < ahead_.size() && ahead_[at + 1] == '-') {
-      at = ahead_.find("--", at + 2);
-      if (at != std::string::npos) at = ahead_.find_first_not_of('-', at);
-      if (at == std::string::npos) break;
+    } else if (whole[at] == '-' && at + 1 < end_ && whole[at + 1] == '-') {
+      at = whole.find("--", at + 2);
+      if (at != std::string_view::npos) at = whole.find_first_not_of('-', at);
+      if (at == std::string_view::npos) break;
     } else {
       ++at;
     }
@@ -161,7 +198,7 @@ bool DTDLexer::expandAhead(std::size_t length) {
   if (!changed) return false;
   head_ = copied;
   putAhead(expanded);
-  expandedTo_ = read_.size() + lastText;
+  expandedTo_ = read_ + lastText;
   return true;
 }
 
@@ -170,94 +207,78 @@ bool DTDLexer::expandAhead(std::size_t length) {
 char DTDLexer::nextChar(bool consume) {
   expandHere();
   if (atEnd()) return '\0';
-  const char c = ahead_[head_];
+  const char c = buffer_[head_];
   if (consume) take(1);
   return c;
 }
 
 bool DTDLexer::matchAt(std::string_view word) {
-  if (read_.size() + word.size() > expandedTo_) expandAhead(word.size());
-  return ahead_.compare(head_, word.size(), word) == 0;
+  if (read_ + word.size() > expandedTo_) expandAhead(word.size());
+  return ahead().substr(0, word.size()) == word;
 }
 
 // Only lines of white space count. Returns false at an undeclared reference.
 bool DTDLexer::skipSpace() {
   while (expandHere()) {
-    if (atEnd() || !isSpaceByte(ahead_[head_])) return true;
-    const std::size_t from = head_;
-    std::size_t to = from;
-    for (; to < ahead_.size() && isSpaceByte(ahead_[to]); ++to) {
-      if (ahead_[to] == '\n') ++line_;
-    }
-    take(to - from);
+    if (atEnd() || !isSpaceByte(buffer_[head_])) return true;
+    const char* const from = &buffer_[head_];
+    const char* to = from;
+    std::uint32_t lines = 0;
+    for (; isSpaceByte(*to); ++to) lines += *to == '\n';
+    line_ += lines;
+    take(static_cast<std::size_t>(to - from));
   }
   return false;
 }
 
-// Takes the text up to the first of `delimiters`; one behind a backslash does not count.
-void DTDLexer::scanUntil(const ByteSet& delimiters) {
-  const auto find = [this, &delimiters] {
-    char before = read_.empty() ? '\0' : read_.back();
+// Takes the text up to the first of `delimiters`; one behind a backslash does not count. Text up to a
+// delimiter that has no other of their `stops` needs one walk only.
+void DTDLexer::scanUntil(const ByteSet& delimiters, const ByteSet& stops) {
+  const char before = read_ == 0 ? '\0' : buffer_[read_ - 1];
+  const char* const from = &buffer_[head_];
+  const char* to = from;
+  while (!stops[static_cast<unsigned char>(*to)]) ++to;
+  if (before != '\\' && delimiters[static_cast<unsigned char>(*to)]) {
+    take(static_cast<std::size_t>(to - from));
+    return;
+  }
+  const auto find = [this, &delimiters, before] {
+    char last = before;
     std::size_t at = head_;
-    for (; at < ahead_.size(); before = ahead_[at++]) {
-      if (delimiters[static_cast<unsigned char>(ahead_[at])] && before != '\\') break;
+    for (; at < end_; last = buffer_[at++]) {
+      if (delimiters[static_cast<unsigned char>(buffer_[at])] && last != '\\') break;
     }
     return at - head_;
   };
   std::size_t length = find();
-  if (read_.size() + length > expandedTo_ && expandAhead(length)) length = find();
+  if (read_ + length > expandedTo_ && expandAhead(length)) length = find();
   take(length);
 }
 
 // --- tokens ----------------------------------------------------------------------------------------------------------
 
+inline void DTDLexer::addCharacter(LexerType::LexToken kind) {
+  take(1);
+  addToken(kind, position() - 1, position());
+}
+
 int DTDLexer::lex() {
-  if (!skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
+  // Nothing, or one blank, stands before most tokens.
+  if (buffer_[head_] == ' ') {
+    buffer_[read_++] = ' ';
+    ++head_;
+  }
+  if (kGaps[static_cast<unsigned char>(buffer_[head_])] && !skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
   if (atEnd()) {
     addToken(LexerType::LEX_EOF, LexRecord::NO_POSITION, LexRecord::NO_POSITION);
     return 0;
   }
-  const char c = ahead_[head_];
+  const char c = buffer_[head_];
+  if (const LexerType::LexToken kind = kCharacterTokens[static_cast<unsigned char>(c)]) {
+    addCharacter(kind);
+    return 0;
+  }
   switch (c) {
-    case '<':
-      addCharacter(LexerType::LEX_TAG_OPEN);
-      break;
-    case '>':
-      addCharacter(LexerType::LEX_TAG_CLOSE);
-      break;
-    case '(':
-      addCharacter(LexerType::LEX_LPAREN);
-      break;
-    case ')':
-      addCharacter(LexerType::LEX_RPAREN);
-      break;
-    case '[':
-      addCharacter(LexerType::LEX_LBRACKET);
-      break;
-    case ']':
-      addCharacter(LexerType::LEX_RBRACKET);
-      break;
-    case '*':
-      addCharacter(LexerType::LEX_STAR);
-      break;
-    case '+':
-      addCharacter(LexerType::LEX_PLUS);
-      break;
-    case ',':
-      addCharacter(LexerType::LEX_COMMA);
-      break;
-    case '?':
-      addCharacter(LexerType::LEX_QUESTION);
-      break;
-    case '|':
-      addCharacter(LexerType::LEX_BAR);
-      break;
-    case '&':
-      addCharacter(LexerType::LEX_AMPERSAND);
-      break;
-    case '%':
-      addCharacter(LexerType::LEX_PERCENT);
-      break;
     case '-':
       if (matchAt("--")) {
         lexComment();
@@ -277,11 +298,6 @@ int DTDLexer::lex() {
       break;
   }
   return 0;
-}
-
-void DTDLexer::addCharacter(LexerType::LexToken kind) {
-  take(1);
-  addToken(kind, position() - 1, position());
 }
 
 void DTDLexer::lexKeyword() {
@@ -304,24 +320,28 @@ void DTDLexer::lexKeyword() {
 // A comment closes at the next "--" and swallows every dash behind it. Nothing in it is expanded.
 void DTDLexer::lexComment() {
   const std::uint32_t start = position();
-  std::size_t end = ahead_.find("--", head_ + 2);
-  if (end != std::string::npos) end = ahead_.find_first_not_of('-', end);
-  take(std::min(end, ahead_.size()) - head_);
+  std::size_t end = ahead().find("--", 2);
+  if (end != std::string_view::npos) end = ahead().find_first_not_of('-', end);
+  take(end);
   addToken(LexerType::LEX_COMMENT, start, position());
 }
 
 void DTDLexer::lexLiteral(char quote) {
   take(1);
   const std::uint32_t start = position();
-  scanUntil(quote == '"' ? kQuote : kApostrophe);
+  if (quote == '"') {
+    scanUntil(kQuote, kQuoteStops);
+  } else {
+    scanUntil(kApostrophe, kApostropheStops);
+  }
   addToken(LexerType::LEX_LITERAL, start, position());
   take(1);
 }
 
 void DTDLexer::lexWord() {
   const std::uint32_t start = position();
-  scanUntil(kWordDelimiters);
-  const std::string_view word = slice(start, position());
+  scanUntil(kWordDelimiters, kWordStops);
+  const std::string_view word(&buffer_[start], read_ - start);
   addToken(word == "#PCDATA" ? LexerType::LEX_PCDATA
            : word == "CDATA" ? LexerType::LEX_CDATA
                              : LexerType::LEX_NAME,

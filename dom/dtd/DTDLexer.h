@@ -1,6 +1,9 @@
 // Internal. Cuts the text of a document type definition into tokens.
 #pragma once
 
+#include <algorithm>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -11,13 +14,13 @@
 namespace zeldom40 {
 
 // A parameter entity's text takes the place of its reference in the lexer's own text, so there is no stack of lexers.
-// The text is kept in two parts, what was read and what lies ahead, and a replacement is put in front of the second:
-// whatever it holds, no reference costs more than its own length and that of its replacement. Offsets of tokens count
-// in the first part.
+// The text is kept in two parts of one buffer, what was read at its front and what lies ahead at its end. A replacement
+// is put in front of the second, into the gap: whatever it holds, no reference costs more than its own length and that
+// of its replacement. Offsets of tokens count in the first part.
 //
 // References are expanded late, when a scan comes to them; what was expanded is not walked again, but a reference that
 // stands at the position is, wherever it came from.
-class DTDLexer : public Lexer {
+class DTDLexer final : public Lexer {
  public:
   // Copies `text`; looks parameter entities up in `frame`, which must outlive the lexer.
   DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame);
@@ -25,7 +28,10 @@ class DTDLexer : public Lexer {
   int lex() override;
   bool matchAt(std::string_view word) override;
   char nextChar(bool consume) override;
-  std::string_view slice(std::uint32_t start, std::uint32_t end) const override;
+  std::string_view slice(std::uint32_t start, std::uint32_t end) const override {
+    if (start >= read_ || end <= start) return {};
+    return {buffer_.get() + start, std::min<std::size_t>(end, read_) - start};
+  }
   using Lexer::slice;
 
   // Whether `s` is a numeric character reference. KEPT: the digit behind "&#" or "&#x" is not looked at.
@@ -36,16 +42,31 @@ class DTDLexer : public Lexer {
   static bool encodeCharacterReference(std::string& text, std::uint32_t* code);
 
  private:
-  std::uint32_t position() const { return static_cast<std::uint32_t>(read_.size()); }
-  bool atEnd() const { return head_ == ahead_.size(); }
-  void take(std::size_t count);
+  // The NULs behind the text, which may be copied along and end a walk.
+  static constexpr std::size_t kSlack = 16;
+
+  std::uint32_t position() const { return static_cast<std::uint32_t>(read_); }
+  bool atEnd() const { return head_ == end_; }
+  std::string_view ahead() const { return {buffer_.get() + head_, end_ - head_}; }
+  // Most tokens are short and the gap is wide: one copy of fixed length then, a few instructions for some fifty.
+  void take(std::size_t count) {
+    if (count <= kSlack && head_ - read_ >= kSlack && count <= end_ - head_) {
+      std::memcpy(buffer_.get() + read_, buffer_.get() + head_, kSlack);
+      read_ += count;
+      head_ += count;
+    } else {
+      takeMany(count);
+    }
+  }
+  void takeMany(std::size_t count);
   void putAhead(std::string_view text);
   bool isReference(std::size_t at) const;
   bool replacement(std::size_t& at, std::string& out);
-  bool expandHere();
+  bool expandHere() { return atEnd() || buffer_[head_] != '%' || expandReferences(); }
+  bool expandReferences();
   bool expandAhead(std::size_t length);
   bool skipSpace();
-  void scanUntil(const ByteSet& delimiters);
+  void scanUntil(const ByteSet& delimiters, const ByteSet& stops);
   void addCharacter(LexerType::LexToken kind);
   void lexKeyword();
   void lexComment();
@@ -53,9 +74,10 @@ class DTDLexer : public Lexer {
   void lexWord();
 
   const ParserType::_dtd_frame* frame_;
-  std::string read_;
-  std::string ahead_;  // from head_ on
-  std::size_t head_ = 0;
+  std::unique_ptr<char[]> buffer_;
+  std::size_t read_ = 0;        // what was read ends here
+  std::size_t head_;            // what lies ahead begins here
+  std::size_t end_;             // and ends here
   std::size_t expandedTo_ = 0;  // counted as a position
   std::size_t growthLeft_;
 };

@@ -35,6 +35,7 @@ bool isLast(LexerType::LexToken kind) { return kind == LexerType::LEX_EOF || kin
 
 // Drops each backslash and keeps what stands behind it.
 std::string withoutBackslashes(std::string_view text) {
+  if (text.find('\\') == std::string_view::npos) return std::string(text);
   std::string plain;
   plain.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -44,18 +45,43 @@ std::string withoutBackslashes(std::string_view text) {
   return plain;
 }
 
-int declaredTypeOf(std::string_view upperKeyword) {
-  static constexpr std::string_view kKeywords[] = {"CDATA",    "ID",      "IDREF",    "IDREFS",   "ENTITY",
-                                                   "ENTITIES", "NMTOKEN", "NMTOKENS", "NOTATION", "NAME_TOKEN_GROUP"};
-  const auto* found = std::find(std::begin(kKeywords), std::end(kKeywords), upperKeyword);
-  return found == std::end(kKeywords) ? 0 : static_cast<int>(found - kKeywords) + 1;
+// The place (1-based) of a word, in any case of letters, among keywords; 0 if it is none of them.
+template <std::size_t N>
+std::uint8_t placeOf(std::string_view word, const std::string_view (&upperKeywords)[N]) {
+  for (std::size_t i = 0; i < N; ++i) {
+    if (equalsFolded(word, upperKeywords[i])) return static_cast<std::uint8_t>(i + 1);
+  }
+  return 0;
 }
 
-int defaultTypeOf(std::string_view upperKeyword) {
-  static constexpr std::string_view kKeywords[] = {"#FIXED", "#REQUIRED", "#IMPLIED"};
-  const auto* found = std::find(std::begin(kKeywords), std::end(kKeywords), upperKeyword);
-  return found == std::end(kKeywords) ? 0 : static_cast<int>(found - kKeywords) + 1;
+std::uint8_t declaredTypeOf(std::string_view word) {
+  static constexpr std::string_view kKeywords[] = {"CDATA",    "ID",      "IDREF",    "IDREFS",   "ENTITY",
+                                                   "ENTITIES", "NMTOKEN", "NMTOKENS", "NOTATION", "NAME_TOKEN_GROUP"};
+  return placeOf(word, kKeywords);
 }
+
+std::uint8_t defaultTypeOf(std::string_view word) {
+  static constexpr std::string_view kKeywords[] = {"#FIXED", "#REQUIRED", "#IMPLIED"};
+  return placeOf(word, kKeywords);
+}
+
+// A name in upper case; the name itself, with no copy made, if it has no other letters.
+class UpperName {
+ public:
+  explicit UpperName(std::string_view name) : view_(name) {
+    if (std::any_of(name.begin(), name.end(), [](char c) { return upperByte(c) != c; })) {
+      copy_ = Parser::toUpperName(name);
+      view_ = copy_;
+    }
+  }
+  UpperName(const UpperName&) = delete;
+  UpperName& operator=(const UpperName&) = delete;
+  operator std::string_view() const { return view_; }
+
+ private:
+  std::string copy_;
+  std::string_view view_;
+};
 
 }  // namespace
 
@@ -107,12 +133,29 @@ DTDParser::~DTDParser() {
   if (ownsFrame_) delete frame_;
 }
 
+// --- tokens ----------------------------------------------------------------------------------------------------------
+
+// What the base does, without a call for each of some ten thousand tokens.
+inline LexerType::LexToken DTDParser::take() {
+  current_ = lexer_->nextToken();
+  hasCurrent_ = true;
+  return current_.kind;
+}
+
+inline LexerType::LexToken DTDParser::nextKind() { return lexer_->peekToken(0).kind; }
+
+inline std::string_view DTDParser::text(const LexRecord& token) const {
+  return static_cast<const DTDLexer*>(lexer_.get())->slice(token.start, token.end);
+}
+
+inline std::string_view DTDParser::currentText() const { return text(current_); }
+
 // --- the loop over declarations --------------------------------------------------------------------------------------
 
 int DTDParser::parse(LexerType::LexToken stop) {
   if (!lexer_) return -1;
   while (true) {
-    const LexerType::LexToken kind = advance();
+    const LexerType::LexToken kind = take();
     if (kind == stop) return 0;
     switch (kind) {
       case LexerType::LEX_EOF:
@@ -144,15 +187,15 @@ int DTDParser::parse(LexerType::LexToken stop) {
 }
 
 LexerType::LexToken DTDParser::advancePastComments() {
-  LexerType::LexToken kind = advance();
-  while (kind == LexerType::LEX_COMMENT) kind = advance();
+  LexerType::LexToken kind = take();
+  while (kind == LexerType::LEX_COMMENT) kind = take();
   if (isLast(kind)) pushBack();
   return kind;
 }
 
 LexerType::LexToken DTDParser::peekPastComments() {
-  while (peekKind() == LexerType::LEX_COMMENT) advance();
-  return peekKind();
+  while (nextKind() == LexerType::LEX_COMMENT) take();
+  return nextKind();
 }
 
 // An external parameter entity expands to PUBLIC and its identifiers.
@@ -173,7 +216,7 @@ void DTDParser::parsePublicIdentifier() {
 void DTDParser::parseEntity() {
   switch (peekPastComments()) {
     case LexerType::LEX_PERCENT:
-      advance();
+      take();
       parseParameterEntity();
       break;
     case LexerType::LEX_NAME:
@@ -259,10 +302,9 @@ void DTDParser::parseGeneralEntity() {
   if (DTDLexer::encodeCharacterReference(entity.text, &code)) {
     frame_->charEntities->try_emplace(code, CharEntityRecord{code, name, entity.text});
   }
-  if (frame_->generalEntities->find(name)) return;
   entity.order = frame_->generalRecords.size();
-  frame_->generalRecords.push_back(std::move(entity));
-  frame_->generalEntities->insert(name, &frame_->generalRecords.back());
+  GeneralEntityRecord& stored = frame_->generalRecords.emplace_back(std::move(entity));
+  if (!frame_->generalEntities->insert(name, &stored)) frame_->generalRecords.pop_back();
 }
 
 // --- elements --------------------------------------------------------------------------------------------------------
@@ -273,26 +315,26 @@ std::vector<std::string> DTDParser::parseNameGroup() {
   std::vector<std::string> names;
   switch (peekPastComments()) {
     case LexerType::LEX_NAME:
-      advance();
+      take();
       names.emplace_back(currentText());
       return names;
     case LexerType::LEX_LPAREN:
-      advance();
+      take();
       break;
     default:
       return names;
   }
   while (true) {
-    switch (peekKind()) {
+    switch (nextKind()) {
       case LexerType::LEX_NAME:
-        advance();
+        take();
         names.emplace_back(currentText());
         break;
       case LexerType::LEX_BAR:
-        advance();
+        take();
         break;
       case LexerType::LEX_RPAREN:
-        advance();
+        take();
         return names;
       default:
         return names;
@@ -333,7 +375,7 @@ void DTDParser::parseElement() {
     } else {
       return;
     }
-    advance();
+    take();
   }
   // 3. The content, and the end, which stays.
   Content content;
@@ -343,7 +385,7 @@ void DTDParser::parseElement() {
 }
 
 void DTDParser::declareElement(const std::string& name, int omission, const Content& content) {
-  const int nameId = enterName(toUpperName(name));
+  const int nameId = enterName(UpperName(name));
   if (nameId < 0) return;
   auto* definition = new ElementDefinition;
   const SharedName& upperName = frame_->names.name(nameId);
@@ -382,7 +424,7 @@ bool DTDParser::countToken() { return ownsFrame_ || frame_->pageTokens++ < kMost
 
 int DTDParser::parseOccurrence() {
   auto occurrence = Occurrence::kOnce;
-  switch (peekKind()) {
+  switch (nextKind()) {
     case LexerType::LEX_QUESTION:
       occurrence = Occurrence::kOptional;
       break;
@@ -395,14 +437,14 @@ int DTDParser::parseOccurrence() {
     default:
       return static_cast<int>(occurrence);
   }
-  advance();
+  take();
   return static_cast<int>(occurrence);
 }
 
 // The next token, which is a name, as an item of `group`.
 bool DTDParser::addElementToken(ModelGroup& group) {
-  advance();
-  const int nameId = enterName(toUpperName(currentText()));
+  take();
+  const int nameId = enterName(UpperName(currentText()));
   if (nameId < 0 || !countToken()) return false;
   auto* token = new ElementToken(frame_->names.name(nameId), nameId);
   token->occurrence = static_cast<Occurrence>(parseOccurrence());
@@ -411,7 +453,7 @@ bool DTDParser::addElementToken(ModelGroup& group) {
 }
 
 bool DTDParser::addTextToken(ModelGroup& group) {
-  advance();
+  take();
   if (!countToken()) return false;
   group.add(new PCDATAToken(DOMAccess::pcdataName()));
   return true;
@@ -436,15 +478,15 @@ bool DTDParser::parseContent(Content& content) {
     } else if (state != following) {
       return false;
     }
-    advance();
+    take();
     return true;
   };
   while (true) {
-    const LexerType::LexToken kind = peekKind();
+    const LexerType::LexToken kind = nextKind();
     switch (kind) {
       case LexerType::LEX_LPAREN: {
         if (outer.size() == kDeepestGroup || !countToken()) return false;
-        advance();
+        take();
         outer.emplace_back(state, current);
         auto* group = new ModelGroup;
         current->add(group);
@@ -453,7 +495,7 @@ bool DTDParser::parseContent(Content& content) {
         continue;
       }
       case LexerType::LEX_RPAREN:
-        advance();
+        take();
         current->occurrence = static_cast<Occurrence>(parseOccurrence());
         if (outer.empty()) {
           state = OUTSIDE;
@@ -465,13 +507,13 @@ bool DTDParser::parseContent(Content& content) {
         continue;
       case LexerType::LEX_COMMENT:
         if (state != OUTSIDE) return true;
-        advance();
+        take();
         continue;
       case LexerType::LEX_NAME: {
         const std::string_view word = text(peekToken(0));
         if (state == OUTSIDE && (word == "EMPTY" || word == "ANY")) {
           content.type = word == "ANY" ? ElementDefinition::CONTENT_ANY : ElementDefinition::CONTENT_EMPTY;
-          advance();
+          take();
           continue;
         }
         content.type = ElementDefinition::CONTENT_ELEMENTS;
@@ -490,7 +532,7 @@ bool DTDParser::parseContent(Content& content) {
       case LexerType::LEX_PLUS:
       case LexerType::LEX_MINUS:
         if (state != OUTSIDE) return true;
-        advance();
+        take();
         current = content.renew(kind == LexerType::LEX_PLUS ? content.inclusions : content.exclusions);
         continue;
       case LexerType::LEX_BAR:
@@ -514,30 +556,32 @@ void DTDParser::parseAttributeList() {
   const std::vector<std::string> elementNames = parseNameGroup();
   if (elementNames.empty()) return;
   auto list = std::make_unique<AttributeListHolder>();
-  std::string name;
+  if (!listedNames_) listedNames_ = std::make_unique<ListedNames>();
+  const ListedNames::Entry* name = &listedNames_->find({});
   // KEPT: an enumeration does not write it, and so says the type of the attribute before it.
-  int declaredType = 0;
+  std::uint8_t declaredType = 0;
   do {
     // KEPT: a token that is no name is taken all the same, and the name stays what it was.
     const LexerType::LexToken kind = advancePastComments();
     if (isLast(kind)) return;
-    if (kind == LexerType::LEX_NAME) name = currentText();
+    if (kind == LexerType::LEX_NAME) name = &listedNames_->find(currentText());
     auto definition = std::make_unique<AttributeDefinition>();
     if (!parseAttributeType(*definition, declaredType) || !parseAttributeDefault(*definition)) return;
     definition->declaredType_ = declaredType;
-    definition->setName(name);
-    list->byName.insert(definition->upperName().view(), definition.get());
+    NodeAccess::setName(definition.get(), name->name);
+    definition->upperName_ = name->upperName;
+    list->byName.insert(definition.get(), name->hash);
     NodeAccess::append(&list->holder, definition.release());
   } while (peekPastComments() != LexerType::LEX_TAG_CLOSE);
   installAttributeList(elementNames, std::move(list));
 }
 
 // A keyword, which goes into `declaredType`, or the values of an enumeration.
-bool DTDParser::parseAttributeType(AttributeDefinition& definition, int& declaredType) {
+bool DTDParser::parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType) {
   switch (advancePastComments()) {
     case LexerType::LEX_NAME:
     case LexerType::LEX_CDATA:
-      declaredType = declaredTypeOf(toUpperName(currentText()));
+      declaredType = declaredTypeOf(currentText());
       return true;
     case LexerType::LEX_LPAREN:
       break;
@@ -546,11 +590,12 @@ bool DTDParser::parseAttributeType(AttributeDefinition& definition, int& declare
       return false;
   }
   definition.allowedTokens_ = std::make_unique<std::vector<std::string>>();
+  definition.allowedTokens_->reserve(2);  // most have two or three
   while (true) {
     switch (advancePastComments()) {
       case LexerType::LEX_NAME:
       case LexerType::LEX_CDATA:
-        definition.allowedTokens_->push_back(toUpperName(currentText()));
+        toUpperName(definition.allowedTokens_->emplace_back(currentText()));
         break;
       case LexerType::LEX_BAR:
         break;
@@ -573,7 +618,7 @@ bool DTDParser::parseAttributeDefault(AttributeDefinition& definition) {
   };
   if (!takeWord()) return false;
   constexpr int kFixed = 1;
-  definition.defaultType_ = defaultTypeOf(toUpperName(currentText()));
+  definition.defaultType_ = defaultTypeOf(currentText());
   return definition.defaultType_ != kFixed || takeWord();
 }
 
@@ -583,7 +628,7 @@ void DTDParser::installAttributeList(const std::vector<std::string>& elementName
                                      std::unique_ptr<AttributeListHolder> list) {
   bool used = false;
   for (const std::string& name : elementNames) {
-    if (ElementDefinition* definition = frame_->elements->find(toUpperName(name))) {
+    if (ElementDefinition* definition = frame_->elements->find(UpperName(name))) {
       definition->attributes_ = list.get();
       used = true;
     }
@@ -598,7 +643,7 @@ void DTDParser::parseGroup() {
   static constexpr std::pair<std::string_view, unsigned long> kWords[] = {
       {"BLOCK", GROUP_BLOCK}, {"PLAIN", GROUP_PLAIN}, {"BREAK", GROUP_BREAK}, {"NOWRAP", GROUP_NOWRAP}};
   if (peekPastComments() != LexerType::LEX_NAME) return;
-  advance();
+  take();
   const std::string_view word = currentText();
   const auto* known =
       std::find_if(std::begin(kWords), std::end(kWords), [word](const auto& w) { return w.first == word; });
@@ -606,21 +651,21 @@ void DTDParser::parseGroup() {
   const std::vector<std::string> names = parseNameGroup();
   if (peekPastComments() != LexerType::LEX_TAG_CLOSE) return;
   for (const std::string& name : names) {
-    if (ElementDefinition* definition = frame_->elements->find(toUpperName(name))) definition->group_ |= known->second;
+    if (ElementDefinition* definition = frame_->elements->find(UpperName(name))) definition->group_ |= known->second;
   }
 }
 
 void DTDParser::parseMarkedSection() {
   // 1. "[", a keyword, "["; anything else is left to the loop over declarations.
   if (peekPastComments() != LexerType::LEX_LBRACKET) return;
-  advance();
+  take();
   if (peekPastComments() != LexerType::LEX_NAME) return;
   const std::string_view word = text(peekToken(0));
   const bool include = word == "INCLUDE";
   if (!include && word != "IGNORE") return;
-  advance();
+  take();
   if (peekPastComments() != LexerType::LEX_LBRACKET) return;
-  advance();
+  take();
   if (!include) {
     skipIgnoredSection();
     return;
@@ -639,14 +684,14 @@ void DTDParser::parseMarkedSection() {
 // stand right at the start closes the section. Its ">" is left to the loop.
 void DTDParser::skipIgnoredSection() {
   while (true) {
-    if (isLast(advance())) {
+    if (isLast(take())) {
       pushBack();
       return;
     }
     const auto comes = [this](std::size_t place, LexerType::LexToken kind) { return peekToken(place).kind == kind; };
     if (comes(0, LexerType::LEX_RBRACKET) && comes(1, LexerType::LEX_RBRACKET) && comes(2, LexerType::LEX_TAG_CLOSE)) {
-      advance();
-      advance();
+      take();
+      take();
       return;
     }
   }

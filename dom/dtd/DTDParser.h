@@ -1,6 +1,7 @@
 // Reads the text of an SGML document type definition into tables.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,6 +13,7 @@
 namespace zeldom40 {
 
 class AttributeDefinition;
+class ListedNames;
 class ModelGroup;
 struct AttributeListHolder;
 
@@ -41,6 +43,10 @@ class ZELDOM40_API DTDParser : public Parser {
  private:
   struct Content;
 
+  LexerType::LexToken take();
+  LexerType::LexToken nextKind();
+  std::string_view text(const LexRecord& token) const;
+  std::string_view currentText() const;
   LexerType::LexToken advancePastComments();
   LexerType::LexToken peekPastComments();
   void parsePublicIdentifier();
@@ -57,7 +63,7 @@ class ZELDOM40_API DTDParser : public Parser {
   bool addTextToken(ModelGroup& group);
   bool parseContent(Content& content);
   void parseAttributeList();
-  bool parseAttributeType(AttributeDefinition& definition, int& declaredType);
+  bool parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType);
   bool parseAttributeDefault(AttributeDefinition& definition);
   void installAttributeList(const std::vector<std::string>& elementNames, std::unique_ptr<AttributeListHolder> list);
   void parseGroup();
@@ -67,6 +73,7 @@ class ZELDOM40_API DTDParser : public Parser {
   ParserType::_dtd_frame* frame_ = nullptr;
   bool ownsFrame_ = false;
   int sectionDepth_ = 0;
+  std::unique_ptr<ListedNames> listedNames_;  // made by the first list
 };
 
 }  // namespace zeldom40

@@ -36,7 +36,6 @@ template <class T>
 class Hash {
  public:
   static constexpr unsigned kFrameBuckets = 211;
-  static constexpr unsigned kAttributeBuckets = 19;
 
   explicit Hash(unsigned buckets) : buckets_(buckets, nullptr) {}
   Hash(const Hash&) = delete;

@@ -10,7 +10,7 @@ namespace zeldom40 {
 
 ModelGroup::ModelGroup() : Node(NODE_MODEL_GROUP) { NodeAccess::append(this, new Node()); }
 
-void ModelGroup::add(Node* item) { NodeAccess::append(getFirstChild(), item); }
+void ModelGroup::add(Node* item) { NodeAccess::appendParsed(getFirstChild(), item); }
 
 Node* ModelGroup::findFirstByName(Node* name, Hash<ElementDefinition>* definitions, std::vector<Node*>* path) {
   if (!name) return nullptr;
@@ -18,7 +18,8 @@ Node* ModelGroup::findFirstByName(Node* name, Hash<ElementDefinition>* definitio
   return ModelWalk(question, definitions, path).find(*this);
 }
 
-ElementToken::ElementToken(const SharedName& name, int nameId) : Node(NODE_ELEMENT_TOKEN), nameId_(nameId) {
+ElementToken::ElementToken(const SharedName& name, int nameId)
+    : Node(NODE_ELEMENT_TOKEN), nameId_(static_cast<std::int16_t>(nameId)) {
   NodeAccess::setName(this, name);
 }
 

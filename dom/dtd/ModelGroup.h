@@ -1,6 +1,7 @@
 // Internal. The tree of a content model: groups, and below them the names.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,8 +12,8 @@
 
 namespace zeldom40 {
 
-enum class Occurrence { kOnce = 0, kOptional = 1, kRepeated = 2, kAny = 3 };
-enum class Connector { kNone = 0, kOr = 1, kSequence = 2, kAll = 3 };
+enum class Occurrence : std::uint8_t { kOnce = 0, kOptional = 1, kRepeated = 2, kAny = 3 };
+enum class Connector : std::uint8_t { kNone = 0, kOr = 1, kSequence = 2, kAll = 3 };
 
 // Items joined by one connector. They are the children of one plain node, which is the group's only child.
 // Connectors and occurrences are kept for tools; no answer depends on them.
@@ -46,7 +47,7 @@ class ElementToken : public Node {
   Occurrence occurrence = Occurrence::kOnce;
 
  private:
-  int nameId_;
+  std::int16_t nameId_;  // NameTable::kMostNames bounds it
   mutable const ElementDefinition* definition_ = nullptr;
 };
 
