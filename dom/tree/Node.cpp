@@ -148,7 +148,7 @@ std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
 // Ends a node that is just what the parser made, an exact Text or Element with its page, its name and at most a block
 // of attributes: 50 instructions where the destructors with their questions took 100. False for any other.
 bool NodeAccess::dismantle(Node* node) {
-  if (node->place_ || node->children_) return false;
+  if (node->place_ || node->leadsChunk_ || node->children_) return false;
   std::size_t size = 0;
   if (node->nodeType_ == Node::NODE_TEXT) {
     if (&typeid(*node) != &typeid(Text) || !TextAccess::dismantle(static_cast<Text*>(node))) return false;
