@@ -13,6 +13,7 @@
 #include "dom/tree/NodePool.h"
 #include "dom/zeldom40.h"
 #include "fuzz/PageCheck.h"
+#include "tests/host/TestPage.h"
 
 namespace zeldom40 {
 namespace {
@@ -60,6 +61,33 @@ TEST_P(RandomPageTest, APageCutAnywhereComesBack) {
     const std::string page{std::istreambuf_iterator<char>(in), {}};
     SCOPED_TRACE(file.path());
     expectBack(page, page.size() - std::min<std::size_t>(60, page.size()));
+  }
+}
+
+// Ordinary tags and texts are read from their bytes, but not by a parse that is to stop at a token: so one that waits
+// for a token which no page has reads all by tokens, and must find the same.
+TEST_P(RandomPageTest, BytesTellWhatTokensTell) {
+  fuzz::PageCheck check(GetParam());
+  DOM& dom = *check.dom();
+  fuzz::RandomPage random(/*seed=*/60 + GetParam(), *dom.getDocumentType());
+  const auto tree = [&dom](std::string_view page, LexerType::LexToken stop) {
+    Document* document = dom.createDocument("HTML");
+    Element* holder = document->createTemporaryElement();
+    {
+      HTMLParser parser(page.data(), page.size(), dom.getDocumentType()->getDTDFrame(), document);
+      parser.pushNode(holder);
+      parser.parse(stop);
+    }
+    std::string all = dumpTree(holder, kDumpAttributes | kDumpErrors | kDumpFlags);
+    all += dumpTree(holder, kDumpPlain) + document->getSourceBuf(holder, Document::SOURCE_ALL, /*compact=*/false);
+    holder->releaseRef(true);
+    dom.deleteDocument(document);
+    return all;
+  };
+  for (int i = 0; i < 3000; ++i) {
+    const std::string page = i == 0 ? std::string(kSamples[1]) : i == 1 ? std::string(kSamples[2]) : random.next();
+    if (fuzz::RandomPage::mayDeclare(page)) continue;
+    ASSERT_EQ(tree(page, LexerType::LEX_EOF), tree(page, LexerType::LEX_NOTATION_DECL)) << page;
   }
 }
 
