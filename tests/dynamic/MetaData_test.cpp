@@ -221,6 +221,23 @@ TEST_F(MetaDataTest, AnEditMakesAllMetaDataAroundItStale) {
   }
 }
 
+TEST_F(MetaDataTest, ATextThatNobodyCanMakeAnewNeedsAPlaceOfItsOwn) {
+  for (const char* lost : {"TYPE", "DYNAMICELEMENT"}) {
+    load("<BODY>" + pair(kDyn, "<INPUT DYNAMICELEMENT TYPE=radio>", "kept") +
+         "<UL DYNAMICELEMENT LOOPPROPERTY=\"a.b[]\"><LI>x</LI></UL>");
+    Element* input = element("INPUT");
+    input->deleteAttribute(lost);
+    EXPECT_NE(source().find("-->kept<!--"), std::string::npos) << lost;
+    // Inside a list there is none: what the list is saved with must be what a reader makes of its source.
+    element("BODY")->removeChild(input);
+    element("LI")->insertLast(input);
+    const std::string saved = source();
+    EXPECT_EQ(saved.find("kept"), std::string::npos) << saved;
+    load(saved);
+    EXPECT_EQ(source(), saved) << lost;
+  }
+}
+
 TEST_F(MetaDataTest, VisualsAreTakenOnlyIfTheyFit) {
   load("<BODY><%= x %>" + pair(kControl, "<OBJECT></OBJECT>", "r"));
   Element* shown = element("JSP:EXPRESSION");
