@@ -274,8 +274,9 @@ MetaDataAccess::Rest MetaDataAccess::startRuntimeText(MetaData& md, std::string&
   const bool canGenerate = md.canGenerate();
   const bool unchecked = !dryRun && !md.runtimeCompared_ && md.loadedFromPage_ && type != MetaData::AuthorTimeVisual;
   if (!canGenerate || (!md.runtimeDirty_ && !md.runtimeData_.empty() && !underStale && !unchecked)) {
-    // Inside a dynamic element a text has no place of its own in a page: the reader makes anew what the design-time
-    // source gives, which is nothing for an INPUT that lost its TYPE and a plain element for one that lost its mark.
+    // CHOICE: inside a dynamic element a text has no place of its own in a page: the reader makes anew what the
+    // design-time source gives, which is nothing for an INPUT that lost its TYPE and a plain element for one that lost
+    // its mark.
     if (walkTree && type == MetaData::DynamicData && !canGenerate) {
       return element && !element->isDynamicElement() ? Rest::WRITE_ELEMENT : Rest::NONE;
     }
