@@ -76,7 +76,7 @@ struct ParserType::_dtd_frame {
   // What pages declared of their own, bounded: their text must not make every later question expensive.
   int pageNames = 0;
   int pageTokens = 0;
-  int pageSubsets = 0;  // how many subsets of pages were read
+  unsigned readings = 0;  // grows with every text that is read into the tables
   // What a page parser keeps for the next page of this DTD.
   struct ParserNotes {
     virtual ~ParserNotes() = default;

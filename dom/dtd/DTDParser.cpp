@@ -154,6 +154,7 @@ inline std::string_view DTDParser::currentText() const { return text(current_); 
 
 int DTDParser::parse(LexerType::LexToken stop) {
   if (!lexer_) return -1;
+  ++frame_->readings;
   while (true) {
     const LexerType::LexToken kind = take();
     if (kind == stop) return 0;

@@ -107,7 +107,6 @@ void PageParser::readDeclaration() {
 void PageParser::readSubset(Slice subset) {
   if (subset.length == 0 || !frame_ || ++subsets_ > kMostSubsets) return;
   const std::string_view text = subset.in(lexer_.page());
-  ++frame_->pageSubsets;
   ParserType::_dtd_parser_frame shared{frame_};
   DTDParser parser(text.data(), static_cast<unsigned>(text.size()), &shared);
   parser.parse(LexerType::LEX_EOF);

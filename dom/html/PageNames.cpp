@@ -28,12 +28,12 @@ bool isJSPVersion1() { return DOM::getDOM() && DOM::getDOM()->getJSPVersion() ==
 
 void PageNames::noteSources() {
   table_ = &contentTable(*frame_);
-  subsets_ = frame_->pageSubsets;
+  readings_ = frame_->readings;
   jspVersion1_ = isJSPVersion1();
 }
 
 bool PageNames::holds() const {
-  return table_ == &contentTable(*frame_) && subsets_ == frame_->pageSubsets && jspVersion1_ == isJSPVersion1();
+  return table_ == &contentTable(*frame_) && readings_ == frame_->readings && jspVersion1_ == isJSPVersion1();
 }
 
 std::unique_ptr<PageNames> PageNames::takeFrom(ParserType::_dtd_frame* frame) {

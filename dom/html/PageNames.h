@@ -122,7 +122,7 @@ class PageNames : public ParserType::_dtd_frame::ParserNotes {
   std::size_t bytes_ = 0;  // of all names
   // What the entries were looked up in.
   const ContentTable* table_ = nullptr;
-  int subsets_ = 0;
+  unsigned readings_ = 0;
   bool jspVersion1_ = false;
 };
 

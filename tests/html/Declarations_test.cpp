@@ -1,4 +1,6 @@
 // Document type declarations and the subsets in them.
+#include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/DTDParser.h"
 #include "tests/html/HtmlTest.h"
 
 namespace zeldom40 {
@@ -41,6 +43,15 @@ TEST_F(Declarations, OfASubsetCountForThePageBehindThem) {
        "\"c\")))"},
       {"<NEW>a<IT>", "ZELROOT(NEW!8(\"a\" IT!8))"},
   });
+}
+
+TEST_F(Declarations, OfAHostCountForTheNextPage) {
+  EXPECT_EQ(tree("<P NEWER=1><B OWN=2>", kDumpErrors), "ZELROOT(HTML(BODY(P!4(B!44))))");
+  const std::string_view text = "<!ATTLIST P newer CDATA #IMPLIED>";
+  ParserType::_dtd_parser_frame shared{dom_->getDocumentType()->getDTDFrame()};
+  DTDParser parser(text.data(), static_cast<unsigned>(text.size()), &shared);
+  parser.parse(LexerType::LEX_EOF);
+  EXPECT_EQ(tree("<P NEWER=1><B OWN=2>", kDumpErrors), "ZELROOT(HTML(BODY(P(B!44))))");
 }
 
 // An entity means to a text what it meant where the text stands, whenever somebody asks.
