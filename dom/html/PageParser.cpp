@@ -62,6 +62,11 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
       nodes_(sharedStack ? sharedStack : &ownStack_),
       textName_(DOMAccess::textName()),
       commentName_(DOMAccess::commentName()) {
+  constexpr std::size_t kUsualDepth = 32;
+  constexpr std::size_t kUsualAttributes = 8;
+  open_.reserve(kUsualDepth);
+  ownStack_.reserve(kUsualDepth);
+  attributes_.reserve(kUsualAttributes);
   if (!sharedStack) return;
   std::vector<Node*> borrowed;
   borrowed.swap(*sharedStack);
