@@ -56,7 +56,8 @@ class ZELDOM40_API Document : public Node {
   // The root, an element named ZELROOT; null while there is no tree. Owned by the document.
   Element* getDocumentElement() { return documentElement_; }
   // Takes `node` out of its tree and drops one reference of its whole subtree; nodes that nobody else holds are
-  // deleted. Null or the root: the whole tree goes, with cursor and selections. Always returns null.
+  // deleted. Null or the root: the whole tree goes, with cursor and selections. What lives on carries UPDATE_REMOVED; a
+  // host's own setUpdateFlag is not called for it. Always returns null.
   Node* deleteNodes(Node* node);
   // Clears the tree's flags, then the document's own.
   void clearUpdateFlag() override;

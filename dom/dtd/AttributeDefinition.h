@@ -18,6 +18,7 @@ class ZELDOM40_API AttributeDefinition : public Node {
   AttributeDefinition();
   ~AttributeDefinition() override;
 
+  // For the reader of a DTD: one that is renamed later may not be found by a name any more.
   void setName(const char* name) override;
   void setName(const std::string& name) override;
 

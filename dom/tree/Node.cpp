@@ -325,17 +325,6 @@ void NodeAccess::adoptClone(Node* parent, Node* child) {
   addFlags(parent, Node::UPDATE_CHILD_MODIFIED);
 }
 
-void NodeAccess::attachRestored(Node* parent, Node* child) {
-  if (Node* left = parent->lastChild_) {
-    left->next_ = child;
-    child->prev_ = left;
-  } else {
-    parent->firstChild_ = child;
-  }
-  parent->lastChild_ = child;
-  child->parent_ = parent;
-}
-
 // --- links and lists -------------------------------------------------------------------------------------------------
 
 ChildListHolder* NodeAccess::holder(const Node* node) {

@@ -127,13 +127,8 @@ struct NodeAccess {
     if (Node* left = parent->lastChild_) {
       left->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
       child->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
-      left->next_ = child;
-      child->prev_ = left;
-    } else {
-      parent->firstChild_ = child;
     }
-    parent->lastChild_ = child;
-    child->parent_ = parent;
+    attachRestored(parent, child);
   }
   // Inserts a run, as the insertion calls do, of which is known that it holds no ancestor of `parent`: those calls
   // climb to the top to find out. No undo record. Behind or before `ref`, a child; null means last.
@@ -143,7 +138,16 @@ struct NodeAccess {
   // Detaches one child with the flags of removeChild, without record or cursor work.
   static void detach(Node* child);
   // Links a node of a restored tree below its parent, without any flags.
-  static void attachRestored(Node* parent, Node* child);
+  static void attachRestored(Node* parent, Node* child) {
+    if (Node* left = parent->lastChild_) {
+      left->next_ = child;
+      child->prev_ = left;
+    } else {
+      parent->firstChild_ = child;
+    }
+    parent->lastChild_ = child;
+    child->parent_ = parent;
+  }
   // One more child for a node whose children are about to be destroyed with it.
   static void hangOnDying(Node* parent, Node* child) {
     if (parent->children_) parent->children_->list.push_back(child);
