@@ -31,6 +31,7 @@ set(ZELDOM40_HEADERS
     dom/tree/Node.h
     dom/tree/NodeIterator.h
     dom/tree/PI.h
+    dom/tree/NodeKind.h
     dom/tree/PageSlice.h
     dom/tree/SharedName.h
     dom/tree/Text.h)

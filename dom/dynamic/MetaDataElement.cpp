@@ -35,13 +35,13 @@ void recordChange(Element* element) {
 
 }  // namespace
 
-MetaData* Element::getMetaData() const { return extra_ ? extra_->metaData : nullptr; }
+MetaData* Element::getMetaData() const { return hasExtra_ ? held_.extra->metaData : nullptr; }
 
 void Element::setMetaData(MetaData* md) {
   if (md == getMetaData()) return;
   noteChange();
   if (MetaData* old = getMetaData()) {
-    extra_->metaData = nullptr;
+    extra().metaData = nullptr;
     old->setElement(nullptr);
     old->releaseRef(false);
   }
@@ -59,11 +59,11 @@ void Element::setMetaData(MetaData* md) {
 bool Element::isDynamicElement() const {
   if (isDynamicByNature(this)) return true;
   if (attributesInBlock_) {
-    const AttributeBlock::Entry* entry = attributes_.block->find(kDynamicMark);
+    const AttributeBlock::Entry* entry = attributes().block->find(kDynamicMark);
     return entry && entry->definition;
   }
-  if (!attributes_.list) return false;
-  const Attribute* attribute = attributes_.list->getAttribute(kDynamicMark);
+  if (!attributes().list) return false;
+  const Attribute* attribute = attributes().list->getAttribute(kDynamicMark);
   return attribute && attribute->getAttributeDefinition();
 }
 

@@ -17,45 +17,35 @@ Comment::Comment(const std::string& data, Document* document) : Node(NODE_COMMEN
 
 Comment::Comment(const char* data, Document* document) : Comment(std::string(data ? data : ""), document) {}
 
-Comment::Comment(FromPage, Document* document) : Node(NODE_COMMENT, document) {}
+Comment::Comment(FromPage, NodeKind* kind, Slice raw, Slice body)
+    : Node(Parsed{}, NODE_COMMENT, kind, UPDATE_CREATED), rawDirty_(false), body_(body) {
+  leaf().raw = raw;
+}
 
-Comment::Comment(const Comment& other)
-    : Node(other),
-      rawDirty_(other.rawDirty_),
-      jsp_(other.jsp_),
-      page_(other.page_),
-      raw_(other.raw_),
-      body_(other.body_),
-      strings_(other.strings_ ? new TextStrings(*other.strings_) : nullptr) {
+Comment::Comment(const Comment& other) : Node(other), rawDirty_(other.rawDirty_), jsp_(other.jsp_), body_(other.body_) {
+  leaf().raw = other.leaf().raw;
+  if (other.leaf().strings) {
+    leaf().strings = new TextStrings(*other.leaf().strings);
+    leaf().strings->children = {};
+  }
   setUpdateFlag(UPDATE_CREATED);
 }
 
-Comment::~Comment() { delete strings_; }
+Comment::~Comment() = default;
 
 Node* Comment::cloneSelf() const { return new Comment(*this); }
 
-TextStrings& Comment::strings() const {
-  if (!strings_) strings_ = new TextStrings;
-  return *strings_;
-}
-
 Comment* CommentAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
                                bool jsp) {
-  auto* comment = new Comment(Comment::FromPage{}, document);
-  NodeAccess::setName(comment, name);
-  comment->page_ = page;
-  comment->raw_ = raw;
-  comment->body_ = body;
+  auto* comment = new Comment(Comment::FromPage{}, NodeKind::find(document, page, name, nullptr), raw, body);
   comment->jsp_ = jsp;
-  comment->rawDirty_ = false;
-  comment->setUpdateFlag(Node::UPDATE_CREATED);
   return comment;
 }
 
 const std::string& Comment::getData() const {
   TextStrings& s = strings();
   if (!s.hasData) {
-    s.data = body_.in(page_);
+    s.data = body_.in(page());
     s.hasData = true;
   }
   return s.data;
@@ -81,7 +71,7 @@ std::string_view Comment::rawView() {
     s.hasRaw = s.rawOwn = true;
     rawDirty_ = false;
   }
-  return strings_ && strings_->rawOwn ? std::string_view(strings_->raw) : raw_.in(page_);
+  return leaf().strings && leaf().strings->rawOwn ? std::string_view(leaf().strings->raw) : leaf().raw.in(page());
 }
 
 const char* Comment::getRawData() { return getRawString().c_str(); }

@@ -39,17 +39,14 @@ class ZELDOM40_API Comment : public Node {
  private:
   friend struct CommentAccess;
   struct FromPage {};
-  Comment(FromPage, Document* document);
+  Comment(FromPage, NodeKind* kind, Slice raw, Slice body);
   Node* cloneSelf() const override;
   std::string_view rawView();
-  TextStrings& strings() const;
+  TextStrings& strings() const { return ownStrings(); }
 
   bool rawDirty_ : 1 = true;
   bool jsp_ : 1 = false;
-  PageRef page_;
-  Slice raw_;
   Slice body_;
-  mutable TextStrings* strings_ = nullptr;
 };
 
 }  // namespace zeldom40

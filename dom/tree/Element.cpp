@@ -45,12 +45,8 @@ Element::Element(const char* name, Document* document) : Element(std::string(nam
 
 Element::Element(Document* document) : Node(NODE_ELEMENT, document) { NodeAccess::addFlags(this, UPDATE_CREATED); }
 
-inline Element::Element(Parsed, Document* document, const SharedName& name, ElementDefinition* definition,
-                        const PageRef& page, Slice begin)
-    : Node(Parsed{}, NODE_ELEMENT, document, name, UPDATE_CREATED | UPDATE_CONTENT_MODIFIED),
-      definition_(definition),
-      page_(page),
-      beginTag_(begin) {
+inline Element::Element(Parsed, NodeKind* kind, ElementDefinition* definition, Slice begin)
+    : Node(Parsed{}, NODE_ELEMENT, kind, UPDATE_CREATED | UPDATE_CONTENT_MODIFIED), beginTag_(begin) {
   if (!definition) return;
   elementID_ = static_cast<std::int16_t>(definition->getElementID());
   elementType_ = ELEMENT_DEFINED;
@@ -65,28 +61,26 @@ Element::Element(const Element& source, bool withMetaData) : Node(source) {
   endTagDirty_ = source.endTagDirty_;
   alternative_ = source.alternative_;
   contentAtTag_ = source.contentAtTag_;
-  definition_ = source.definition_;
-  if (definition_) ElementAccess::hold(definition_);
-  page_ = source.page_;
+  if (definition()) ElementAccess::hold(definition());
   beginTag_ = source.beginTag_;
   endTag_ = source.endTag_;
-  if (source.extra_) {
-    if (source.extra_->beginOwn) {
-      extra().begin = source.extra_->begin;
+  if (source.extraOrNull()) {
+    if (source.held_.extra->beginOwn) {
+      extra().begin = source.held_.extra->begin;
       extra().beginOwn = true;
     }
-    if (source.extra_->endOwn) {
-      extra().end = source.extra_->end;
+    if (source.held_.extra->endOwn) {
+      extra().end = source.held_.extra->end;
       extra().endOwn = true;
     }
   }
   if (source.attributesInBlock_) {
-    attributes_.block = source.attributes_.block;
-    attributes_.block->addRef();
+    attributes().block = source.attributes().block;
+    attributes().block->addRef();
     attributesInBlock_ = true;
-  } else if (source.attributes_.list) {
-    attributes_.list = new AttributeList(*source.attributes_.list);
-    attributes_.list->setOwner(this);
+  } else if (source.attributes().list) {
+    attributes().list = new AttributeList(*source.attributes().list);
+    attributes().list->setOwner(this);
   }
   if (withMetaData && source.getMetaData()) {
     MetaData* copy = new MetaData(*source.getMetaData());
@@ -99,23 +93,23 @@ Element::Element(const Element& source, bool withMetaData) : Node(source) {
 
 Element::~Element() {
   // Most have a block of attributes at most.
-  if (extra_ || (!attributesInBlock_ && attributes_.list)) {
+  if (extraOrNull() || (!attributesInBlock_ && attributes().list)) {
     NodeAccess::releaseOwned(this);
   } else if (attributesInBlock_) {
-    attributes_.block->release();
+    attributes().block->release();
   }
 }
 
 void Element::releaseOwned() {
   if (attributesInBlock_) {
-    attributes_.block->release();
+    attributes().block->release();
   } else {
-    delete attributes_.list;
+    delete attributes().list;
   }
   attributesInBlock_ = false;
-  attributes_.list = nullptr;
+  attributes().list = nullptr;
   if (MetaData* md = getMetaData()) {
-    extra_->metaData = nullptr;
+    held_.extra->metaData = nullptr;
     md->setElement(nullptr);
     // A visual goes with the children, for it may hold elements with visuals.
     if (Element* visual = NodeAccess::refCount(md) == 1 ? md->takeATV() : nullptr) {
@@ -124,15 +118,22 @@ void Element::releaseOwned() {
     }
     md->releaseRef(false);
   }
-  delete extra_;
-  extra_ = nullptr;
+  if (!hasExtra_) return;
+  delete held_.extra;
+  held_.attributes.list = nullptr;
+  hasExtra_ = false;
 }
 
 Node* Element::cloneSelf() const { return new Element(*this, /*withMetaData=*/true); }
 
 ElementExtra& Element::extra() {
-  if (!extra_) extra_ = new ElementExtra;
-  return *extra_;
+  if (!hasExtra_) {
+    auto* extra = new ElementExtra;
+    extra->attributes = held_.attributes;
+    held_.extra = extra;
+    hasExtra_ = true;
+  }
+  return *held_.extra;
 }
 
 Element* ElementAccess::create(Document* document, const SharedName& name) {
@@ -144,12 +145,13 @@ Element* ElementAccess::create(Document* document, const SharedName& name) {
 Element* ElementAccess::createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
                                      const PageRef& page, Slice begin) {
   void* memory = NodePool::allocate(sizeof(Element));
-  return ::new (memory) Element(Element::Parsed{}, document, name, definition, page, begin);
+  return ::new (memory) Element(Element::Parsed{}, NodeKind::find(document, page, name, definition), definition, begin);
 }
 
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {
   element->noteChange();
-  element->definition_ = definition;
+  element->setKind(
+      NodeKind::find(element->getDocument(), element->page(), NodeAccess::sharedName(element), definition));
   element->elementType_ = definition ? Element::ELEMENT_DEFINED : Element::ELEMENT_UNDEFINED;
   element->elementID_ = definition ? static_cast<std::int16_t>(definition->getElementID()) : std::int16_t{95};
   if (definition) hold(definition);
@@ -157,11 +159,11 @@ void ElementAccess::bind(Element* element, ElementDefinition* definition) {
 
 bool ElementAccess::isUntouched(const Element* element) {
   const Element& e = *element;
-  if (e.beginTagDirty_ || e.endTagDirty_ || (!e.attributesInBlock_ && e.attributes_.list)) return false;
-  if (e.extra_ && (e.extra_->beginOwn || e.extra_->endOwn || e.extra_->metaData)) return false;
-  if (!e.definition_) return e.elementType_ == Element::ELEMENT_UNDEFINED && e.elementID_ == ID_UNKNOWN;
-  return e.elementType_ == Element::ELEMENT_DEFINED && e.elementID_ == e.definition_->getElementID() &&
-         NodeAccess::sharedName(element).sameRecord(e.definition_->upperName());
+  if (e.beginTagDirty_ || e.endTagDirty_ || (!e.attributesInBlock_ && e.attributes().list)) return false;
+  if (e.extraOrNull() && (e.held_.extra->beginOwn || e.held_.extra->endOwn || e.held_.extra->metaData)) return false;
+  if (!e.definition()) return e.elementType_ == Element::ELEMENT_UNDEFINED && e.elementID_ == ID_UNKNOWN;
+  return e.elementType_ == Element::ELEMENT_DEFINED && e.elementID_ == e.definition()->getElementID() &&
+         NodeAccess::sharedName(element).sameRecord(e.definition()->upperName());
 }
 
 unsigned ElementAccess::flags(const Element* element) {
@@ -170,10 +172,9 @@ unsigned ElementAccess::flags(const Element* element) {
 
 Element* ElementAccess::createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
                                         const PageRef& page, Slice begin, unsigned flags) {
-  Element* element = create(document, name);
-  bind(element, definition);
-  element->page_ = page;
-  element->beginTag_ = begin;
+  auto* element = new Element(Element::Parsed{}, NodeKind::find(document, page, name, definition), definition, begin);
+  NodeAccess::clearFlags(element);
+  NodeAccess::addFlags(element, Node::UPDATE_CREATED);
   element->endTagExists_ = (flags & 1) != 0;
   element->alternative_ = (flags & 2) != 0;
   element->contentAtTag_ = (flags & 4) != 0;
@@ -185,22 +186,22 @@ Element* ElementAccess::createUntouched(Document* document, const SharedName& na
 // Whether undefined elements count as empty and transparent to no content: in HTML documents, and in none at all.
 bool Element::isHtmlOrLost() const { return !getDocument() || getDocument()->isHTML(); }
 
-const Node* Element::getAttributeDefinitions() const { return definition_ ? definition_->getAttributes() : nullptr; }
+const Node* Element::getAttributeDefinitions() const { return definition() ? definition()->getAttributes() : nullptr; }
 
 unsigned long Element::getElementGroup() const {
-  if (definition_) return definition_->getGroup();
+  if (definition()) return definition()->getGroup();
   if (getDocument() && !getDocument()->isHTML()) return 0;
   return GetHTML40ElementGroup(elementID_);
 }
 
 bool Element::isEndOmittable() const {
-  if (definition_) return definition_->isEndOmittable();
+  if (definition()) return definition()->isEndOmittable();
   if (elementType_ == ELEMENT_TYPE_1 || elementType_ == ELEMENT_TYPE_2) return true;
   return isHtmlOrLost();
 }
 
 bool Element::isEmptyTag() const {
-  if (definition_) return definition_->isEmptyTag();
+  if (definition()) return definition()->isEmptyTag();
   if (elementType_ == ELEMENT_TYPE_1 || elementType_ == ELEMENT_TYPE_2) return false;
   return isHtmlOrLost();
 }
@@ -209,9 +210,9 @@ bool Element::isNoEndTag() const {
   return (getElementGroup() & GROUP_ITEM) != 0 && (endTagDirty_ || endView().empty());
 }
 
-bool Element::canBeAncestorOf(Node* node) const { return !definition_ || definition_->canBeAncestorOf(node); }
+bool Element::canBeAncestorOf(Node* node) const { return !definition() || definition()->canBeAncestorOf(node); }
 
-bool Element::canInclude(Node* node) const { return definition_ && definition_->canInclude(node); }
+bool Element::canInclude(Node* node) const { return definition() && definition()->canInclude(node); }
 
 bool Element::canContain(Node* child, Node** blocking, std::vector<Node*>* path) {
   if (blocking) *blocking = nullptr;
@@ -224,13 +225,13 @@ bool Element::canContain(Node* child, Node** blocking, std::vector<Node*>* path)
   }
   // Exclusions reach all the way down.
   for (const Element* e = asked; e; e = parentElement(e)) {
-    if (e->definition_ && !e->canBeAncestorOf(child)) return false;
+    if (e->definition() && !e->canBeAncestorOf(child)) return false;
   }
-  if (asked->definition_) {
-    if (asked->definition_->canContain(child, blocking, path)) return true;
+  if (asked->definition()) {
+    if (asked->definition()->canContain(child, blocking, path)) return true;
     // So do inclusions.
     for (const Element* e = asked; e; e = parentElement(e)) {
-      if (e->definition_ && e->canInclude(child)) return true;
+      if (e->definition() && e->canInclude(child)) return true;
     }
     return false;
   }
@@ -247,7 +248,7 @@ bool Element::canHaveATV() const { return (getElementGroup() & GROUP_ATV) != 0; 
 // From here on objects that a host can hold stand in for the block.
 AttributeList& Element::list() {
   if (attributesInBlock_) {
-    AttributeBlock* block = attributes_.block;
+    AttributeBlock* block = attributes().block;
     auto* made = new AttributeList(this);
     for (const AttributeBlock::Entry& entry : *block) {
       auto* attribute = new Attribute(std::string(block->nameOf(entry)), std::string(block->valueOf(entry)), this);
@@ -257,27 +258,27 @@ AttributeList& Element::list() {
       made->vec().push_back(attribute);
     }
     attributesInBlock_ = false;
-    attributes_.list = made;
+    attributes().list = made;
     block->release();
-  } else if (!attributes_.list) {
-    attributes_.list = new AttributeList(this);
+  } else if (!attributes().list) {
+    attributes().list = new AttributeList(this);
   }
-  return *attributes_.list;
+  return *attributes().list;
 }
 
 AttributeList* Element::getAttributes() const {
-  if (!attributesInBlock_) return attributes_.list;
+  if (!attributesInBlock_) return attributes().list;
   return &const_cast<Element*>(this)->list();
 }
 
 unsigned long Element::getNumAttributes() const {
-  if (attributesInBlock_) return attributes_.block->size();
-  return attributes_.list ? attributes_.list->getLength() : 0;
+  if (attributesInBlock_) return attributes().block->size();
+  return attributes().list ? attributes().list->getLength() : 0;
 }
 
 bool ElementAccess::hasAttribute(const Element* element, std::string_view name) {
-  if (element->attributesInBlock_) return element->attributes_.block->find(name) != nullptr;
-  return element->attributes_.list && element->attributes_.list->getAttribute(std::string(name));
+  if (element->attributesInBlock_) return element->attributes().block->find(name) != nullptr;
+  return element->attributes().list && element->attributes().list->getAttribute(std::string(name));
 }
 
 const Attribute* Element::getAttributeNode(const char* name) const {
@@ -297,19 +298,19 @@ int Element::setAttribute(const char* name, const char* value, bool notify) {
 int Element::setAttribute(const std::string& name, const std::string& value, bool notify) {
   std::string storedName = name;
   const AttributeDefinition* declared = nullptr;
-  const bool hasDeclarations = definition_ && definition_->getAttributes();
+  const bool hasDeclarations = definition() && definition()->getAttributes();
   if (hasDeclarations) {
     // The whole name, behind a NUL as well, as the parser takes it.
     std::string upperName = name;
     upperCase(upperName);
-    declared = definition_->findAttribute(upperName);
+    declared = definition()->findAttribute(upperName);
     if (declared) storedName = std::move(upperName);
   }
   auto* attribute = new Attribute(storedName, value, this);
   if (declared) {
     AttributeAccess::setDefinition(attribute, declared);
     attribute->setType(Attribute::ATTRIBUTE_DECLARED);
-  } else if (definition_) {
+  } else if (definition()) {
     AttributeAccess::setError(attribute, ERR_ATTR_INVALID_NAME);
   }
   // The list raises the update flag in any case; `notify` decides about tags and metadata.
@@ -319,7 +320,7 @@ int Element::setAttribute(const std::string& name, const std::string& value, boo
     setUpdateFlag(UPDATE_ATTRIBUTE_MODIFIED);
   }
   // Without any declaration there is nothing to break.
-  return definition_ && (declared || !hasDeclarations) ? 0 : -1;
+  return definition() && (declared || !hasDeclarations) ? 0 : -1;
 }
 
 void Element::deleteAttribute(const char* name) {
@@ -333,13 +334,13 @@ void Element::deleteAttribute(const std::string& name) {
 unsigned long ElementAccess::gatherAttributeErrors(Element* element) {
   unsigned long all = 0;
   if (element->attributesInBlock_) {
-    for (const AttributeBlock::Entry& entry : *element->attributes_.block) all |= entry.error;
+    for (const AttributeBlock::Entry& entry : *element->attributes().block) all |= entry.error;
     if (element->beginTagDirty_ && (all & ERR_ATTR_VALUE_DUPLICATED)) element->list();
   }
-  if (!element->attributesInBlock_ && element->attributes_.list) {
+  if (!element->attributesInBlock_ && element->attributes().list) {
     all = 0;
-    for (unsigned long i = 0; i < element->attributes_.list->getLength(); ++i) {
-      Attribute* attribute = element->attributes_.list->item(i);
+    for (unsigned long i = 0; i < element->attributes().list->getLength(); ++i) {
+      Attribute* attribute = element->attributes().list->item(i);
       if (element->beginTagDirty_ && (AttributeAccess::error(attribute) & ERR_ATTR_VALUE_DUPLICATED)) {
         element->noteChange();
         AttributeAccess::resetError(attribute, ERR_ATTR_VALUE_DUPLICATED);
@@ -357,7 +358,7 @@ unsigned long ElementAccess::gatherAttributeErrors(Element* element) {
 
 void ElementAccess::installAttributes(Element* element, AttributeBlock* block) {
   element->noteChange();
-  element->attributes_.block = block;
+  element->attributes().block = block;
   element->attributesInBlock_ = true;
 }
 
@@ -381,27 +382,27 @@ void Element::noteUpdate(unsigned long) {
 }
 
 std::string_view Element::beginView() const {
-  return extra_ && extra_->beginOwn ? std::string_view(extra_->begin) : beginTag_.in(page_);
+  return extraOrNull() && held_.extra->beginOwn ? std::string_view(held_.extra->begin) : beginTag_.in(page());
 }
 
 std::string_view Element::endView() const {
-  return extra_ && extra_->endOwn ? std::string_view(extra_->end) : endTag_.in(page_);
+  return extraOrNull() && held_.extra->endOwn ? std::string_view(held_.extra->end) : endTag_.in(page());
 }
 
 void ElementAccess::installBeginTag(Element* element, const PageRef& page, Slice tag) {
   element->noteChange();
-  element->page_ = page;
+  element->setPage(page);
   element->beginTag_ = tag;
   element->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
 void ElementAccess::installEndTag(Element* element, const PageRef& page, Slice tag) {
-  if (element->page_ && element->page_.get() != page.get()) {
+  if (element->page() && element->page().get() != page.get()) {
     element->setRawEndTag(std::string(tag.in(page)));
     return;
   }
   element->noteChange();
-  element->page_ = page;
+  element->setPage(page);
   element->endTag_ = tag;
   element->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
@@ -409,14 +410,14 @@ void ElementAccess::installEndTag(Element* element, const PageRef& page, Slice t
 void Element::setRawBeginTag(const std::string& text) {
   noteChange();
   extra().begin = text;
-  extra_->beginOwn = true;
+  held_.extra->beginOwn = true;
   setUpdateFlag(UPDATE_CONTENT_MODIFIED);
 }
 
 void Element::setRawEndTag(const std::string& text) {
   noteChange();
   extra().end = text;
-  extra_->endOwn = true;
+  held_.extra->endOwn = true;
   contentAtTag_ = hasChildNodes();
   setUpdateFlag(UPDATE_CONTENT_MODIFIED);
 }
@@ -478,7 +479,7 @@ void Element::refreshTag() {
   // KEPT: unknown tags of an HTML page keep their source for ever, and <% %> is never rebuilt from attributes.
   if ((defined && (!(getElementGroup() & GROUP_SCRIPT_DATA) || alternative_)) || rebuildsAlways()) {
     extra().begin = buildBeginTag();
-    extra_->beginOwn = true;
+    held_.extra->beginOwn = true;
     contentAtTag_ = hasChildNodes();
     NodeAccess::raiseFlag(this, UPDATE_CONTENT_MODIFIED);
   }
@@ -491,7 +492,7 @@ void Element::refreshEndTag() {
   noteChange();
   if (elementType_ == ELEMENT_DEFINED || rebuildsAlways()) {
     extra().end = buildEndTag();
-    extra_->endOwn = true;
+    held_.extra->endOwn = true;
     contentAtTag_ = hasChildNodes();
     NodeAccess::raiseFlag(this, UPDATE_CONTENT_MODIFIED);
   }
@@ -501,22 +502,22 @@ void Element::refreshEndTag() {
 std::string Element::buildBeginTag() const {
   const unsigned long group = getElementGroup();
   const bool directive = (group & GROUP_DIRECTIVE) && !alternative_;
-  std::string_view name = definition_ ? std::string_view(definition_->getName()) : std::string_view(getName());
+  std::string_view name = definition() ? std::string_view(definition()->getName()) : std::string_view(getName());
   std::string tag = "<";
   if (directive) {
     tag += "%@";
     if (elementID_ != ID_JSP_DIRECTIVE) {
       const std::size_t dot = name.find('.');
-      if (definition_ && dot != std::string_view::npos) name.remove_prefix(dot + 1);
+      if (definition() && dot != std::string_view::npos) name.remove_prefix(dot + 1);
       tag += ' ';
       tag += name;
     }
   } else if (group & GROUP_SSI) {
     tag += "!--#";
     const std::size_t colon = name.find(':');
-    if (definition_ && colon != std::string_view::npos) name.remove_prefix(colon + 1);
+    if (definition() && colon != std::string_view::npos) name.remove_prefix(colon + 1);
     tag += name;
-  } else if (definition_) {
+  } else if (definition()) {
     std::string written(name);
     const Element* parent = asElement(getParentNode());
     constexpr unsigned long kLowerCaseContent = 0x10000000;
@@ -556,7 +557,7 @@ std::string Element::buildEndTag() const {
   if (isEmptyTag() || (group & GROUP_ITEM)) return {};
   if ((group & GROUP_XML_TAG) && !hasChildNodes()) return {};
   if ((group & GROUP_SCRIPT_DATA) && !alternative_) return {};
-  return "</" + (definition_ ? definition_->getName() : getName()) + ">";
+  return "</" + (definition() ? definition()->getName() : getName()) + ">";
 }
 
 // --- script data -----------------------------------------------------------------------------------------------------

@@ -56,7 +56,7 @@ class ZELDOM40_API Element : public Node {
   AttributeList* getAttributes() const;
   unsigned long getNumAttributes() const;
   // Null for a tag that the DTD does not define. Lives as long as the DTD.
-  const ElementDefinition* getElementDefinition() const { return definition_; }
+  const ElementDefinition* getElementDefinition() const { return definition(); }
   bool hasEndTag() const { return endTagExists_; }
   void setEndTagExistence(bool exists) {
     noteChange();
@@ -136,10 +136,10 @@ class ZELDOM40_API Element : public Node {
 
  private:
   friend struct ElementAccess;
+  friend struct ElementExtra;
 
   explicit Element(Document* document);
-  Element(Parsed, Document* document, const SharedName& name, ElementDefinition* definition, const PageRef& page,
-          Slice begin);
+  Element(Parsed, NodeKind* kind, ElementDefinition* definition, Slice begin);
   void releaseOwned() override;
   Node* cloneSelf() const override;
   void noteUpdate(unsigned long flag) override;
@@ -156,7 +156,16 @@ class ZELDOM40_API Element : public Node {
   std::string buildEndTag() const;
   bool isHtmlOrLost() const;
   void markNestedControl(bool nested);
+  union Attributes {
+    AttributeBlock* block;
+    AttributeList* list;
+  };
   AttributeList& list();
+  ElementDefinition* definition() const { return kind() ? kind()->definition : nullptr; }
+  // Null while there is none.
+  ElementExtra* extraOrNull() const { return hasExtra_ ? held_.extra : nullptr; }
+  inline Attributes& attributes();
+  inline const Attributes& attributes() const;
 
   // Fit into the base's last bytes.
   std::int16_t elementID_ = 95;
@@ -167,15 +176,14 @@ class ZELDOM40_API Element : public Node {
   bool alternative_ : 1 = false;
   bool contentAtTag_ : 1 = false;  // whether there were children when the raw tags were stored
   bool attributesInBlock_ : 1 = false;
-  ElementDefinition* definition_ = nullptr;
-  PageRef page_;
-  Slice beginTag_;  // unless extra_ holds a text of its own
+  bool hasExtra_ : 1 = false;
+  Slice beginTag_;  // unless the extra holds a text of its own
   Slice endTag_;
+  // An element that needs it keeps its attributes in the extra: own texts, script cache, metadata are rare.
   union {
-    AttributeBlock* block;
-    AttributeList* list;
-  } attributes_ = {nullptr};
-  ElementExtra* extra_ = nullptr;  // own texts, script cache, metadata: rare
+    Attributes attributes;
+    ElementExtra* extra;
+  } held_ = {{nullptr}};
 };
 
 }  // namespace zeldom40

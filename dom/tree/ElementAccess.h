@@ -21,7 +21,13 @@ struct ElementExtra {
   bool beginCopied = false;
   bool endCopied = false;
   MetaData* metaData = nullptr;
+  Element::Attributes attributes;
 };
+
+inline auto Element::attributes() -> Attributes& { return hasExtra_ ? held_.extra->attributes : held_.attributes; }
+inline auto Element::attributes() const -> const Attributes& {
+  return hasExtra_ ? held_.extra->attributes : held_.attributes;
+}
 
 struct ElementAccess {
   // An element that shares its name, count 0, no flags but UPDATE_CREATED.
@@ -47,7 +53,7 @@ struct ElementAccess {
   // Takes over one reference of the block.
   static void installAttributes(Element* element, AttributeBlock* block);
   static const AttributeBlock* block(const Element* element) {
-    return element->attributesInBlock_ ? element->attributes_.block : nullptr;
+    return element->attributesInBlock_ ? element->attributes().block : nullptr;
   }
   // The parser is through with the element: its raw tags belong to the content it has now.
   static void noteContent(Element* element) {
@@ -75,24 +81,25 @@ struct ElementAccess {
   static bool isSourceOfPage(const Element* element) {
     const Element& e = *element;
     if (e.beginTagDirty_ || e.endTagDirty_ || e.contentAtTag_ != e.hasChildNodes()) return false;
-    return !e.extra_ || !(e.extra_->beginOwn || e.extra_->endOwn || e.extra_->metaData);
+    return !e.extraOrNull() || !(e.held_.extra->beginOwn || e.held_.extra->endOwn || e.held_.extra->metaData);
   }
   // What createUntouched needs beside the slices, in one byte.
   static unsigned flags(const Element* element);
   static Element* createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
                                   const PageRef& page, Slice begin, unsigned flags);
   static void setEndSlice(Element* element, Slice end) { element->endTag_ = end; }
-  static ElementDefinition* definition(const Element* element) { return element->definition_; }
+  static ElementDefinition* definition(const Element* element) { return element->definition(); }
   // Destroys the members of an element that has a block of attributes at most; false, with nothing done, for any other.
   static bool dismantle(Element* element) {
-    if (element->extra_ || (!element->attributesInBlock_ && element->attributes_.list)) return false;
-    if (element->attributesInBlock_) element->attributes_.block->release();
-    element->page_.~PageRef();
+    if (element->extraOrNull() || (!element->attributesInBlock_ && element->attributes().list)) return false;
+    if (element->attributesInBlock_) element->attributes().block->release();
     return true;
   }
-  static bool hasExtra(const Element* element) { return element->extra_ != nullptr; }
-  static MetaData* metaData(const Element* element) { return element->extra_ ? element->extra_->metaData : nullptr; }
-  static const PageRef& page(const Element* element) { return element->page_; }
+  static bool hasExtra(const Element* element) { return element->extraOrNull() != nullptr; }
+  static MetaData* metaData(const Element* element) {
+    return element->extraOrNull() ? element->held_.extra->metaData : nullptr;
+  }
+  static const PageRef& page(const Element* element) { return element->page(); }
   static const Slice& beginSlice(const Element* element) { return element->beginTag_; }
   static const Slice& endSlice(const Element* element) { return element->endTag_; }
   // Marks the one tag alone if it has no text.

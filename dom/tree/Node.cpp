@@ -21,32 +21,40 @@ void Node::operator delete(void* memory, std::size_t size) { NodePool::release(m
 
 Node::Node() { liveNodes::add(); }
 
-Node::Node(NodeType type, Document* document) : document_(document), nodeType_(static_cast<std::uint8_t>(type)) {
+Node::Node(NodeType type, Document* document)
+    : kind_(NodeKind::find(document, NodeKind::noPage(), NodeKind::noName(), nullptr)),
+      links_(isLeafType(type) ? Links{.leaf = {}} : Links{.branch = {}}),
+      nodeType_(static_cast<std::uint8_t>(type)) {
   liveNodes::add();
 }
 
 Node::Node(const Node& other)
-    : document_(other.document_),
-      name_(other.name_),
+    : kind_(other.kind_),
+      links_(other.isLeaf() ? Links{.leaf = {}} : Links{.branch = {}}),
       error_(other.error_),
       nodeType_(other.nodeType_),
       viewFlags_(other.viewFlags_) {
+  if (kind_) kind_->addRef();
   liveNodes::add();
 }
 
 Node::~Node() {
   // As a rule a dying node has been cut loose.
-  if (place_ || leadsChunk_ || firstChild_ || children_ || parent_ || prev_ || next_) NodeAccess::cutLoose(this);
+  if (place_ || leadsChunk_ || hasList_ || getFirstChild() || parent_ || prev_ || next_) NodeAccess::cutLoose(this);
+  if (isLeaf()) delete links_.leaf.strings;
+  if (kind_) kind_->release();
   liveNodes::remove();
 }
 
 void NodeAccess::cutLoose(Node* node) {
   if (node->place_) DocumentAccess::forgetPlace(node);
   if (node->leadsChunk_) SnapshotChunk::forgetHead(node);
-  if (node->firstChild_) drain(node, /*removed=*/false);
-  if (node->children_) {
-    node->children_->list.clear();
-    if (--node->children_->count == 0) delete node->children_;
+  if (node->getFirstChild()) drain(node, /*removed=*/false);
+  if (ChildListHolder* list = listOf(node)) {
+    list->list.clear();
+    node->hasList_ = false;
+    setLast(node, nullptr);
+    if (--list->count == 0) delete list;
   }
   // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
   if (node->parent_) unlinkChild(node->parent_, node);
@@ -80,7 +88,7 @@ int Node::dropRef(bool deep) {
 int Node::releaseRef(bool deep) {
   const int left = dropRef(deep);
   if (left > 0) return left;
-  if (parent_ && parent_->document_ && !DocumentAccess::isLive(parent_->document_)) {
+  if (parent_ && parent_->getDocument() && !DocumentAccess::isLive(parent_->getDocument())) {
     // Both were held longer than their page.
     NodeAccess::detach(this);
   } else if (parent_) {
@@ -99,7 +107,7 @@ void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
       addFlags(n, Node::UPDATE_REMOVED);
       --n->refCount_;
     }
-    if (!n->firstChild_ || (n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) continue;
+    if (!n->getFirstChild() || (n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) continue;
     if (n->nodeType_ == Node::NODE_META_DATA) {
       n->setUpdateFlag(Node::UPDATE_CHILD_MODIFIED);
     } else {
@@ -111,7 +119,7 @@ void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
 void NodeAccess::releaseRemoved(Node* top) {
   if (top->refCount_ > 1) {
     tellRemoved(top, /*alsoTop=*/false);
-  } else if (top->firstChild_) {
+  } else if (top->getFirstChild()) {
     if (ownsMore(top)) releaseOwned(top);
     drain(top, /*removed=*/true);
   }
@@ -128,27 +136,28 @@ bool NodeAccess::ownsMore(const Node* node) {
 std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
   if (node->listIsTruth_) {
     Node* before = nullptr;
-    for (Node* child : node->children_->list) {
+    for (Node* child : listOf(node)->list) {
       setPrev(child, nullptr);
       setNext(child, nullptr);
     }
-    for (Node* child : node->children_->list) {
+    for (Node* child : listOf(node)->list) {
       child->prev_ = before;
       if (before) before->next_ = child;
       before = child;
     }
     node->listIsTruth_ = false;
   }
-  if (node->children_) node->children_->list.clear();
-  const std::pair ends(node->firstChild_, node->lastChild_);
-  node->firstChild_ = node->lastChild_ = nullptr;
+  if (ChildListHolder* list = listOf(node)) list->list.clear();
+  const std::pair ends(node->getFirstChild(), node->getLastChild());
+  setFirst(node, nullptr);
+  setLast(node, nullptr);
   return ends;
 }
 
 // Ends a node that is just what the parser made, an exact Text or Element with its page, its name and at most a block
 // of attributes: 50 instructions where the destructors with their questions took 100. False for any other.
 bool NodeAccess::dismantle(Node* node) {
-  if (node->place_ || node->leadsChunk_ || node->children_) return false;
+  if (node->place_ || node->leadsChunk_ || node->hasList_) return false;
   std::size_t size = 0;
   if (node->nodeType_ == Node::NODE_TEXT) {
     if (&typeid(*node) != &typeid(Text) || !TextAccess::dismantle(static_cast<Text*>(node))) return false;
@@ -159,7 +168,7 @@ bool NodeAccess::dismantle(Node* node) {
   } else {
     return false;
   }
-  node->name_.~SharedName();
+  if (node->kind_) node->kind_->release();
   liveNodes::remove();
   NodePool::release(node, size);
   return true;
@@ -185,7 +194,7 @@ void NodeAccess::drain(Node* top, bool removed) {
         if (removed && victim->refCount_ > 0 && !victim->edited_) noteEdit(victim);
         releaseOwned(victim);
       }
-      if (victim->firstChild_) {
+      if (victim->getFirstChild()) {
         const auto [first, last] = takeChildren(victim);
         first->prev_ = tail;
         tail = last;
@@ -200,11 +209,31 @@ void NodeAccess::drain(Node* top, bool removed) {
 
 // --- names, answers of the base --------------------------------------------------------------------------------------
 
-const std::string& Node::getName() const { return name_.str(); }
+const std::string& Node::getName() const { return NodeAccess::sharedName(this).str(); }
 void Node::setName(const char* name) {
   NodeAccess::setName(this, SharedName(name ? std::string_view(name) : std::string_view()));
 }
 void Node::setName(const std::string& name) { NodeAccess::setName(this, SharedName(name)); }
+
+void Node::setKind(NodeKind* kind) {
+  NodeKind* const old = std::exchange(kind_, kind);
+  if (old) old->release();
+}
+
+void Node::setDocument(Document* document) {
+  noteChange();
+  setKind(NodeKind::find(document, page(), NodeAccess::sharedName(this), kind_ ? kind_->definition : nullptr));
+}
+
+void Node::setPage(const PageRef& page) {
+  setKind(NodeKind::find(getDocument(), page, NodeAccess::sharedName(this), kind_ ? kind_->definition : nullptr));
+}
+
+void NodeAccess::setName(Node* node, const SharedName& name) {
+  node->noteChange();
+  node->setKind(
+      NodeKind::find(node->getDocument(), node->page(), name, node->kind_ ? node->kind_->definition : nullptr));
+}
 
 bool Node::canContain(Node*, Node** blocking, std::vector<Node*>*) {
   if (blocking) *blocking = nullptr;
@@ -231,7 +260,7 @@ void Node::outdate() {
 
 void Node::setError(unsigned long bits) {
   NodeAccess::addError(this, bits);
-  if (document_ && (bits & ERR_DOC_SEVERE_PARSE_ERROR)) document_->setError(ERR_DOC_SEVERE_PARSE_ERROR);
+  if (getDocument() && (bits & ERR_DOC_SEVERE_PARSE_ERROR)) getDocument()->setError(ERR_DOC_SEVERE_PARSE_ERROR);
 }
 
 void Node::setUpdateFlag(unsigned long flag) {
@@ -248,7 +277,7 @@ void NodeAccess::raiseFlag(Node* node, unsigned long flag) {
     // A parent that is new itself has told its ancestors already.
     if (p && (p->updateFlags_ & Node::UPDATE_ADDED)) p = nullptr;
     // A subtree that is added whole is flagged whole; below a node that has the flag all is flagged.
-    Node* n = node->firstChild_;
+    Node* n = node->getFirstChild();
     while (n) {
       if (n->updateFlags_ & Node::UPDATE_ADDED) {
         n = nextSkippingChildren(n, node);
@@ -276,7 +305,7 @@ unsigned long Node::getUpdateFlag() const { return updateFlags_; }
 void Node::clearUpdateFlag() {
   if (updateFlags_ == 0) return;
   updateFlags_ = 0;
-  Node* n = firstChild_;
+  Node* n = getFirstChild();
   while (n) {
     if (n->updateFlags_ == 0) {
       n = NodeAccess::nextSkippingChildren(n, this);
@@ -295,8 +324,8 @@ Node* Node::makeClone(bool deep) const {
   const Node* source = this;
   Node* copy = clone;
   while (true) {
-    if (source->firstChild_ && (source->nodeType_ == NODE_ELEMENT || source->nodeType_ == NODE_NONE)) {
-      source = source->firstChild_;
+    if (source->getFirstChild() && (source->nodeType_ == NODE_ELEMENT || source->nodeType_ == NODE_NONE)) {
+      source = source->getFirstChild();
     } else {
       while (source != this && !NodeAccess::childAfter(source)) {
         source = source->parent_;
@@ -316,8 +345,8 @@ Node* Node::cloneSelf() const { return new Node(*this); }
 
 void NodeAccess::adoptClone(Node* parent, Node* child) {
   assert(!parent->listIsTruth_);
-  if (parent->lastChild_) {
-    addFlags(parent->lastChild_, Node::UPDATE_SIBLING_CHANGED);
+  if (parent->getLastChild()) {
+    addFlags(parent->getLastChild(), Node::UPDATE_SIBLING_CHANGED);
     addFlags(child, Node::UPDATE_SIBLING_CHANGED);
   }
   attachRestored(parent, child);
@@ -327,20 +356,37 @@ void NodeAccess::adoptClone(Node* parent, Node* child) {
 
 // --- links and lists -------------------------------------------------------------------------------------------------
 
+const Node::Branch Node::kNoBranch = {nullptr, {nullptr}};
+
+const Node::Branch& Node::branchOfStrings() const { return links_.leaf.strings->children; }
+
+Node* Node::lastOfList() const { return branch().list->last; }
+
+TextStrings& Node::ownStrings() const {
+  if (!links_.leaf.strings) links_.leaf.strings = new TextStrings;
+  return *links_.leaf.strings;
+}
+
+Node::Branch& NodeAccess::ownBranchOfLeaf(const Node* node) { return node->ownStrings().children; }
+
 ChildListHolder* NodeAccess::holder(const Node* node) {
-  if (!node->children_) {
-    node->children_ = new ChildListHolder;
-    for (Node* child = node->firstChild_; child; child = child->next_) node->children_->list.push_back(child);
-  }
-  return node->children_;
+  if (node->hasList_) return node->branch().list;
+  auto* holder = new ChildListHolder;
+  for (Node* child = node->getFirstChild(); child; child = child->next_) holder->list.push_back(child);
+  holder->last = node->getLastChild();
+  ownBranch(node).list = holder;
+  node->hasList_ = true;
+  return holder;
 }
 
 // A change before the end of a list that nobody else looks at drops it: keeping it in step would cost its length each
 // time, and the next question about an index makes it again.
 void NodeAccess::forgetList(Node* parent) {
-  if (!parent->children_ || parent->children_->count != 1 || parent->listIsTruth_) return;
-  delete parent->children_;
-  parent->children_ = nullptr;
+  ChildListHolder* list = listOf(parent);
+  if (!list || list->count != 1 || parent->listIsTruth_) return;
+  parent->hasList_ = false;
+  setLast(parent, list->last);
+  delete list;
 }
 
 // From now on the links of the children may tell anything; the list, made while they were still right, decides.
@@ -350,7 +396,7 @@ void NodeAccess::trustList(Node* parent) {
 }
 
 std::size_t NodeAccess::indexInList(const Node* child) {
-  const std::vector<Node*>& list = child->parent_->children_->list;
+  const std::vector<Node*>& list = listOf(child->parent_)->list;
   return static_cast<std::size_t>(std::find(list.begin(), list.end(), child) - list.begin());
 }
 
@@ -358,8 +404,8 @@ std::size_t NodeAccess::indexInList(const Node* child) {
 Node* NodeAccess::childAfterByList(const Node* child) {
   Node* next = child->next_;
   if (next && next->parent_ == child->parent_ && next->prev_ == child) return next;
-  if (child == child->parent_->lastChild_) return nullptr;
-  const std::vector<Node*>& list = child->parent_->children_->list;
+  if (child == child->parent_->getLastChild()) return nullptr;
+  const std::vector<Node*>& list = listOf(child->parent_)->list;
   const std::size_t index = indexInList(child) + 1;
   return index < list.size() ? list[index] : nullptr;
 }
@@ -367,9 +413,9 @@ Node* NodeAccess::childAfterByList(const Node* child) {
 Node* NodeAccess::childBeforeByList(const Node* child) {
   Node* prev = child->prev_;
   if (prev && prev->parent_ == child->parent_ && prev->next_ == child) return prev;
-  if (child == child->parent_->firstChild_) return nullptr;
+  if (child == child->parent_->getFirstChild()) return nullptr;
   const std::size_t index = indexInList(child);
-  return index > 0 ? child->parent_->children_->list[index - 1] : nullptr;
+  return index > 0 ? listOf(child->parent_)->list[index - 1] : nullptr;
 }
 
 // A link that is overwritten takes its counterpart with it, so that no node points at one that does not know of it
@@ -403,7 +449,7 @@ void NodeAccess::link(Node* left, Node* right) {
 }
 
 unsigned int Node::getNumOfChildNodes() const {
-  if (!firstChild_) return 0;
+  if (!hasChildNodes()) return 0;
   return static_cast<unsigned int>(NodeAccess::childList(this).size());
 }
 
@@ -411,14 +457,14 @@ NodeIterator Node::getChildNodes() const { return NodeIterator(NodeAccess::holde
 
 int Node::getChildIndex(Node* child) {
   if (!child || child->parent_ != this) return -1;
-  if (child == firstChild_) return 0;
+  if (child == getFirstChild()) return 0;
   const std::vector<Node*>& list = NodeAccess::childList(this);
-  if (child == lastChild_) return static_cast<int>(list.size()) - 1;
+  if (child == getLastChild()) return static_cast<int>(list.size()) - 1;
   return static_cast<int>(NodeAccess::indexInList(child));
 }
 
 Node* Node::getChildNode(int index) {
-  if (!firstChild_) return nullptr;
+  if (!hasChildNodes()) return nullptr;
   const std::vector<Node*>& list = NodeAccess::childList(this);
   // KEPT: callers step one past either end and count on getting the last child.
   if (index < 0 || static_cast<std::size_t>(index) >= list.size()) return list.back();
@@ -438,7 +484,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   if (head->parent_ || head == parent) return head;
   const Node* top = nullptr;
   auto holdsParent = [&](const Node* node) {
-    if (!node->firstChild_) return node == parent;
+    if (!node->getFirstChild()) return node == parent;
     if (!top) {
       for (top = parent; top->parent_;) top = top->parent_;
     }
@@ -446,7 +492,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   };
   if (byHost && holdsParent(head)) return head;
 
-  if (byHost && parent->document_) parent->document_->recordChange(parent);
+  if (byHost && parent->getDocument()) parent->getDocument()->recordChange(parent);
 
   Node* end = head;
   while (how != OF_ONE && end->next_ && !end->next_->parent_ && end->next_ != head &&
@@ -480,24 +526,24 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   link(left, head);
   link(end, right);
 
-  if (!(ref ? behindRef && ref == parent->lastChild_ : behindRef)) forgetList(parent);
+  if (!(ref ? behindRef && ref == parent->getLastChild() : behindRef)) forgetList(parent);
   std::size_t index = 0;
-  if (parent->children_) {
-    const std::size_t size = parent->children_->list.size();
+  if (listOf(parent)) {
+    const std::size_t size = listOf(parent)->list.size();
     index = ref ? indexInList(ref) + (behindRef ? 1 : 0) : (behindRef ? size : 0);
   }
-  const bool atFront = ref ? !behindRef && ref == parent->firstChild_ : !behindRef;
-  const bool atBack = ref ? behindRef && ref == parent->lastChild_ : behindRef;
-  if (atFront || !parent->firstChild_) parent->firstChild_ = head;
-  if (atBack || !parent->lastChild_) parent->lastChild_ = end;
+  const bool atFront = ref ? !behindRef && ref == parent->getFirstChild() : !behindRef;
+  const bool atBack = ref ? behindRef && ref == parent->getLastChild() : behindRef;
+  if (atFront || !parent->getFirstChild()) setFirst(parent, head);
+  if (atBack || !parent->getLastChild()) setLast(parent, end);
 
-  if (parent->children_) {
+  if (listOf(parent)) {
     std::vector<Node*> run;
     for (Node* n = head;; n = n->next_) {
       run.push_back(n);
       if (n == end) break;
     }
-    std::vector<Node*>& list = parent->children_->list;
+    std::vector<Node*>& list = listOf(parent)->list;
     list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), run.begin(), run.end());
   }
   parent->noteChange();
@@ -516,12 +562,14 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
 
 Node* Node::insertLast(Node* newNode) {
   if (!newNode) return nullptr;
-  return NodeAccess::insertRun(this, newNode, lastChild_, nullptr, nullptr, /*behindRef=*/true, NodeAccess::BY_HOST);
+  return NodeAccess::insertRun(this, newNode, getLastChild(), nullptr, nullptr, /*behindRef=*/true,
+                               NodeAccess::BY_HOST);
 }
 
 Node* Node::insertFirst(Node* newNode) {
   if (!newNode) return nullptr;
-  return NodeAccess::insertRun(this, newNode, nullptr, firstChild_, nullptr, /*behindRef=*/false, NodeAccess::BY_HOST);
+  return NodeAccess::insertRun(this, newNode, nullptr, getFirstChild(), nullptr, /*behindRef=*/false,
+                               NodeAccess::BY_HOST);
 }
 
 Node* Node::insertBefore(Node* newNode, Node* ref) {
@@ -541,25 +589,25 @@ Node* Node::insertAfter(Node* newNode, Node* ref) {
 void NodeAccess::insertFree(Node* parent, Node* head, Node* ref, bool behindRef) {
   if (!head) return;
   if (!ref) {
-    insertRun(parent, head, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, OF_RUN);
+    insertRun(parent, head, parent->getLastChild(), nullptr, nullptr, /*behindRef=*/true, OF_RUN);
   } else {
     insertRun(parent, head, behindRef ? ref : ref->prev_, behindRef ? ref->next_ : ref, ref, behindRef, OF_RUN);
   }
 }
 
 void NodeAccess::append(Node* parent, Node* child) {
-  if (parent->listIsTruth_ || child->firstChild_) {
-    insertRun(parent, child, parent->lastChild_, nullptr, nullptr, /*behindRef=*/true, OF_ONE);
+  if (parent->listIsTruth_ || child->getFirstChild()) {
+    insertRun(parent, child, parent->getLastChild(), nullptr, nullptr, /*behindRef=*/true, OF_ONE);
     return;
   }
-  if (parent->lastChild_) {
-    addFlags(parent->lastChild_, Node::UPDATE_SIBLING_CHANGED);
+  if (parent->getLastChild()) {
+    addFlags(parent->getLastChild(), Node::UPDATE_SIBLING_CHANGED);
     addFlags(child, Node::UPDATE_SIBLING_CHANGED);
   }
   parent->noteChange();
   child->noteChange();
   attachRestored(parent, child);
-  if (parent->children_) parent->children_->list.push_back(child);
+  if (listOf(parent)) listOf(parent)->list.push_back(child);
   if (parent->updateFlags_ & Node::UPDATE_ADDED) {
     child->noteUpdate(Node::UPDATE_ADDED);
     addFlags(child, Node::UPDATE_ADDED);
@@ -582,11 +630,11 @@ void NodeAccess::unlinkChild(Node* parent, Node* child) {
   Node* before = childBefore(child);
   Node* after = childAfter(child);
   noteLoss(parent, before, child);
-  if (parent->firstChild_ == child) parent->firstChild_ = after;
-  if (parent->lastChild_ == child) parent->lastChild_ = before;
+  if (parent->getFirstChild() == child) setFirst(parent, after);
+  if (parent->getLastChild() == child) setLast(parent, before);
   if (after) forgetList(parent);
-  if (parent->children_) {
-    std::vector<Node*>& list = parent->children_->list;
+  if (listOf(parent)) {
+    std::vector<Node*>& list = listOf(parent)->list;
     if (!list.empty() && list.back() == child) {
       list.pop_back();
     } else if (!list.empty() && list.front() == child) {
@@ -599,7 +647,7 @@ void NodeAccess::unlinkChild(Node* parent, Node* child) {
     // A neighbour that was isolated by hand may still point here.
     if (before && before->next_ == child) before->next_ = nullptr;
     if (after && after->prev_ == child) after->prev_ = nullptr;
-    if (!parent->firstChild_) parent->listIsTruth_ = false;
+    if (!parent->getFirstChild()) parent->listIsTruth_ = false;
   }
   child->parent_ = nullptr;
 }
@@ -628,15 +676,15 @@ void NodeAccess::detach(Node* child) {
 // Whether the cursor or a selection must be told of children that leave. Only where one can be concerned is the tree
 // climbed.
 bool NodeAccess::movesPlaces(const Node* parent) {
-  const Document* d = parent->document_;
+  const Document* d = parent->getDocument();
   return d && (d->countsIn(parent) || d->selections_.size() > 1) && d->isInTree(parent);
 }
 
 Node* Node::removeChild(Node* child) {
   if (!child) return nullptr;
   if (child->parent_ && child->parent_ != this) return child;
-  if (document_) document_->recordChange(this);
-  if (NodeAccess::movesPlaces(this)) document_->adjustCursorOnRemove(child);
+  if (getDocument()) getDocument()->recordChange(this);
+  if (NodeAccess::movesPlaces(this)) getDocument()->adjustCursorOnRemove(child);
   NodeAccess::detach(child);
   return child;
 }
@@ -646,8 +694,8 @@ Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
   Node* after = childAfter(last);
   noteLoss(parent, before, first);
   if (after) forgetList(parent);
-  if (parent->children_) {
-    std::vector<Node*>& list = parent->children_->list;
+  if (listOf(parent)) {
+    std::vector<Node*>& list = listOf(parent)->list;
     const auto from = static_cast<std::ptrdiff_t>(first == list.front() ? 0 : indexInList(first));
     const auto to = last == list.back() ? static_cast<std::ptrdiff_t>(list.size())
                                         : static_cast<std::ptrdiff_t>(indexInList(last)) + 1;
@@ -670,28 +718,28 @@ Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
   setNext(last, nullptr);
   if (before) setNext(before, after);
   if (after) setPrev(after, before);
-  if (parent->firstChild_ == first) parent->firstChild_ = after;
-  if (parent->lastChild_ == last) parent->lastChild_ = before;
-  if (!parent->firstChild_) parent->listIsTruth_ = false;
+  if (parent->getFirstChild() == first) setFirst(parent, after);
+  if (parent->getLastChild() == last) setLast(parent, before);
+  if (!parent->getFirstChild()) parent->listIsTruth_ = false;
   for (Node* n = first; n; n = n->next_) n->parent_ = nullptr;
   return first;
 }
 
 Node* Node::removeChildren(Node* first, Node* last) {
-  if (!firstChild_) return nullptr;
-  if (!first) first = firstChild_;
-  if (!last) last = lastChild_;
+  if (!hasChildNodes()) return nullptr;
+  if (!first) first = getFirstChild();
+  if (!last) last = getLastChild();
   if (first->parent_ != this || last->parent_ != this) return nullptr;
   if (first != last) {
     Node* n = NodeAccess::childAfter(first);
     while (n && n != last) n = NodeAccess::childAfter(n);
     if (!n) std::swap(first, last);
   }
-  if (document_) document_->recordChange(this);
+  if (getDocument()) getDocument()->recordChange(this);
   if (NodeAccess::movesPlaces(this)) {
     // Last to first: each step sees the indices that the cursor counts in.
     for (Node* n = last;; n = NodeAccess::childBefore(n)) {
-      document_->adjustCursorOnRemove(n);
+      getDocument()->adjustCursorOnRemove(n);
       if (n == first) break;
     }
   }

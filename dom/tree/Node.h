@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "dom/export.h"
-#include "dom/tree/SharedName.h"
+#include "dom/tree/NodeKind.h"
 
 namespace zeldom40 {
 
@@ -15,6 +15,7 @@ class Document;
 class ElementDefinition;
 class NodeIterator;
 struct ChildListHolder;
+struct TextStrings;
 template <class T>
 class Hash;
 
@@ -126,19 +127,16 @@ class ZELDOM40_API Node {
   virtual Node* makeClone(bool deep) const;
 
   // The document that the node was made for, in its tree or not; null for the objects of a DTD. Not owned.
-  Document* getDocument() const { return document_; }
-  void setDocument(Document* document) {
-    noteChange();
-    document_ = document;
-  }
+  Document* getDocument() const { return kind_ ? kind_->document : nullptr; }
+  void setDocument(Document* document);
   unsigned long getError() const { return error_; }
   NodeType getNodeType() const { return static_cast<NodeType>(nodeType_); }
   Node* getParentNode() const { return parent_; }
   Node* getNextSibling() const { return next_; }
   Node* getPreviousSibling() const { return prev_; }
-  bool hasChildNodes() const { return firstChild_ != nullptr; }
-  Node* getFirstChild() const { return firstChild_; }
-  Node* getLastChild() const { return lastChild_; }
+  bool hasChildNodes() const { return getFirstChild() != nullptr; }
+  Node* getFirstChild() const { return branch().first; }
+  Node* getLastChild() const { return hasList_ ? lastOfList() : branch().last; }
   unsigned int getNumOfChildNodes() const;
   // An iterator over the live child list; it stays valid after this node is gone, over an empty list.
   NodeIterator getChildNodes() const;
@@ -194,7 +192,25 @@ class ZELDOM40_API Node {
   explicit Node(NodeType type, Document* document = nullptr);
   // The library's way to make a node of a page: all in one step.
   struct Parsed {};
-  Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags);
+  Node(Parsed, NodeType type, NodeKind* kind, unsigned flags);
+
+  // Document, page, name and definition; null if it has none of them.
+  const NodeKind* kind() const { return kind_; }
+  // Takes over one reference.
+  void setKind(NodeKind* kind);
+  const PageRef& page() const { return kind_ ? kind_->page : NodeKind::noPage(); }
+  void setPage(const PageRef& page);
+
+  // Texts and comments, which have children only if a host gives them some, use the room of the children's links for
+  // what they are made of. `strings` belongs to the node.
+  struct Leaf {
+    Slice raw;
+    TextStrings* strings;
+  };
+  // For these two types alone.
+  const Leaf& leaf() const { return links_.leaf; }
+  Leaf& leaf() { return links_.leaf; }
+  TextStrings& ownStrings() const;
 
   // Called with each change of what undo brings back: the saved state of this node and of all around it is outdated.
   void noteChange() {
@@ -204,6 +220,7 @@ class ZELDOM40_API Node {
  private:
   friend class NodeIterator;
   friend struct NodeAccess;
+  friend struct TextStrings;
 
   enum : std::uint8_t { kViewable = 1, kAbsolute = 2 };
   void setViewBit(std::uint8_t bit, bool on) {
@@ -219,21 +236,39 @@ class ZELDOM40_API Node {
   // Told before a flag is raised on this node because it stands in a subtree that is added.
   virtual void noteUpdate(unsigned long flag);
 
-  Document* document_ = nullptr;
+  struct Branch {
+    Node* first;
+    union {
+      Node* last;
+      ChildListHolder* list;  // if hasList_
+    };
+  };
+
+  static bool isLeafType(int type) { return static_cast<unsigned>(type) - NODE_COMMENT < 2u; }
+  bool isLeaf() const { return isLeafType(nodeType_); }
+  const Branch& branch() const { return isLeaf() ? branchOfLeaf() : links_.branch; }
+  const Branch& branchOfLeaf() const { return links_.leaf.strings ? branchOfStrings() : kNoBranch; }
+  const Branch& branchOfStrings() const;
+  Node* lastOfList() const;
+
+  static const Branch kNoBranch;
+
+  NodeKind* kind_ = nullptr;
   Node* parent_ = nullptr;
   Node* next_ = nullptr;
   Node* prev_ = nullptr;
-  Node* firstChild_ = nullptr;
-  Node* lastChild_ = nullptr;
-  SharedName name_;
-  mutable ChildListHolder* children_ = nullptr;  // made by the first question about indices
+  union Links {
+    Branch branch;
+    Leaf leaf;
+  };
+  mutable Links links_ = {.branch = {}};
   std::int32_t refCount_ = 0;
   std::uint32_t error_ = 0;
   std::uint16_t updateFlags_ = 0;
   std::uint8_t nodeType_ = NODE_NONE;
   std::uint8_t viewFlags_ : 2 = 0;
-  bool listIsTruth_ : 1 = false;  // sibling links of the children were tampered with: the list decides
-  bool released_ : 1 = false;
+  bool listIsTruth_ : 1 = false;      // sibling links of the children were tampered with: the list decides
+  mutable bool hasList_ : 1 = false;  // a list by index, made by the first question about indices
   bool place_ : 1 = false;   // a cursor or the end of a selection was set here: documents must learn of the node's end
   bool edited_ : 1 = false;  // what carries metadata from here up knows of an edit; so is the parent marked
   bool saved_ : 1 =

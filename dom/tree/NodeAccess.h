@@ -15,6 +15,7 @@ class Element;
 // A child list by index, shared by its node and the iterators over it.
 struct ChildListHolder {
   std::vector<Node*> list;
+  Node* last = nullptr;  // of the node
   int count = 1;
 };
 
@@ -24,11 +25,8 @@ struct ChildListHolder {
 // (`listIsTruth_`).
 struct NodeAccess {
   // --- plain fields -------------------------------------------------------------------------------------------------
-  static void setName(Node* node, const SharedName& name) {
-    node->noteChange();
-    node->name_ = name;
-  }
-  static const SharedName& sharedName(const Node* node) { return node->name_; }
+  static void setName(Node* node, const SharedName& name);
+  static const SharedName& sharedName(const Node* node) { return node->kind_ ? node->kind_->name : NodeKind::noName(); }
   static int refCount(const Node* node) { return node->refCount_; }
   static void addCount(Node* node) { ++node->refCount_; }
   static unsigned long flags(const Node* node) { return node->updateFlags_; }
@@ -45,12 +43,7 @@ struct NodeAccess {
   // For deleteNodes: every node below `top`, which has left its tree, learns that it left, and each of the subtree
   // loses one reference. What nobody else holds dies.
   static void releaseRemoved(Node* top);
-  static void releaseOwned(Node* node) {
-    if (!node->released_) {
-      node->released_ = true;
-      node->releaseOwned();
-    }
-  }
+  static void releaseOwned(Node* node) { node->releaseOwned(); }
 
   // --- saved states (SnapshotChunk.h)
   // ---------------------------------------------------------------------------------
@@ -102,7 +95,8 @@ struct NodeAccess {
   }
   // Pre-order successor inside the subtree of `top`, null at its end.
   static Node* nextInSubtree(const Node* node, const Node* top) {
-    return node->firstChild_ ? node->firstChild_ : nextSkippingChildren(node, top);
+    Node* const first = node->getFirstChild();
+    return first ? first : nextSkippingChildren(node, top);
   }
   // The same without entering `node`.
   static Node* nextSkippingChildren(const Node* node, const Node* top) {
@@ -118,13 +112,13 @@ struct NodeAccess {
   // The same for a node that a parse has just made.
   static void appendParsed(Node* parent, Node* child) {
     // A parent of the same parse that has no list by index: its ancestors know of it, and no metadata can be concerned.
-    if (child->firstChild_ || parent->children_ || parent->refCount_ > 0 || parent->saved_ ||
+    if (child->getFirstChild() || parent->hasList_ || parent->refCount_ > 0 || parent->saved_ ||
         !(parent->updateFlags_ & Node::UPDATE_ADDED)) {
       append(parent, child);
       return;
     }
     child->updateFlags_ |= Node::UPDATE_ADDED;
-    if (Node* left = parent->lastChild_) {
+    if (Node* left = parent->getLastChild()) {
       left->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
       child->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
     }
@@ -139,18 +133,18 @@ struct NodeAccess {
   static void detach(Node* child);
   // Links a node of a restored tree below its parent, without any flags.
   static void attachRestored(Node* parent, Node* child) {
-    if (Node* left = parent->lastChild_) {
+    if (Node* left = parent->getLastChild()) {
       left->next_ = child;
       child->prev_ = left;
     } else {
-      parent->firstChild_ = child;
+      setFirst(parent, child);
     }
-    parent->lastChild_ = child;
+    setLast(parent, child);
     child->parent_ = parent;
   }
   // One more child for a node whose children are about to be destroyed with it.
   static void hangOnDying(Node* parent, Node* child) {
-    if (parent->children_) parent->children_->list.push_back(child);
+    if (ChildListHolder* list = listOf(parent)) list->list.push_back(child);
     attachRestored(parent, child);
   }
   static void clearFlags(Node* node) { node->updateFlags_ = 0; }
@@ -165,6 +159,16 @@ struct NodeAccess {
   // Who inserts: a host, whose nodes may be anything; the library a single node; the library a run.
   enum Insertion { BY_HOST, OF_ONE, OF_RUN };
   static ChildListHolder* holder(const Node* node);
+  // Null while there is none.
+  static ChildListHolder* listOf(const Node* node) { return node->hasList_ ? node->branch().list : nullptr; }
+  static Node::Branch& ownBranch(const Node* node) {
+    return node->isLeaf() ? ownBranchOfLeaf(node) : node->links_.branch;
+  }
+  static Node::Branch& ownBranchOfLeaf(const Node* node);
+  static void setFirst(Node* parent, Node* child) { ownBranch(parent).first = child; }
+  static void setLast(Node* parent, Node* child) {
+    (parent->hasList_ ? listOf(parent)->last : ownBranch(parent).last) = child;
+  }
   static Node* childAfterByList(const Node* child);
   static Node* childBeforeByList(const Node* child);
   static std::size_t indexInList(const Node* child);
@@ -187,9 +191,9 @@ struct NodeAccess {
   static bool dismantle(Node* node);
 };
 
-inline Node::Node(Parsed, NodeType type, Document* document, const SharedName& name, unsigned flags)
-    : document_(document),
-      name_(name),
+inline Node::Node(Parsed, NodeType type, NodeKind* kind, unsigned flags)
+    : kind_(kind),
+      links_(isLeafType(type) ? Links{.leaf = {}} : Links{.branch = {}}),
       updateFlags_(static_cast<std::uint16_t>(flags)),
       nodeType_(static_cast<std::uint8_t>(type)) {
   liveNodes::add();

@@ -38,6 +38,8 @@ class SharedName {
     name.record_ = static_cast<Record*>(record);
     return name;
   }
+  // What tells one record from another, null for the empty name.
+  const void* record() const { return record_; }
   // True if both handles share one record; names of one source usually do, equal names need not.
   bool sameRecord(const SharedName& other) const { return record_ == other.record_; }
   friend bool operator==(const SharedName& a, const SharedName& b) {

@@ -75,19 +75,19 @@ Text::Text(const std::string& data, const std::string& rawData, Document* docume
   s.hasData = s.hasRaw = s.rawOwn = true;
 }
 
-inline Text::Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw)
-    : Node(Parsed{}, NODE_TEXT, document, name, UPDATE_CREATED), page_(page), raw_(raw) {}
+inline Text::Text(Parsed, NodeKind* kind, Slice raw) : Node(Parsed{}, NODE_TEXT, kind, UPDATE_CREATED) {
+  leaf().raw = raw;
+}
 
 // One whose plain form is assembled when first read.
-inline Text::Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw, bool dropLeading,
-                  bool preformatted)
-    : Node(Parsed{}, NODE_TEXT, document, name, UPDATE_CREATED),
+inline Text::Text(Parsed, NodeKind* kind, Slice raw, bool dropLeading, bool preformatted)
+    : Node(Parsed{}, NODE_TEXT, kind, UPDATE_CREATED),
       derived_(true),
       assembled_(true),
       dropLeading_(dropLeading),
-      preformatted_(preformatted),
-      page_(page),
-      raw_(raw) {}
+      preformatted_(preformatted) {
+  leaf().raw = raw;
+}
 
 Text::Text(const Text& other)
     : Node(other),
@@ -97,41 +97,36 @@ Text::Text(const Text& other)
       assembled_(other.assembled_),
       dropLeading_(other.dropLeading_),
       preformatted_(other.preformatted_),
-      trimmed_(other.trimmed_),
-      page_(other.page_),
-      raw_(other.raw_) {
-  if (other.strings_ && (!derived_ || other.strings_->rawOwn)) {
+      trimmed_(other.trimmed_) {
+  leaf().raw = other.leaf().raw;
+  if (other.leaf().strings && (!derived_ || other.leaf().strings->rawOwn)) {
     // What only caches the slices is made again on demand.
     TextStrings& s = strings();
     if (!derived_) {
-      s.data = other.strings_->data;
-      s.hasData = other.strings_->hasData;
+      s.data = other.leaf().strings->data;
+      s.hasData = other.leaf().strings->hasData;
     }
-    if (other.strings_->rawOwn) {
-      s.raw = other.strings_->raw;
+    if (other.leaf().strings->rawOwn) {
+      s.raw = other.leaf().strings->raw;
       s.hasRaw = s.rawOwn = true;
     }
   }
   Node::setUpdateFlag(UPDATE_CREATED);
 }
 
-Text::~Text() { delete strings_; }
+Text::~Text() = default;
 
 Node* Text::cloneSelf() const { return new Text(*this); }
 
-TextStrings& Text::strings() const {
-  if (!strings_) strings_ = new TextStrings;
-  return *strings_;
-}
-
 Text* TextAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
-  return new Text(Text::Parsed{}, document, name, page, raw);
+  return new Text(Text::Parsed{}, NodeKind::find(document, page, name, nullptr), raw);
 }
 
 Text* TextAccess::createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,
                                   TextContext context) {
   void* memory = NodePool::allocate(sizeof(Text));
-  return ::new (memory) Text(Text::Parsed{}, document, name, page, raw, context.dropLeading, context.preformatted);
+  return ::new (memory) Text(Text::Parsed{}, NodeKind::find(document, page, name, nullptr), raw, context.dropLeading,
+                             context.preformatted);
 }
 
 Text* TextAccess::createLiteral(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
@@ -158,9 +153,9 @@ void TextAccess::append(Text* text, const Text* other) {
     return;
   }
   TextStrings& s = text->strings();
-  if (!s.hasRaw) s.raw = text->raw_.in(text->page_);
+  if (!s.hasRaw) s.raw = text->leaf().raw.in(text->page());
   s.hasRaw = s.rawOwn = true;
-  text->raw_ = {};
+  text->leaf().raw = {};
   s.raw += other->rawView();
   text->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
@@ -200,25 +195,25 @@ Text* TextAccess::splitTrailingSpace(Text* text) {
   text->noteChange();
   const auto spaces = static_cast<std::uint32_t>(raw.size() - end);
   Text* space = nullptr;
-  if (text->strings_ && text->strings_->rawOwn) {
+  if (text->leaf().strings && text->leaf().strings->rawOwn) {
     TextStrings& s = text->strings();
     space = new Text(" ", s.raw.substr(end), text->getDocument());
     text->editData();
     s.raw.resize(end);
   } else {
     // A plain form that follows from the source now follows from the shorter one: what is lost is cut there as well.
-    if (text->strings_) text->strings_->hasRaw = false;
-    const Slice cut{text->raw_.offset + static_cast<std::uint32_t>(end), spaces};
-    space = createAssembled(text->getDocument(), NodeAccess::sharedName(text), text->page_, cut, {});
-    text->raw_.length = static_cast<std::uint32_t>(end);
+    if (text->leaf().strings) text->leaf().strings->hasRaw = false;
+    const Slice cut{text->leaf().raw.offset + static_cast<std::uint32_t>(end), spaces};
+    space = createAssembled(text->getDocument(), NodeAccess::sharedName(text), text->page(), cut, {});
+    text->leaf().raw.length = static_cast<std::uint32_t>(end);
   }
   space->setTextType(Text::TEXT_FORMATTING);
   return space;
 }
 
 bool TextAccess::trimRight(Text* text) {
-  if (text->derived_ && text->assembled_ && !(text->strings_ && text->strings_->hasData)) {
-    const std::string_view raw = text->raw_.in(text->page_);
+  if (text->derived_ && text->assembled_ && !(text->leaf().strings && text->leaf().strings->hasData)) {
+    const std::string_view raw = text->leaf().raw.in(text->page());
     if (raw.empty() || text->trimmed_ || !isSpaceByte(raw.back()) || hasEmptyData(text)) return false;
     // Vertical tabs and form feeds count as white space only where runs become blanks.
     if (!text->preformatted_) {
@@ -237,8 +232,8 @@ bool TextAccess::trimRight(Text* text) {
 
 void TextAccess::setRaw(Text* text, std::string raw) {
   // Layout sets what stands there already, at each text that a host has left update flags on.
-  if (!text->derived_ && !text->rawDirty_ && text->strings_ && text->strings_->hasData && text->strings_->rawOwn &&
-      text->strings_->raw == raw) {
+  if (!text->derived_ && !text->rawDirty_ && text->leaf().strings && text->leaf().strings->hasData &&
+      text->leaf().strings->rawOwn && text->leaf().strings->raw == raw) {
     return;
   }
   // The plain form must not follow from a source that is gone.
@@ -246,21 +241,21 @@ void TextAccess::setRaw(Text* text, std::string raw) {
   TextStrings& s = text->strings();
   s.raw = std::move(raw);
   s.hasRaw = s.rawOwn = true;
-  text->raw_ = {};
+  text->leaf().raw = {};
   text->rawDirty_ = false;
 }
 
 // --- the two forms ---------------------------------------------------------------------------------------------------
 
 const std::string& Text::getData() const {
-  if (strings_ && strings_->hasData) return strings_->data;
-  if (!derived_ || raw_.length == 0) return kEmpty;
+  if (leaf().strings && leaf().strings->hasData) return leaf().strings->data;
+  if (!derived_ || leaf().raw.length == 0) return kEmpty;
   TextStrings& s = strings();
   if (assembled_) {
-    const PageBuffer::Entities entities = page_.get()->entitiesAt(raw_.offset);
-    s.data = assemblePlainText(raw_.in(page_), {dropLeading_, preformatted_}, &entities);
+    const PageBuffer::Entities entities = page().get()->entitiesAt(leaf().raw.offset);
+    s.data = assemblePlainText(leaf().raw.in(page()), {dropLeading_, preformatted_}, &entities);
   } else {
-    s.data = raw_.in(page_);
+    s.data = leaf().raw.in(page());
   }
   if (trimmed_) trim(s.data, false, true);
   s.hasData = true;
@@ -287,7 +282,7 @@ void Text::dataChanged() {
   TextStrings& s = strings();
   s.raw.clear();
   s.hasRaw = s.rawOwn = true;
-  raw_ = {};
+  leaf().raw = {};
   rawDirty_ = true;
   setUpdateFlag(UPDATE_CONTENT_MODIFIED);
 }
@@ -322,7 +317,7 @@ std::string_view Text::rawView() const {
     s.hasRaw = s.rawOwn = true;
     self->rawDirty_ = false;
   }
-  return strings_ && strings_->rawOwn ? std::string_view(strings_->raw) : raw_.in(page_);
+  return leaf().strings && leaf().strings->rawOwn ? std::string_view(leaf().strings->raw) : leaf().raw.in(page());
 }
 
 const std::string& Text::getRawData() const {
@@ -345,7 +340,7 @@ void Text::setRawData(const std::string& text) {
     TextStrings& s = strings();
     s.raw = text;
     s.hasRaw = s.rawOwn = true;
-    raw_ = {};
+    leaf().raw = {};
     rawDirty_ = false;
     setUpdateFlag(UPDATE_CONTENT_MODIFIED);
     return;
@@ -517,19 +512,19 @@ int Text::compact() {
 // --- questions -------------------------------------------------------------------------------------------------------
 
 bool TextAccess::hasEmptyData(const Text* text) {
-  if (!text->derived_ || (text->strings_ && text->strings_->hasData)) return text->getData().empty();
-  if (text->raw_.length == 0) return true;
+  if (!text->derived_ || (text->leaf().strings && text->leaf().strings->hasData)) return text->getData().empty();
+  if (text->leaf().raw.length == 0) return true;
   // Only white space at an end adds nothing to a plain form.
-  if (!text->assembled_ || !isAllSpace(text->raw_.in(text->page_))) return false;
+  if (!text->assembled_ || !isAllSpace(text->leaf().raw.in(text->page()))) return false;
   return (text->dropLeading_ && !text->preformatted_) || text->trimmed_;
 }
 
 bool Text::isEmptyText(bool ignoreWhitespaceType) const {
   if (textType_ == TEXT_FORMATTING) return true;
   if (textType_ != TEXT_LITERAL && !ignoreWhitespaceType) return TextAccess::hasEmptyData(this);
-  if (derived_ && assembled_ && !preformatted_ && !(strings_ && strings_->hasData)) {
+  if (derived_ && assembled_ && !preformatted_ && !(leaf().strings && leaf().strings->hasData)) {
     // Every run of white space has become a blank or nothing; a page's entity may stand for one.
-    const std::string_view raw = raw_.in(page_);
+    const std::string_view raw = leaf().raw.in(page());
     const std::size_t content = firstContent(raw);
     if (content == raw.size() || raw[content] != '&') return content == raw.size();
   }

@@ -78,12 +78,11 @@ class ZELDOM40_API Text : public Node {
 
  private:
   friend struct TextAccess;
-  Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw);
-  Text(Parsed, Document* document, const SharedName& name, const PageRef& page, Slice raw, bool dropLeading,
-       bool preformatted);
+  Text(Parsed, NodeKind* kind, Slice raw);
+  Text(Parsed, NodeKind* kind, Slice raw, bool dropLeading, bool preformatted);
 
   Node* cloneSelf() const override;
-  TextStrings& strings() const;
+  TextStrings& strings() const { return ownStrings(); }
   std::string& editData();
   void dataChanged();
   std::string_view rawView() const;
@@ -96,9 +95,6 @@ class ZELDOM40_API Text : public Node {
   bool dropLeading_ : 1 = false;  // white space at the start adds nothing
   bool preformatted_ : 1 = false;
   bool trimmed_ : 1 = false;  // white space at the end adds nothing
-  PageRef page_;
-  Slice raw_;
-  mutable TextStrings* strings_ = nullptr;
 };
 
 }  // namespace zeldom40

@@ -18,6 +18,7 @@ struct TextStrings {
   bool hasData = false;
   bool hasRaw = false;  // `raw` may be read
   bool rawOwn = false;  // `raw` is the source text; the slice is not
+  Node::Branch children = {};
 };
 
 struct TextAccess {
@@ -32,12 +33,11 @@ struct TextAccess {
   static std::string_view rawData(const Text* text) { return text->rawView(); }
   // rawData is the slice.
   static bool isSourceOfPage(const Text* text) {
-    return !text->rawDirty_ && !(text->strings_ && text->strings_->rawOwn);
+    return !text->rawDirty_ && !(text->leaf().strings && text->leaf().strings->rawOwn);
   }
   // Destroys the members of a text that has no strings; false, with nothing done, for any other.
   static bool dismantle(Text* text) {
-    if (text->strings_) return false;
-    text->page_.~PageRef();
+    if (text->leaf().strings) return false;
     return true;
   }
   // A text that follows from its slice and context alone.
@@ -46,15 +46,16 @@ struct TextAccess {
   // what follows from the slice.
   static unsigned flags(const Text* text);
   static const std::string* ownData(const Text* text) {
-    return !text->derived_ && text->strings_ && text->strings_->hasData ? &text->strings_->data : nullptr;
+    return !text->derived_ && text->leaf().strings && text->leaf().strings->hasData ? &text->leaf().strings->data
+                                                                                    : nullptr;
   }
   static const std::string* ownRaw(const Text* text) {
-    return text->strings_ && text->strings_->rawOwn ? &text->strings_->raw : nullptr;
+    return text->leaf().strings && text->leaf().strings->rawOwn ? &text->leaf().strings->raw : nullptr;
   }
   static Text* createSaved(Document* document, const SharedName& name, const PageRef& page, Slice raw, unsigned flags);
   static void setOwn(Text* text, const std::string_view* data, const std::string_view* raw);
-  static const PageRef& page(const Text* text) { return text->page_; }
-  static const Slice& slice(const Text* text) { return text->raw_; }
+  static const PageRef& page(const Text* text) { return text->page(); }
+  static const Slice& slice(const Text* text) { return text->leaf().raw; }
   // getData().empty(), without making the plain form.
   static bool hasEmptyData(const Text* text);
   // Cuts white space off the end of the raw text and returns it as a text that only formats the source, count 0; null
@@ -83,14 +84,14 @@ struct CommentAccess {
                          bool jsp);
   static std::string_view rawData(Comment* comment) { return comment->rawView(); }
   static std::string_view bodyText(const Comment* comment) {
-    return comment->strings_ && comment->strings_->hasData ? std::string_view(comment->strings_->data)
-                                                           : comment->body_.in(comment->page_);
+    return comment->leaf().strings && comment->leaf().strings->hasData ? std::string_view(comment->leaf().strings->data)
+                                                                       : comment->body_.in(comment->page());
   }
   static bool isUntouched(const Comment* comment) {
-    return comment->page_ && !comment->rawDirty_ && !(comment->strings_ && comment->strings_->rawOwn);
+    return comment->page() && !comment->rawDirty_ && !(comment->leaf().strings && comment->leaf().strings->rawOwn);
   }
-  static const PageRef& page(const Comment* comment) { return comment->page_; }
-  static Slice slice(const Comment* comment) { return comment->raw_; }
+  static const PageRef& page(const Comment* comment) { return comment->page(); }
+  static Slice slice(const Comment* comment) { return comment->leaf().raw; }
   static Slice body(const Comment* comment) { return comment->body_; }
 };
 

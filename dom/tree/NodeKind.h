@@ -1,0 +1,50 @@
+// What the nodes of one page and one name have in common.
+#pragma once
+
+#include <cstdint>
+
+#include "dom/tree/PageSlice.h"
+#include "dom/tree/SharedName.h"
+
+namespace zeldom40 {
+
+class Document;
+class ElementDefinition;
+
+// A node holds one pointer to its kind instead of four to document, page, name and definition: 24 bytes less in each
+// element, 16 in each text. Kinds are counted and never change; a node that is renamed or moved to another document
+// gets another kind. No two are alike, so that a page has some dozens. Not safe for two threads, like the tree.
+class NodeKind {
+ public:
+  NodeKind(const NodeKind&) = delete;
+  NodeKind& operator=(const NodeKind&) = delete;
+
+  // The one kind that is so, with one reference for the caller; null, the kind of nodes that have nothing yet, if all
+  // four are.
+  static NodeKind* find(Document* document, const PageRef& page, const SharedName& name, ElementDefinition* definition);
+  void addRef() { ++count_; }
+  void release() {
+    if (--count_ == 0) end();
+  }
+
+  Document* const document;  // not owned
+  const PageRef page;
+  const SharedName name;
+  ElementDefinition* const definition;  // the DTD outlives its documents
+
+  // What a node without a kind has.
+  static const PageRef& noPage();
+  static const SharedName& noName();
+
+ private:
+  struct Table;
+
+  NodeKind(Document* ofDocument, const PageRef& ofPage, const SharedName& ofName, ElementDefinition* ofDefinition);
+  ~NodeKind();
+  void end();
+
+  NodeKind* nextInTable_ = nullptr;
+  std::uint32_t count_ = 1;
+};
+
+}  // namespace zeldom40
