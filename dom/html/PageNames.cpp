@@ -52,7 +52,10 @@ void PageNames::keep(std::unique_ptr<PageNames> names) {
   constexpr std::size_t kMostBytes = 16 << 10;
   ParserType::_dtd_frame* frame = names->frame_;
   if (!frame || names->entries_.size() > kMost || names->bytes_ > kMostBytes || !names->holds()) return;
-  for (PageName& entry : names->entries_) entry.barredTo = -1;
+  for (PageName& entry : names->entries_) {
+    entry.barredTo = -1;
+    entry.kind = {};
+  }
   frame->parserNotes = std::move(names);
 }
 
@@ -93,6 +96,7 @@ PageName& PageNames::add(std::string_view asWritten, std::uint32_t hash) {
 void PageNames::lookUp(PageName& entry) {
   entry.generation = generation_;
   entry.barredTo = -1;
+  entry.kind = {};
   if (!frame_) return;
   ElementDefinition* definition = frame_->elements->find(entry.name.view());
   if (definition) entry.name = definition->upperName();

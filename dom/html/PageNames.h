@@ -12,7 +12,7 @@
 #include "dom/dtd/ContentTable.h"
 #include "dom/dtd/DTDFrame.h"
 #include "dom/html/NameKey.h"
-#include "dom/tree/SharedName.h"
+#include "dom/tree/NodeKind.h"
 
 namespace zeldom40 {
 
@@ -23,6 +23,7 @@ class ElementDefinition;
 struct PageName {
   SharedName name;
   std::uint32_t hash = 0;
+  KindRef kind;                             // of its elements in the page that is being read
   ElementDefinition* definition = nullptr;  // null for an unknown name and for one that this JSP version hides
   int tableId = -1;                         // the name's number in the content table
   unsigned generation = 0;                  // of the declarations that the two come from

@@ -60,7 +60,7 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
       ownNames_(PageNames::takeFrom(frame)),
       names_(*ownNames_),
       nodes_(sharedStack ? sharedStack : &ownStack_),
-      textName_(DOMAccess::textName()),
+      textKind_(NodeKind::find(document, lexer.page(), DOMAccess::textName(), nullptr)),
       commentName_(DOMAccess::commentName()) {
   constexpr std::size_t kUsualDepth = 32;
   constexpr std::size_t kUsualAttributes = 8;

@@ -229,6 +229,13 @@ class PageParser {
     NodeAccess::appendParsed(parent, node);
   }
   void recordOnce();
+  // The kind of the elements of a name, with or without its definition; with one reference for the caller.
+  NodeKind* kindOf(PageName& name, bool defined) {
+    ElementDefinition* definition = defined ? name.definition : nullptr;
+    if (definition != name.definition) return NodeKind::find(document_, lexer_.page(), name.name, definition);
+    if (!name.kind) name.kind = KindRef(NodeKind::find(document_, lexer_.page(), name.name, definition));
+    return name.kind.share();
+  }
 
   HTMLLexer& lexer_;
   ParserType::_dtd_frame* frame_;
@@ -246,7 +253,7 @@ class PageParser {
   int subsets_ = 0;
   bool mustBeSorted_ = false;
   bool recorded_ = false;  // an undo record was taken, or none is due
-  SharedName textName_;
+  KindRef textKind_;
   SharedName commentName_;
   std::uint32_t lastEnd_ = 0;    // where the token taken last ended
   std::uint32_t textStart_ = 0;  // and the one before it: bytes that a record leaves out belong to a text that begins

@@ -170,8 +170,7 @@ void PageParser::finishBeginTag(const BeginTag& tag) {
   const unsigned long group = tag.definition ? name.group : 0;
   const bool defined = tag.definition && !(group & GROUP_NO_SOURCE);
   bool selfClosed = tag.selfClosed;
-  Element* element = ElementAccess::createParsed(document_, name.name, defined ? name.definition : nullptr,
-                                                 lexer_.page(), sliceOf(tag.start, tag.end));
+  Element* element = ElementAccess::createParsed(kindOf(name, defined), sliceOf(tag.start, tag.end));
   if (tag.bad) element->setError(ERR_ELEMENT_PARSE_ERROR);
   if (defined) {
     if (name.mayHaveMetaData) mustBeSorted_ = true;
@@ -269,7 +268,7 @@ void PageParser::readCDATAContent(const PageName& name, std::uint32_t start) {
     take();
   }
   if (end <= start) return;
-  Text* text = TextAccess::createLiteral(document_, textName_, lexer_.page(), sliceOf(start, end));
+  Text* text = TextAccess::createLiteral(textKind_.share(), sliceOf(start, end));
   insertLast(text);
 }
 
@@ -279,8 +278,7 @@ void PageParser::readCDATASection() {
   const std::uint32_t end = endOf(take());
   const Slice data = sliceOf(section.start, endOf(section));
   // The raw text is the source as it stands: an unterminated section or one with a keyword in lower case comes back.
-  Text* text = TextAccess::createPlain(document_, textName_, lexer_.page(), sliceOf(start, end),
-                                       std::string(data.in(lexer_.page())));
+  Text* text = TextAccess::createPlain(textKind_.share(), sliceOf(start, end), std::string(data.in(lexer_.page())));
   text->setTextType(Text::TEXT_LITERAL);
   insertLast(text);
 }

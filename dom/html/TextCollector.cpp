@@ -62,7 +62,7 @@ void PageParser::readTextRun() {
     lastWasSpace_ = isSpaceByte(run.back());
     lexer_.skipTo(stop);
     lastEnd_ = stop;
-    placeText(TextAccess::createAssembled(document_, textName_, lexer_.page(), sliceOf(start, stop), context),
+    placeText(TextAccess::createAssembled(textKind_.share(), sliceOf(start, stop), context),
               isSpaceByte(*from) && isAllSpace(run));
     return;
   }
@@ -130,9 +130,8 @@ void PageParser::flushText() {
   if (!pending_) return;
   pending_ = false;
   const Slice raw = sliceOf(rawStart_, rawEnd_);
-  Text* text = pendingOwnForm_
-                   ? TextAccess::createPlain(document_, textName_, lexer_.page(), raw, std::move(pendingText_))
-                   : TextAccess::createAssembled(document_, textName_, lexer_.page(), raw, pendingContext_);
+  Text* text = pendingOwnForm_ ? TextAccess::createPlain(textKind_.share(), raw, std::move(pendingText_))
+                               : TextAccess::createAssembled(textKind_.share(), raw, pendingContext_);
   pendingText_.clear();
   placeText(text, pendingAllSpace_);
   rawStart_ = rawEnd_ = 0;

@@ -45,12 +45,12 @@ Element::Element(const char* name, Document* document) : Element(std::string(nam
 
 Element::Element(Document* document) : Node(NODE_ELEMENT, document) { NodeAccess::addFlags(this, UPDATE_CREATED); }
 
-inline Element::Element(Parsed, NodeKind* kind, ElementDefinition* definition, Slice begin)
+inline Element::Element(Parsed, NodeKind* kind, Slice begin)
     : Node(Parsed{}, NODE_ELEMENT, kind, UPDATE_CREATED | UPDATE_CONTENT_MODIFIED), beginTag_(begin) {
-  if (!definition) return;
-  elementID_ = static_cast<std::int16_t>(definition->getElementID());
+  if (!kind || !kind->definition) return;
+  elementID_ = static_cast<std::int16_t>(kind->definition->getElementID());
   elementType_ = ELEMENT_DEFINED;
-  ElementAccess::hold(definition);
+  ElementAccess::hold(kind->definition);
 }
 
 Element::Element(const Element& source, bool withMetaData) : Node(source) {
@@ -142,10 +142,9 @@ Element* ElementAccess::create(Document* document, const SharedName& name) {
   return element;
 }
 
-Element* ElementAccess::createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
-                                     const PageRef& page, Slice begin) {
+Element* ElementAccess::createParsed(NodeKind* kind, Slice begin) {
   void* memory = NodePool::allocate(sizeof(Element));
-  return ::new (memory) Element(Element::Parsed{}, NodeKind::find(document, page, name, definition), definition, begin);
+  return ::new (memory) Element(Element::Parsed{}, kind, begin);
 }
 
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {
@@ -172,7 +171,7 @@ unsigned ElementAccess::flags(const Element* element) {
 
 Element* ElementAccess::createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
                                         const PageRef& page, Slice begin, unsigned flags) {
-  auto* element = new Element(Element::Parsed{}, NodeKind::find(document, page, name, definition), definition, begin);
+  auto* element = new Element(Element::Parsed{}, NodeKind::find(document, page, name, definition), begin);
   NodeAccess::clearFlags(element);
   NodeAccess::addFlags(element, Node::UPDATE_CREATED);
   element->endTagExists_ = (flags & 1) != 0;

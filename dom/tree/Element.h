@@ -139,7 +139,7 @@ class ZELDOM40_API Element : public Node {
   friend struct ElementExtra;
 
   explicit Element(Document* document);
-  Element(Parsed, NodeKind* kind, ElementDefinition* definition, Slice begin);
+  Element(Parsed, NodeKind* kind, Slice begin);
   void releaseOwned() override;
   Node* cloneSelf() const override;
   void noteUpdate(unsigned long flag) override;

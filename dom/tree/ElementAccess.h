@@ -32,9 +32,8 @@ inline auto Element::attributes() const -> const Attributes& {
 struct ElementAccess {
   // An element that shares its name, count 0, no flags but UPDATE_CREATED.
   static Element* create(Document* document, const SharedName& name);
-  // A parsed element: bound to `definition`, with that begin tag.
-  static Element* createParsed(Document* document, const SharedName& name, ElementDefinition* definition,
-                               const PageRef& page, Slice begin);
+  // A parsed element: bound to the kind's definition, with that begin tag. Takes over one reference of `kind`.
+  static Element* createParsed(NodeKind* kind, Slice begin);
   // One reference on a definition for each element that has it, up to a number that does not overflow.
   static void hold(ElementDefinition* definition);
   // Definition, element type 3 and identifier; takes one reference on the definition, which nothing gives back: the

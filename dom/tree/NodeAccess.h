@@ -112,17 +112,23 @@ struct NodeAccess {
   // The same for a node that a parse has just made.
   static void appendParsed(Node* parent, Node* child) {
     // A parent of the same parse that has no list by index: its ancestors know of it, and no metadata can be concerned.
-    if (child->getFirstChild() || parent->hasList_ || parent->refCount_ > 0 || parent->saved_ ||
-        !(parent->updateFlags_ & Node::UPDATE_ADDED)) {
+    if ((!child->isLeaf() && child->links_.branch.first) || parent->isLeaf() || parent->hasList_ ||
+        parent->refCount_ > 0 || parent->saved_ || !(parent->updateFlags_ & Node::UPDATE_ADDED)) {
       append(parent, child);
       return;
     }
     child->updateFlags_ |= Node::UPDATE_ADDED;
-    if (Node* left = parent->getLastChild()) {
+    child->parent_ = parent;
+    Node::Branch& branch = parent->links_.branch;
+    if (Node* left = branch.last) {
       left->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
       child->updateFlags_ |= Node::UPDATE_SIBLING_CHANGED;
+      left->next_ = child;
+      child->prev_ = left;
+    } else {
+      branch.first = child;
     }
-    attachRestored(parent, child);
+    branch.last = child;
   }
   // Inserts a run, as the insertion calls do, of which is known that it holds no ancestor of `parent`: those calls
   // climb to the top to find out. No undo record. Behind or before `ref`, a child; null means last.

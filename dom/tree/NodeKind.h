@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "dom/tree/PageSlice.h"
 #include "dom/tree/SharedName.h"
@@ -45,6 +46,32 @@ class NodeKind {
 
   NodeKind* nextInTable_ = nullptr;
   std::uint32_t count_ = 1;
+};
+
+// One reference on a kind.
+class KindRef {
+ public:
+  KindRef() = default;
+  // Takes over the reference.
+  explicit KindRef(NodeKind* kind) : kind_(kind) {}
+  KindRef(KindRef&& other) noexcept : kind_(std::exchange(other.kind_, nullptr)) {}
+  KindRef& operator=(KindRef other) noexcept {
+    std::swap(kind_, other.kind_);
+    return *this;
+  }
+  ~KindRef() {
+    if (kind_) kind_->release();
+  }
+  NodeKind* get() const { return kind_; }
+  explicit operator bool() const { return kind_ != nullptr; }
+  // One more reference, for a node.
+  NodeKind* share() const {
+    if (kind_) kind_->addRef();
+    return kind_;
+  }
+
+ private:
+  NodeKind* kind_ = nullptr;
 };
 
 }  // namespace zeldom40

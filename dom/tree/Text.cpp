@@ -118,27 +118,20 @@ Text::~Text() = default;
 
 Node* Text::cloneSelf() const { return new Text(*this); }
 
-Text* TextAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
-  return new Text(Text::Parsed{}, NodeKind::find(document, page, name, nullptr), raw);
-}
-
-Text* TextAccess::createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,
-                                  TextContext context) {
+Text* TextAccess::createAssembled(NodeKind* kind, Slice raw, TextContext context) {
   void* memory = NodePool::allocate(sizeof(Text));
-  return ::new (memory) Text(Text::Parsed{}, NodeKind::find(document, page, name, nullptr), raw, context.dropLeading,
-                             context.preformatted);
+  return ::new (memory) Text(Text::Parsed{}, kind, raw, context.dropLeading, context.preformatted);
 }
 
-Text* TextAccess::createLiteral(Document* document, const SharedName& name, const PageRef& page, Slice raw) {
-  Text* text = create(document, name, page, raw);
+Text* TextAccess::createLiteral(NodeKind* kind, Slice raw) {
+  auto* text = new Text(Text::Parsed{}, kind, raw);
   text->derived_ = true;
   text->textType_ = Text::TEXT_LITERAL;
   return text;
 }
 
-Text* TextAccess::createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
-                              std::string data) {
-  Text* text = create(document, name, page, raw);
+Text* TextAccess::createPlain(NodeKind* kind, Slice raw, std::string data) {
+  auto* text = new Text(Text::Parsed{}, kind, raw);
   text->strings().data = std::move(data);
   text->strings().hasData = true;
   return text;
@@ -168,7 +161,7 @@ unsigned TextAccess::flags(const Text* text) {
 
 Text* TextAccess::createSaved(Document* document, const SharedName& name, const PageRef& page, Slice raw,
                               unsigned flags) {
-  Text* text = create(document, name, page, raw);
+  auto* text = new Text(Text::Parsed{}, NodeKind::find(document, page, name, nullptr), raw);
   text->textType_ = flags & 3;
   text->assembled_ = (flags & 4) != 0;
   text->dropLeading_ = (flags & 8) != 0;
@@ -204,7 +197,8 @@ Text* TextAccess::splitTrailingSpace(Text* text) {
     // A plain form that follows from the source now follows from the shorter one: what is lost is cut there as well.
     if (text->leaf().strings) text->leaf().strings->hasRaw = false;
     const Slice cut{text->leaf().raw.offset + static_cast<std::uint32_t>(end), spaces};
-    space = createAssembled(text->getDocument(), NodeAccess::sharedName(text), text->page(), cut, {});
+    space = createAssembled(NodeKind::find(text->getDocument(), text->page(), NodeAccess::sharedName(text), nullptr),
+                            cut, {});
     text->leaf().raw.length = static_cast<std::uint32_t>(end);
   }
   space->setTextType(Text::TEXT_FORMATTING);

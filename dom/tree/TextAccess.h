@@ -22,14 +22,14 @@ struct TextStrings {
 };
 
 struct TextAccess {
+  // The first three take over one reference of `kind`.
+  //
   // A text of the page whose plain form is assembled from the slice when first read.
-  static Text* createAssembled(Document* document, const SharedName& name, const PageRef& page, Slice raw,
-                               TextContext context);
+  static Text* createAssembled(NodeKind* kind, Slice raw, TextContext context);
   // A literal text: plain and raw form are the slice.
-  static Text* createLiteral(Document* document, const SharedName& name, const PageRef& page, Slice raw);
+  static Text* createLiteral(NodeKind* kind, Slice raw);
   // A text whose plain form was assembled already, or is another stretch than its raw form.
-  static Text* createPlain(Document* document, const SharedName& name, const PageRef& page, Slice raw,
-                           std::string data);
+  static Text* createPlain(NodeKind* kind, Slice raw, std::string data);
   static std::string_view rawData(const Text* text) { return text->rawView(); }
   // rawData is the slice.
   static bool isSourceOfPage(const Text* text) {
@@ -75,7 +75,6 @@ struct TextAccess {
 
  private:
   friend class Text;
-  static Text* create(Document* document, const SharedName& name, const PageRef& page, Slice raw);
 };
 
 struct CommentAccess {
