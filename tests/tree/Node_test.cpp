@@ -220,6 +220,74 @@ TEST_F(NodeTest, AListThatLostItsLinksIsStillWhole) {
   }
 }
 
+// Their room for children holds what they are made of as long as they have none.
+TEST_F(NodeTest, TextsAndCommentsKeepTheirDataBesideChildren) {
+  load("<P>one&amp;<!--two--></P>");
+  Node* const text = find("P")->getFirstChild();
+  Node* const comment = text->getNextSibling();
+  const auto dataOf = [](Node* node) {
+    return node->getNodeType() == Node::NODE_TEXT
+               ? static_cast<Text*>(node)->getData() + static_cast<Text*>(node)->getRawData()
+               : static_cast<Comment*>(node)->getData() + static_cast<Comment*>(node)->getRawData();
+  };
+  for (Node* leaf : {text, comment, text->makeClone(true), comment->makeClone(true)}) {
+    const std::string data = leaf == text || leaf == comment ? std::string() : dataOf(leaf);
+    EXPECT_EQ(list(leaf), "");
+    EXPECT_EQ(leaf->getLastChild(), nullptr);
+    leaf->insertLast(make("B"));
+    leaf->insertFirst(make("A"));
+    NodeIterator live = leaf->getChildNodes();
+    leaf->insertLast(run("CD"));
+    EXPECT_EQ(live.getLength(), 4);
+    EXPECT_EQ(list(leaf), "ABCD");
+    leaf->removeChild(child(leaf, "D"))->releaseRef(true);
+    leaf->removeChild(child(leaf, "A"))->releaseRef(true);
+    EXPECT_EQ(list(leaf), "BC");
+    if (!data.empty()) {
+      EXPECT_EQ(dataOf(leaf), data);
+    }
+    // The copy has the data alone.
+    Node* copy = leaf->makeClone(true);
+    EXPECT_EQ(list(copy), "");
+    EXPECT_EQ(dataOf(copy), dataOf(leaf));
+    for (Node* node : {copy, leaf}) {
+      if (node->getParentNode()) continue;
+      node->addRef(false);
+      node->releaseRef(true);
+    }
+  }
+  EXPECT_EQ(dataOf(text), "one\x1B&one&amp;");
+  EXPECT_EQ(dataOf(comment), "--two--<!--two-->");
+}
+
+// Equal nodes share what they have in common; an edit of one is none of the others'.
+TEST_F(NodeTest, NodesOfOneKindChangeAlone) {
+  load("<P ID=a>x<P ID=b>x<P ID=c>x");
+  auto* const a = static_cast<Element*>(find("P"));
+  Node* const b = a->getNextSibling();
+  a->setName("Q");
+  a->getFirstChild()->setName("WORD");
+  EXPECT_EQ(b->getName(), "P");
+  EXPECT_EQ(b->getFirstChild()->getName(), "TEXT");
+  EXPECT_EQ(a->getRawBeginTag(), "<P ID=a>");
+  EXPECT_STREQ(a->getAttributeValue("ID"), "a");
+  a->setName("P");
+  b->setDocument(nullptr);
+  EXPECT_EQ(a->getDocument(), doc_);
+  EXPECT_EQ(b->getNextSibling()->getDocument(), doc_);
+  EXPECT_EQ(b->getFirstChild()->getDocument(), doc_);
+  EXPECT_EQ(static_cast<Element*>(b)->getRawBeginTag(), "<P ID=b>");
+  EXPECT_NE(static_cast<Element*>(b)->getElementDefinition(), nullptr);
+  b->setDocument(doc_);
+  Element* const copy = static_cast<Element*>(b->makeClone(true));
+  copy->addRef(true);
+  dropDocument();
+  // What outlives the page keeps its bytes.
+  EXPECT_EQ(copy->getRawBeginTag(), "<P ID=b>");
+  EXPECT_EQ(static_cast<Text*>(copy->getFirstChild())->getRawData(), "x");
+  copy->releaseRef(true);
+}
+
 // --- counts ----------------------------------------------------------------------------------------------------------
 
 TEST_F(NodeTest, CountsGuardWhatSomebodyElseHolds) {
