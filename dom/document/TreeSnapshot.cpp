@@ -176,7 +176,7 @@ class Encoder {
     while (SnapshotChunk* chunk = SnapshotChunk::ledBy(head)) {
       Level& level = *level_;
       if (level.run.head && level.run.weight >= kFewest) cut();
-      Node* last = level.intact ? chunk->last() : level.linked ? lastIfSaved(head, chunk->siblings()) : nullptr;
+      Node* last = level.intact ? chunk->last() : level.linked ? lastIfSaved(head, *chunk) : nullptr;
       const bool isSmall = !chunk->isGroup() && chunk->weight() <= kMost;
       if (last && level.run.head) {
         if (isSmall) {
@@ -199,9 +199,11 @@ class Encoder {
     return nullptr;
   }
 
-  static Node* lastIfSaved(Node* head, std::uint32_t siblings) {
+  // A group may have lost the head of a chunk in it, which outdates nobody; then as many siblings end elsewhere.
+  static Node* lastIfSaved(Node* head, const SnapshotChunk& chunk) {
+    std::uint32_t siblings = chunk.siblings();
     for (Node* n = head; n && NodeAccess::isSaved(n); n = n->getNextSibling()) {
-      if (--siblings == 0) return n;
+      if (--siblings == 0) return n == chunk.last() ? n : nullptr;
     }
     return nullptr;
   }
@@ -444,9 +446,12 @@ class Decoder {
     while (true) {
       Open& open = open_.back();
       if (open.code == open.chunk->code() + open.chunk->codeSize()) {
-        if (takesOver_ && open.chunk->isPlain()) open.chunk->setRun(open.head, last(open.head));
+        Node* const first = open.head;
+        if (takesOver_ && open.chunk->isPlain()) open.chunk->setRun(first, last(first));
         open_.pop_back();
-        if (open_.empty()) return open.head;
+        if (open_.empty()) return first;
+        // A group has no nodes of its own.
+        if (!open_.back().head) open_.back().head = first;
         continue;
       }
       const auto at = static_cast<std::size_t>(open.code - open.chunk->code());

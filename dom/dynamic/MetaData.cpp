@@ -78,7 +78,7 @@ MetaData::MetaData(const MetaData& source)
 
 MetaData::~MetaData() { NodeAccess::releaseOwned(this); }
 
-void MetaData::releaseOwned() { dropObject(); }
+void MetaData::releaseOwned(bool) { dropObject(); }
 
 Node* MetaData::cloneSelf() const { return new MetaData(*this); }
 

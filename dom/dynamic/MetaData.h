@@ -74,7 +74,7 @@ class ZELDOM40_API MetaData : public Node {
  private:
   friend struct MetaDataAccess;
 
-  void releaseOwned() override;
+  void releaseOwned(bool held) override;
   Node* cloneSelf() const override;
   void dropObject();
   void storeRuntimeText(std::string text);

@@ -168,7 +168,7 @@ class PageParser {
   bool readPlainTag();
   bool readPlainBeginTag(std::uint32_t start);
   bool readPlainEndTag(std::uint32_t start);
-  std::uint32_t endOfQuoted(std::uint32_t from, char quote) const;
+  std::uint32_t endOfQuoted(std::uint32_t from, char quote);
 
   // --- declarations, server content ---------------------------------------------------------------------------------
   void readDeclaration();
@@ -278,6 +278,7 @@ class PageParser {
   AttributeBlock::Entry attribute_{};
   std::vector<AttributeBlock::Entry> attributes_;
   AttributeNames attributeNames_;  // filled for tags with many
+  std::size_t readInVain_ = 0;     // bytes of values that were no plain ones
   std::string scratch_;
   const ElementDefinition* tagDefinition_ = nullptr;
   bool attributeError_ = false;

@@ -107,22 +107,27 @@ bool PageParser::readPlainBeginTag(std::uint32_t start) {
 }
 
 // The offset of the quote that ends a value; NO_POSITION if that takes a closer look.
-std::uint32_t PageParser::endOfQuoted(std::uint32_t from, char quote) const {
+std::uint32_t PageParser::endOfQuoted(std::uint32_t from, char quote) {
   const std::string_view text = lexer_.text();
   const char* const bytes = text.data();
+  // Server code may send each of many tags far ahead in vain; all together may read the page once more.
+  const auto inVain = [&](std::size_t upTo) {
+    readInVain_ += upTo - from;
+    return NO_POSITION;
+  };
   std::uint32_t i = from;
   while (true) {
     while (!is(bytes[i], ENDS_QUOTED)) ++i;
     if (bytes[i] == quote) return i;
-    if (bytes[i] == 0) return NO_POSITION;
+    if (bytes[i] == 0) return inVain(i);
     if (bytes[i] == '<') {
       const char behind = bytes[i + 1];
-      if (behind == '!' || behind == '?') return NO_POSITION;
+      if (behind == '!' || behind == '?') return inVain(i);
       if (behind == '%') {
         // A quote in server code ends nothing.
-        if (text.substr(i + 1, 3) == "%--") return NO_POSITION;
+        if (text.substr(i + 1, 3) == "%--" || readInVain_ > text.size()) return inVain(i);
         const std::size_t end = text.find("%>", i + 2);
-        if (end == std::string_view::npos) return NO_POSITION;
+        if (end == std::string_view::npos) return inVain(text.size());
         i = static_cast<std::uint32_t>(end) + 2;
         continue;
       }

@@ -100,7 +100,7 @@ Element::~Element() {
   }
 }
 
-void Element::releaseOwned() {
+void Element::releaseOwned(bool held) {
   if (attributesInBlock_) {
     attributes().block->release();
   } else {
@@ -113,7 +113,7 @@ void Element::releaseOwned() {
     md->setElement(nullptr);
     // A visual goes with the children, for it may hold elements with visuals.
     if (Element* visual = NodeAccess::refCount(md) == 1 ? md->takeATV() : nullptr) {
-      visual->dropRef(true);
+      if (!held) visual->dropRef(true);
       NodeAccess::hangOnDying(this, visual);
     }
     md->releaseRef(false);

@@ -140,7 +140,7 @@ class ZELDOM40_API Element : public Node {
 
   explicit Element(Document* document);
   Element(Parsed, NodeKind* kind, Slice begin);
-  void releaseOwned() override;
+  void releaseOwned(bool held) override;
   Node* cloneSelf() const override;
   void noteUpdate(unsigned long flag) override;
 

@@ -66,7 +66,7 @@ void NodeAccess::cutLoose(Node* node) {
   if (left && right) join(left, right);
 }
 
-void Node::releaseOwned() {}
+void Node::releaseOwned(bool) {}
 
 // --- reference counts ------------------------------------------------------------------------------------------------
 
@@ -120,7 +120,7 @@ void NodeAccess::releaseRemoved(Node* top) {
   if (top->refCount_ > 1) {
     tellRemoved(top, /*alsoTop=*/false);
   } else if (top->getFirstChild()) {
-    if (ownsMore(top)) releaseOwned(top);
+    if (ownsMore(top)) releaseOwned(top, /*held=*/true);
     drain(top, /*removed=*/true);
   }
   top->releaseRef(false);
@@ -192,7 +192,7 @@ void NodeAccess::drain(Node* top, bool removed) {
       if (ownsMore(victim)) {
         // Its metadata may live on, held by a host.
         if (removed && victim->refCount_ > 0 && !victim->edited_) noteEdit(victim);
-        releaseOwned(victim);
+        releaseOwned(victim, removed);
       }
       if (victim->getFirstChild()) {
         const auto [first, last] = takeChildren(victim);

@@ -230,7 +230,8 @@ class ZELDOM40_API Node {
   void outdate();
 
   // Members of derived classes that must go before the children do; called once, by the destruction of a subtree.
-  virtual void releaseOwned();
+  // With `held` the nodes among them keep the reference that their tree has on them.
+  virtual void releaseOwned(bool held);
   // A copy of this node alone.
   virtual Node* cloneSelf() const;
   // Told before a flag is raised on this node because it stands in a subtree that is added.

@@ -43,7 +43,7 @@ struct NodeAccess {
   // For deleteNodes: every node below `top`, which has left its tree, learns that it left, and each of the subtree
   // loses one reference. What nobody else holds dies.
   static void releaseRemoved(Node* top);
-  static void releaseOwned(Node* node) { node->releaseOwned(); }
+  static void releaseOwned(Node* node, bool held = false) { node->releaseOwned(held); }
 
   // --- saved states (SnapshotChunk.h)
   // ---------------------------------------------------------------------------------
