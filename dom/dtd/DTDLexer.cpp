@@ -91,10 +91,12 @@ unsigned digitValue(char c) {
 // The built-in text grows by somewhat more than its length; who needs a wider gap gets one.
 DTDLexer::DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame)
     : frame_(frame),
+      text_(text),
       buffer_(new char[text.size() + text.size() * 5 / 4 + 2 * kSlack]),
       head_(text.size() * 5 / 4 + kSlack),
       end_(head_ + text.size()),
-      growthLeft_(growthFor(text.size())) {
+      growthLeft_(growthFor(text.size())),
+      ownLeft_(text.size()) {
   text.copy(&buffer_[head_], text.size());
   std::memset(&buffer_[end_], 0, kSlack);
 }
@@ -109,6 +111,7 @@ void DTDLexer::takeMany(std::size_t count) {
 }
 
 void DTDLexer::putAhead(std::string_view text) {
+  ownLeft_ = std::min(ownLeft_, end_ - head_);
   if (text.size() > head_ - read_) {
     // A gap that grows with what is there, so that moving costs no more than what is put in.
     const std::size_t left = end_ - head_;
@@ -122,6 +125,36 @@ void DTDLexer::putAhead(std::string_view text) {
   }
   head_ -= text.size();
   text.copy(&buffer_[head_], text.size());
+}
+
+// The text's own bytes from the position up to `end`, which is counted in the buffer.
+std::string_view DTDLexer::skipTo(std::size_t end) {
+  const std::string_view skipped = text_.substr(text_.size() - (end_ - head_), end - head_);
+  head_ = end;
+  return skipped;
+}
+
+std::string_view DTDLexer::skipDeclaration() {
+  const std::size_t close = ahead().find('>');
+  if (end_ - head_ > ownLeft_ || close == std::string_view::npos) return {};
+  return skipTo(head_ + close + 1);
+}
+
+std::string_view DTDLexer::skipGeneralEntities(std::size_t* count) {
+  constexpr std::string_view kOpening = "\n<!ENTITY ";
+  const std::string_view text = ahead();
+  *count = 0;
+  if (end_ - head_ > ownLeft_) return {};
+  std::size_t end = 0;
+  for (std::size_t name = 1; text.starts_with(' ') && name < text.size() && text[name] != '%';) {
+    const std::size_t close = text.find('>', name);
+    if (close == std::string_view::npos) break;
+    ++*count;
+    end = close + 1;
+    if (!text.substr(end).starts_with(kOpening)) break;
+    name = end + kOpening.size();
+  }
+  return *count ? skipTo(head_ + end) : std::string_view();
 }
 
 // --- references to parameter entities --------------------------------------------------------------------------------

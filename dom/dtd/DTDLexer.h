@@ -22,7 +22,8 @@ namespace zeldom40 {
 // stands at the position is, wherever it came from.
 class DTDLexer final : public Lexer {
  public:
-  // Copies `text`; looks parameter entities up in `frame`, which must outlive the lexer.
+  // Copies `text`, which is looked at again by the skips alone; looks parameter entities up in `frame`, which must
+  // outlive the lexer.
   DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame);
 
   int lex() override;
@@ -33,6 +34,13 @@ class DTDLexer final : public Lexer {
     return {buffer_.get() + start, std::min<std::size_t>(end, read_) - start};
   }
   using Lexer::slice;
+
+  // Steps past the rest of a declaration up to its ">", none of which is expanded, and returns it with the ">". For a
+  // text without ">" in literals. Null if some of it is not of the text itself. Nothing may be queued.
+  std::string_view skipDeclaration();
+  // The same for a run of general entities from the name of the first to the last ">"; null if none stands there.
+  // `*count` is told how many.
+  std::string_view skipGeneralEntities(std::size_t* count);
 
   // Whether `s` is a numeric character reference. KEPT: the digit behind "&#" or "&#x" is not looked at.
   static bool isCharacterReference(std::string_view s);
@@ -60,6 +68,7 @@ class DTDLexer final : public Lexer {
   }
   void takeMany(std::size_t count);
   void putAhead(std::string_view text);
+  std::string_view skipTo(std::size_t end);
   bool isReference(std::size_t at) const;
   bool replacement(std::size_t& at, std::string& out);
   bool expandHere() { return atEnd() || buffer_[head_] != '%' || expandReferences(); }
@@ -74,12 +83,14 @@ class DTDLexer final : public Lexer {
   void lexWord();
 
   const ParserType::_dtd_frame* frame_;
+  const std::string_view text_;  // for skipDeclaration
   std::unique_ptr<char[]> buffer_;
   std::size_t read_ = 0;        // what was read ends here
   std::size_t head_;            // what lies ahead begins here
   std::size_t end_;             // and ends here
   std::size_t expandedTo_ = 0;  // counted as a position
   std::size_t growthLeft_;
+  std::size_t ownLeft_;  // so many bytes at the end are the text's own
 };
 
 }  // namespace zeldom40
