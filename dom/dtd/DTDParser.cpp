@@ -134,7 +134,10 @@ DTDParser::DTDParser(std::string_view text, ParserType::_dtd_frame* frame) : fra
 }
 
 DTDParser* DTDParser::makeDeferring(std::string_view text) {
-  auto* parser = new DTDParser(text.data(), static_cast<unsigned>(text.size()));
+  auto* parser = new DTDParser;
+  parser->frame_ = new ParserType::_dtd_frame;
+  parser->ownsFrame_ = true;
+  parser->lexer_ = std::make_unique<DTDLexer>(DTDLexer::Constant{text}, parser->frame_);
   parser->defers_ = true;
   return parser;
 }
