@@ -378,8 +378,9 @@ std::vector<std::string> DTDParser::parseNameGroup() {
 
 // The number of a name, -1 if there may be no more of them.
 int DTDParser::enterName(std::string_view upperName) {
+  if (!isBounded_) return frame_->names.enter(upperName);
   const int known = frame_->names.find(upperName);
-  if (known >= 0 || !isBounded_) return known >= 0 ? known : frame_->names.enter(upperName);
+  if (known >= 0) return known;
   if (frame_->pageNames >= kMostPageNames) return -1;
   ++frame_->pageNames;
   return frame_->names.enter(upperName);
