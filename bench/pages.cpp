@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/Shapes.h"
+#include "dom/dtd/DTDFrame.h"
 #include "dom/tree/NodePool.h"
 #include "dom/zeldom40.h"
 
@@ -18,6 +19,7 @@ class OpenPage {
  public:
   explicit OpenPage(std::size_t bytes) : text_(ordinaryPage(bytes)) {
     dom_ = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+    dom_->getDocumentType()->getDTDFrame()->readDeferred();
     document_ = dom_->createDocument("HTML");
   }
   ~OpenPage() {

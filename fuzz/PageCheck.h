@@ -72,14 +72,19 @@ class PageCheck {
   }
 
   std::string run(std::string_view text, const char* documentTypeName, Check check) {
-    const long before = liveNodes::count;
-    Document* document = dom_->createDocument(documentTypeName);
-    std::string fault = (this->*check)(*document, text);
-    dom_->deleteDocument(document);
-    if (!fault.empty()) return fault;
-    // Declarations of a page outlive it, as nodes of the DTD; those are counted when the DOM goes.
-    if (liveNodes::count == before || RandomPage::mayDeclare(text)) return {};
-    return std::to_string(liveNodes::count - before) + " nodes left";
+    long left = 0;
+    // What the first page to ask for it reads of the DTD stays; a second time nothing may be left.
+    for (int time = 0; time < 2; ++time) {
+      const long before = liveNodes::count;
+      Document* document = dom_->createDocument(documentTypeName);
+      std::string fault = (this->*check)(*document, text);
+      dom_->deleteDocument(document);
+      if (!fault.empty()) return fault;
+      // Declarations of a page outlive it, as nodes of the DTD; those are counted when the DOM goes.
+      left = liveNodes::count - before;
+      if (left == 0 || RandomPage::mayDeclare(text)) return {};
+    }
+    return std::to_string(left) + " nodes left";
   }
 
   std::string wholePage(Document& document, std::string_view text) {

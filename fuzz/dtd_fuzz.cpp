@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "dom/dtd/DTDFrame.h"
 #include "dom/tree/NodePool.h"
 #include "dom/zeldom40.h"
 
@@ -76,6 +77,7 @@ void askAll(DOM& dom, DocumentType& type) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  dom->getDocumentType()->getDTDFrame()->readDeferred();
   const long before = liveNodes::count;
   const std::string text(reinterpret_cast<const char*>(data), size);
   DocumentType* type = dom->createDocumentType("fuzz", text.data(), static_cast<int>(text.size()));

@@ -6,11 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "dom/dtd/DTDFrame.h"
 #include "fuzz/EditHost.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zeldom40;
   static DOM* const dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  dom->getDocumentType()->getDTDFrame()->readDeferred();
   const long before = liveNodes::count;
   fuzz::Choices choices(std::string_view(reinterpret_cast<const char*>(data), size));
   std::string fault;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "dom/dtd/DTDFrame.h"
 #include "fuzz/DynamicHost.h"
 
 int main(int count, char** words) {
@@ -34,6 +35,7 @@ int main(int count, char** words) {
   const bool alone = document != 0;
   unsigned long done = 0;
   DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  dom->getDocumentType()->getDTDFrame()->readDeferred();
   const long nodesOfDom = liveNodes::count;
   for (; done < edits; ++document) {
     fuzz::Choices choices(seed * 1000003 + document);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "dom/dtd/DTDFrame.h"
 #include "fuzz/EditHost.h"
 
 namespace {
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
   const Clock::time_point start = Clock::now();
   const long nodesBefore = liveNodes::count;
   DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  dom->getDocumentType()->getDTDFrame()->readDeferred();
   const long nodesOfDom = liveNodes::count;
   unsigned long done = 0;
   for (unsigned long document = options.document; done < options.edits; ++document) {

@@ -71,7 +71,7 @@ void DOM::setJavaTypeLookupIF(const JavaTypeLookupIF* lookup) {
 
 void DOM::loadDTD() {
   retireDTD();
-  dtdParser_ = new DTDParser(builtInDTD().data(), static_cast<unsigned>(builtInDTD().size()));
+  dtdParser_ = DTDParser::makeDeferring(builtInDTD());
   dtdParser_->parse(LexerType::LEX_EOF);
   documentType_ = new DocumentType;
   documentType_->setDTDFrame(dtdParser_->getDTDFrame());

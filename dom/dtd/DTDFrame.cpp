@@ -1,29 +1,42 @@
 // Making and clearing the tables of a DTD.
 #include "dom/dtd/DTDFrame.h"
 
+#include <utility>
+
 #include "dom/document/DOM.h"
+#include "dom/dtd/DTDParser.h"
 #include "dom/dtd/DocumentType.h"
 
 namespace zeldom40 {
 
 ParserType::_dtd_frame::_dtd_frame()
     : parameterEntities(new Hash<EntityRecord>(Hash<EntityRecord>::kFrameBuckets)),
-      generalEntities(new Hash<GeneralEntityRecord>(Hash<GeneralEntityRecord>::kFrameBuckets)),
       elements(new Hash<ElementDefinition>(Hash<ElementDefinition>::kFrameBuckets)),
       elementList(new std::vector<ElementDefinition*>),
-      catalog(nullptr),
-      charEntities(new CharEntityTable) {}
+      catalog(nullptr) {}
 
 // A definition dies through the list alone, which has each once, and whatever its count says: the references that
 // elements took on it are never given back.
 ParserType::_dtd_frame::~_dtd_frame() {
   contents.reset();
   for (ElementDefinition* definition : *elementList) delete definition;
-  delete charEntities;
   delete elementList;
   delete elements;
-  delete generalEntities;
   delete parameterEntities;
+}
+
+void ParserType::_dtd_frame::readEntities() {
+  // Taken first, for reading them asks for the tables.
+  const DeferredEntities deferred = std::exchange(deferredEntities, {});
+  DTDParser::read(deferred, this);
+}
+
+void ParserType::_dtd_frame::readDeferred() {
+  charEntities();
+  for (const ElementDefinition* definition : *elementList) {
+    definition->getContentType();
+    definition->getAttributes();
+  }
 }
 
 ContentTable& contentTable(ParserType::_dtd_frame& frame) {
@@ -34,15 +47,16 @@ ContentTable& contentTable(ParserType::_dtd_frame& frame) {
 }
 
 bool FrameEntities::find(std::string_view name, EntityText& out) const {
-  const GeneralEntityRecord* entity = frame_->generalEntities->find(name);
+  const GeneralEntityRecord* entity = frame_->generalEntities().find(name);
   if (!entity) return false;
   out = EntityText{entity->text, entity->publicId, entity->systemId, entity->order};
   return true;
 }
 
 std::string_view FrameCharacterNames::nameOf(unsigned code) const {
-  const auto found = frame_->charEntities->find(code);
-  return found == frame_->charEntities->end() ? std::string_view() : std::string_view(found->second.name);
+  const CharEntityTable& names = frame_->charEntities();
+  const auto found = names.find(code);
+  return found == names.end() ? std::string_view() : std::string_view(found->second.name);
 }
 
 namespace {

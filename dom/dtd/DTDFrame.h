@@ -52,6 +52,32 @@ struct CatalogRecord {
 // Characters that have a name, by code. The first name of a code stays.
 using CharEntityTable = std::map<std::uint32_t, CharEntityRecord>;
 
+// The text of the built-in DTD, which is constant, is nearly all about elements and characters that a page never names.
+// So its tables take down where these parts stand, and the first question about one reads it. Making a DOM costs a
+// sixth of the instructions that reading all would, and a fifth of the page faults. A part says the same now and later,
+// for whatever it refers to was declared before it, and the first declaration of an entity is the one that counts.
+
+// The content of one declaration: the text behind the flags, with the ">".
+struct DeferredContent {
+  ParserType::_dtd_frame* frame;
+  std::string_view text;
+  std::size_t first;  // its definitions in `elementList`
+  std::size_t count;
+};
+
+// One list of attributes: the text behind the names, with the ">".
+struct DeferredList {
+  ParserType::_dtd_frame* frame;
+  std::string_view text;
+  const AttributeListHolder* list = nullptr;  // once it is read
+};
+
+// Declarations of general entities, one behind the other, from the name of the first. No name is there twice.
+struct DeferredEntities {
+  std::string_view text;
+  std::size_t count = 0;
+};
+
 // Owned by the parser that made it. Everything in it lives until then: attributes of pages point at definitions whose
 // list was replaced since, and elements at definitions.
 struct ParserType::_dtd_frame {
@@ -61,11 +87,20 @@ struct ParserType::_dtd_frame {
   _dtd_frame& operator=(const _dtd_frame&) = delete;
 
   Hash<EntityRecord>* parameterEntities;
-  Hash<GeneralEntityRecord>* generalEntities;
   Hash<ElementDefinition>* elements;             // by upper-case name
   std::vector<ElementDefinition*>* elementList;  // every definition parsed, also those that an earlier one keeps out
   Hash<CatalogRecord>* catalog;                  // nothing in the library fills it
-  CharEntityTable* charEntities;
+
+  // General entities by name, and how many there are.
+  Hash<GeneralEntityRecord>& generalEntities() {
+    if (deferredEntities.count) readEntities();
+    return generalEntities_;
+  }
+  std::size_t generalEntityCount() const { return generalEntities_.size() + deferredEntities.count; }
+  CharEntityTable& charEntities() {
+    if (deferredEntities.count) readEntities();
+    return charEntities_;
+  }
 
   std::vector<ElementDefinition*> winners;  // the definitions of `elements`, in order: their ordinals
   NameTable names;
@@ -88,6 +123,20 @@ struct ParserType::_dtd_frame {
   std::deque<EntityRecord> parameterRecords;
   std::deque<GeneralEntityRecord> generalRecords;
   std::vector<std::unique_ptr<AttributeListHolder>> attributeLists;
+  std::unique_ptr<ListedNames> listedNames;  // made by the first list
+
+  // What nobody has asked for yet.
+  std::deque<DeferredContent> deferredContents;
+  std::deque<DeferredList> deferredLists;
+  DeferredEntities deferredEntities;
+  // Reads all of it; for those who count nodes or memory.
+  void readDeferred();
+
+ private:
+  void readEntities();
+
+  Hash<GeneralEntityRecord> generalEntities_{Hash<GeneralEntityRecord>::kFrameBuckets};
+  CharEntityTable charEntities_;
 };
 
 struct ParserType::_dtd_parser_frame {

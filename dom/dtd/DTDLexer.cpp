@@ -66,6 +66,9 @@ constexpr std::size_t kMostGrowth = 4 << 20;
 constexpr std::size_t kLeastGrowth = 16 << 10;
 constexpr std::size_t kGrowthPerByte = 32;
 
+// Enough for what is read of the built-in text with its replacements; a longer one gets more.
+constexpr std::size_t kConstantRead = 16 << 10;
+
 std::size_t growthFor(std::size_t length) {
   if (length >= kMostGrowth / kGrowthPerByte) return kMostGrowth;
   return std::min(kMostGrowth, kLeastGrowth + kGrowthPerByte * length);
@@ -91,11 +94,24 @@ unsigned digitValue(char c) {
 // The built-in text grows by somewhat more than its length; who needs a wider gap gets one.
 DTDLexer::DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame)
     : frame_(frame),
+      rest_(text.substr(text.size())),
       buffer_(new char[text.size() + text.size() * 5 / 4 + 2 * kSlack]),
       head_(text.size() * 5 / 4 + kSlack),
       end_(head_ + text.size()),
-      growthLeft_(growthFor(text.size())) {
+      growthLeft_(growthFor(text.size())),
+      ownLeft_(text.size()) {
   text.copy(&buffer_[head_], text.size());
+  std::memset(&buffer_[end_], 0, kSlack);
+}
+
+DTDLexer::DTDLexer(Constant constant, const ParserType::_dtd_frame* frame)
+    : frame_(frame),
+      rest_(constant.text),
+      buffer_(new char[kConstantRead + kSlack]),
+      head_(kConstantRead),
+      end_(kConstantRead),
+      growthLeft_(growthFor(constant.text.size())),
+      ownLeft_(0) {
   std::memset(&buffer_[end_], 0, kSlack);
 }
 
@@ -109,6 +125,7 @@ void DTDLexer::takeMany(std::size_t count) {
 }
 
 void DTDLexer::putAhead(std::string_view text) {
+  ownLeft_ = std::min(ownLeft_, end_ - head_);
   if (text.size() > head_ - read_) {
     // A gap that grows with what is there, so that moving costs no more than what is put in.
     const std::size_t left = end_ - head_;
@@ -122,6 +139,51 @@ void DTDLexer::putAhead(std::string_view text) {
   }
   head_ -= text.size();
   text.copy(&buffer_[head_], text.size());
+}
+
+// The next declaration of a constant text.
+bool DTDLexer::refill() {
+  if (rest_.empty()) return false;
+  const std::string_view piece = rest_.substr(0, std::min(rest_.find('>'), rest_.size() - 1) + 1);
+  putAhead(piece);
+  ownLeft_ = piece.size();
+  rest_.remove_prefix(piece.size());
+  return true;
+}
+
+// What lies ahead of the position in the text itself, null if that is not the same.
+std::string_view DTDLexer::ownAhead() const {
+  const std::size_t left = end_ - head_;
+  return left <= ownLeft_ ? std::string_view(rest_.data() - left, left + rest_.size()) : std::string_view();
+}
+
+std::string_view DTDLexer::skipOwn(std::size_t length) {
+  const std::string_view skipped = ownAhead().substr(0, length);
+  const std::size_t copied = std::min(length, end_ - head_);
+  head_ += copied;
+  rest_.remove_prefix(length - copied);
+  return skipped;
+}
+
+std::string_view DTDLexer::skipDeclaration() {
+  const std::size_t close = ownAhead().find('>');
+  return close == std::string_view::npos ? std::string_view() : skipOwn(close + 1);
+}
+
+std::string_view DTDLexer::skipGeneralEntities(std::size_t* count) {
+  constexpr std::string_view kOpening = "\n<!ENTITY ";
+  const std::string_view text = ownAhead();
+  *count = 0;
+  std::size_t end = 0;
+  for (std::size_t name = 1; text.starts_with(' ') && name < text.size() && text[name] != '%';) {
+    const std::size_t close = text.find('>', name);
+    if (close == std::string_view::npos) break;
+    ++*count;
+    end = close + 1;
+    if (!text.substr(end).starts_with(kOpening)) break;
+    name = end + kOpening.size();
+  }
+  return *count ? skipOwn(end) : std::string_view();
 }
 
 // --- references to parameter entities --------------------------------------------------------------------------------
@@ -263,12 +325,14 @@ inline void DTDLexer::addCharacter(LexerType::LexToken kind) {
 }
 
 int DTDLexer::lex() {
-  // Nothing, or one blank, stands before most tokens.
-  if (buffer_[head_] == ' ') {
-    buffer_[read_++] = ' ';
-    ++head_;
-  }
-  if (kGaps[static_cast<unsigned char>(buffer_[head_])] && !skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
+  do {
+    // Nothing, or one blank, stands before most tokens.
+    if (buffer_[head_] == ' ') {
+      buffer_[read_++] = ' ';
+      ++head_;
+    }
+    if (kGaps[static_cast<unsigned char>(buffer_[head_])] && !skipSpace()) return 0;  // LEX_UNDEFINED_ENTITY is queued
+  } while (atEnd() && refill());
   if (atEnd()) {
     addToken(LexerType::LEX_EOF, LexRecord::NO_POSITION, LexRecord::NO_POSITION);
     return 0;

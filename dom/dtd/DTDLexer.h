@@ -24,6 +24,12 @@ class DTDLexer final : public Lexer {
  public:
   // Copies `text`; looks parameter entities up in `frame`, which must outlive the lexer.
   DTDLexer(std::string_view text, const ParserType::_dtd_frame* frame);
+  // Over a text that outlives the lexer and has ">" only where a declaration ends. It is copied up to the next one by
+  // and by, so that what is skipped is not touched.
+  struct Constant {
+    std::string_view text;
+  };
+  DTDLexer(Constant constant, const ParserType::_dtd_frame* frame);
 
   int lex() override;
   bool matchAt(std::string_view word) override;
@@ -33,6 +39,13 @@ class DTDLexer final : public Lexer {
     return {buffer_.get() + start, std::min<std::size_t>(end, read_) - start};
   }
   using Lexer::slice;
+
+  // Steps past the rest of a declaration of such a text up to its ">", none of which is expanded, and returns it with
+  // the ">", where the caller has it. Null if some of it is not of the text itself. Nothing may be queued.
+  std::string_view skipDeclaration();
+  // The same for a run of general entities from the name of the first to the last ">"; null if none stands there.
+  // `*count` is told how many.
+  std::string_view skipGeneralEntities(std::size_t* count);
 
   // Whether `s` is a numeric character reference. KEPT: the digit behind "&#" or "&#x" is not looked at.
   static bool isCharacterReference(std::string_view s);
@@ -60,6 +73,9 @@ class DTDLexer final : public Lexer {
   }
   void takeMany(std::size_t count);
   void putAhead(std::string_view text);
+  bool refill();
+  std::string_view ownAhead() const;
+  std::string_view skipOwn(std::size_t length);
   bool isReference(std::size_t at) const;
   bool replacement(std::size_t& at, std::string& out);
   bool expandHere() { return atEnd() || buffer_[head_] != '%' || expandReferences(); }
@@ -74,12 +90,14 @@ class DTDLexer final : public Lexer {
   void lexWord();
 
   const ParserType::_dtd_frame* frame_;
+  std::string_view rest_;  // of the text, behind what was copied
   std::unique_ptr<char[]> buffer_;
   std::size_t read_ = 0;        // what was read ends here
   std::size_t head_;            // what lies ahead begins here
   std::size_t end_;             // and ends here
   std::size_t expandedTo_ = 0;  // counted as a position
   std::size_t growthLeft_;
+  std::size_t ownLeft_;  // so many bytes before the end are the text's own
 };
 
 }  // namespace zeldom40

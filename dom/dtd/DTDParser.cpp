@@ -125,8 +125,21 @@ DTDParser::DTDParser(const char* text, unsigned length) : frame_(new ParserType:
 }
 
 DTDParser::DTDParser(const char* text, unsigned length, const ParserType::_dtd_parser_frame* shared)
-    : frame_(shared->frame) {
+    : frame_(shared->frame), isBounded_(true) {
   lexer_ = std::make_unique<DTDLexer>(std::string_view(text, std::min(length, kLongestText)), frame_);
+}
+
+DTDParser::DTDParser(std::string_view text, ParserType::_dtd_frame* frame) : frame_(frame) {
+  lexer_ = std::make_unique<DTDLexer>(text, frame_);
+}
+
+DTDParser* DTDParser::makeDeferring(std::string_view text) {
+  auto* parser = new DTDParser;
+  parser->frame_ = new ParserType::_dtd_frame;
+  parser->ownsFrame_ = true;
+  parser->lexer_ = std::make_unique<DTDLexer>(DTDLexer::Constant{text}, parser->frame_);
+  parser->defers_ = true;
+  return parser;
 }
 
 DTDParser::~DTDParser() {
@@ -155,6 +168,10 @@ inline std::string_view DTDParser::currentText() const { return text(current_); 
 int DTDParser::parse(LexerType::LexToken stop) {
   if (!lexer_) return -1;
   ++frame_->readings;
+  return parseDeclarations(stop);
+}
+
+int DTDParser::parseDeclarations(LexerType::LexToken stop) {
   while (true) {
     const LexerType::LexToken kind = take();
     if (kind == stop) return 0;
@@ -214,7 +231,22 @@ void DTDParser::parsePublicIdentifier() {
 
 // --- entities --------------------------------------------------------------------------------------------------------
 
+// Puts off the general entities that stand here.
+bool DTDParser::deferEntities() {
+  if (frame_->generalEntityCount() > 0) return false;
+  DeferredEntities& deferred = frame_->deferredEntities;
+  deferred.text = static_cast<DTDLexer*>(lexer_.get())->skipGeneralEntities(&deferred.count);
+  return deferred.count > 0;
+}
+
+void DTDParser::read(const DeferredEntities& deferred, ParserType::_dtd_frame* frame) {
+  DTDParser parser(deferred.text, frame);
+  parser.parseEntity();
+  parser.parseDeclarations(LexerType::LEX_EOF);
+}
+
 void DTDParser::parseEntity() {
+  if (defers_ && deferEntities()) return;
   switch (peekPastComments()) {
     case LexerType::LEX_PERCENT:
       take();
@@ -299,13 +331,14 @@ void DTDParser::parseGeneralEntity() {
       return;
     }
   }
+  Hash<GeneralEntityRecord>& entities = frame_->generalEntities();
   std::uint32_t code = 0;
   if (DTDLexer::encodeCharacterReference(entity.text, &code)) {
-    frame_->charEntities->try_emplace(code, CharEntityRecord{code, name, entity.text});
+    frame_->charEntities().try_emplace(code, CharEntityRecord{code, name, entity.text});
   }
   entity.order = frame_->generalRecords.size();
   GeneralEntityRecord& stored = frame_->generalRecords.emplace_back(std::move(entity));
-  if (!frame_->generalEntities->insert(name, &stored)) frame_->generalRecords.pop_back();
+  if (!entities.insert(name, &stored)) frame_->generalRecords.pop_back();
 }
 
 // --- elements --------------------------------------------------------------------------------------------------------
@@ -345,8 +378,9 @@ std::vector<std::string> DTDParser::parseNameGroup() {
 
 // The number of a name, -1 if there may be no more of them.
 int DTDParser::enterName(std::string_view upperName) {
+  if (!isBounded_) return frame_->names.enter(upperName);
   const int known = frame_->names.find(upperName);
-  if (known >= 0 || ownsFrame_) return known >= 0 ? known : frame_->names.enter(upperName);
+  if (known >= 0) return known;
   if (frame_->pageNames >= kMostPageNames) return -1;
   ++frame_->pageNames;
   return frame_->names.enter(upperName);
@@ -378,16 +412,58 @@ void DTDParser::parseElement() {
     }
     take();
   }
+  if (defers_ && deferContent(names, omission)) return;
   // 3. The content, and the end, which stays.
   Content content;
   if (!parseContent(content) || peekPastComments() != LexerType::LEX_TAG_CLOSE) return;
   // 4. A definition for each name.
-  for (const std::string& name : names) declareElement(name, omission, content);
+  for (const std::string& name : names) {
+    if (ElementDefinition* definition = declareElement(name, omission)) giveContent(*definition, content);
+  }
 }
 
-void DTDParser::declareElement(const std::string& name, int omission, const Content& content) {
+// Declares elements whose content is put off.
+bool DTDParser::deferContent(const std::vector<std::string>& names, int omission) {
+  const std::string_view text = static_cast<DTDLexer*>(lexer_.get())->skipDeclaration();
+  if (text.empty()) return false;
+  DeferredContent& deferred =
+      frame_->deferredContents.emplace_back(DeferredContent{frame_, text, frame_->elementList->size(), 0});
+  for (const std::string& name : names) {
+    if (ElementDefinition* definition = declareElement(name, omission)) {
+      definition->deferredContent_ = &deferred;
+      ++deferred.count;
+    }
+  }
+  return true;
+}
+
+void DTDParser::read(const DeferredContent& deferred) {
+  DTDParser parser(deferred.text, deferred.frame);
+  Content content;
+  parser.parseContent(content);
+  for (std::size_t i = 0; i < deferred.count; ++i) {
+    ElementDefinition& definition = *(*deferred.frame->elementList)[deferred.first + i];
+    definition.deferredContent_ = nullptr;
+    giveContent(definition, content);
+  }
+}
+
+void DTDParser::giveContent(ElementDefinition& definition, const Content& content) {
+  definition.contentType_ = content.type;
+  definition.model_ = content.model;
+  definition.inclusions_ = content.inclusions;
+  definition.exclusions_ = content.exclusions;
+  // The groups are shared by all names of the declaration. CHOICE: only their roots count: below them nobody holds a
+  // token, and a count of every token for every name would cost the product of both.
+  for (ModelGroup* group : {content.model, content.inclusions, content.exclusions}) {
+    if (group) group->addRef(false);
+  }
+}
+
+// The definition of one name, which has no content yet; null if there may be no more of them.
+ElementDefinition* DTDParser::declareElement(const std::string& name, int omission) {
   const int nameId = enterName(UpperName(name));
-  if (nameId < 0) return;
+  if (nameId < 0) return nullptr;
   auto* definition = new ElementDefinition;
   const SharedName& upperName = frame_->names.name(nameId);
   if (upperName == name) {
@@ -399,15 +475,6 @@ void DTDParser::declareElement(const std::string& name, int omission, const Cont
   definition->nameId_ = nameId;
   definition->elements_ = frame_->elements;
   definition->omission_ = static_cast<ElementDefinition::Omission>(omission);
-  definition->contentType_ = content.type;
-  definition->model_ = content.model;
-  definition->inclusions_ = content.inclusions;
-  definition->exclusions_ = content.exclusions;
-  // The groups are shared by all names of the declaration. CHOICE: only their roots count: below them nobody holds a
-  // token, and a count of every token for every name would cost the product of both.
-  for (ModelGroup* group : {content.model, content.inclusions, content.exclusions}) {
-    if (group) group->addRef(false);
-  }
   const HTML40ElementID id = CatalogueTables::find(name);
   if (id != ID_NONE) definition->elementID_ = id;
   definition->group_ |= CatalogueTables::group(id);
@@ -418,10 +485,11 @@ void DTDParser::declareElement(const std::string& name, int omission, const Cont
     frame_->winners.push_back(definition);
   }
   ++frame_->generation;
+  return definition;
 }
 
 // Counts a token against what a page may have; false if it may not.
-bool DTDParser::countToken() { return ownsFrame_ || frame_->pageTokens++ < kMostPageTokens; }
+bool DTDParser::countToken() { return !isBounded_ || frame_->pageTokens++ < kMostPageTokens; }
 
 int DTDParser::parseOccurrence() {
   auto occurrence = Occurrence::kOnce;
@@ -555,26 +623,50 @@ bool DTDParser::parseContent(Content& content) {
 
 void DTDParser::parseAttributeList() {
   const std::vector<std::string> elementNames = parseNameGroup();
-  if (elementNames.empty()) return;
+  if (elementNames.empty() || (defers_ && deferAttributes(elementNames))) return;
   auto list = std::make_unique<AttributeListHolder>();
-  if (!listedNames_) listedNames_ = std::make_unique<ListedNames>();
-  const ListedNames::Entry* name = &listedNames_->find({});
+  if (parseAttributes(*list)) installAttributeList(elementNames, std::move(list));
+}
+
+// Puts off the list that stands here.
+bool DTDParser::deferAttributes(const std::vector<std::string>& elementNames) {
+  const std::string_view text = static_cast<DTDLexer*>(lexer_.get())->skipDeclaration();
+  if (text.empty()) return false;
+  DeferredList& deferred = frame_->deferredLists.emplace_back(DeferredList{frame_, text});
+  for (const std::string& name : elementNames) {
+    if (ElementDefinition* definition = frame_->elements->find(UpperName(name))) definition->deferredList_ = &deferred;
+  }
+  return true;
+}
+
+void DTDParser::read(DeferredList& deferred) {
+  auto list = std::make_unique<AttributeListHolder>();
+  DTDParser(deferred.text, deferred.frame).parseAttributes(*list);
+  deferred.list = list.get();
+  deferred.frame->attributeLists.push_back(std::move(list));
+}
+
+// False if the list has to be dropped.
+bool DTDParser::parseAttributes(AttributeListHolder& list) {
+  if (!frame_->listedNames) frame_->listedNames = std::make_unique<ListedNames>();
+  ListedNames& names = *frame_->listedNames;
+  const ListedNames::Entry* name = &names.find({});
   // KEPT: an enumeration does not write it, and so says the type of the attribute before it.
   std::uint8_t declaredType = 0;
   do {
     // KEPT: a token that is no name is taken all the same, and the name stays what it was.
     const LexerType::LexToken kind = advancePastComments();
-    if (isLast(kind)) return;
-    if (kind == LexerType::LEX_NAME) name = &listedNames_->find(currentText());
+    if (isLast(kind)) return false;
+    if (kind == LexerType::LEX_NAME) name = &names.find(currentText());
     auto definition = std::make_unique<AttributeDefinition>();
-    if (!parseAttributeType(*definition, declaredType) || !parseAttributeDefault(*definition)) return;
+    if (!parseAttributeType(*definition, declaredType) || !parseAttributeDefault(*definition)) return false;
     definition->declaredType_ = declaredType;
     NodeAccess::setName(definition.get(), name->name);
     definition->upperName_ = name->upperName;
-    list->byName.insert(definition.get(), name->hash);
-    NodeAccess::append(&list->holder, definition.release());
+    list.byName.insert(definition.get(), name->hash);
+    NodeAccess::append(&list.holder, definition.release());
   } while (peekPastComments() != LexerType::LEX_TAG_CLOSE);
-  installAttributeList(elementNames, std::move(list));
+  return true;
 }
 
 // A keyword, which goes into `declaredType`, or the values of an enumeration.
@@ -631,6 +723,7 @@ void DTDParser::installAttributeList(const std::vector<std::string>& elementName
   for (const std::string& name : elementNames) {
     if (ElementDefinition* definition = frame_->elements->find(UpperName(name))) {
       definition->attributes_ = list.get();
+      definition->deferredList_ = nullptr;
       used = true;
     }
   }

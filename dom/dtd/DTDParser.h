@@ -13,9 +13,12 @@
 namespace zeldom40 {
 
 class AttributeDefinition;
-class ListedNames;
+class ElementDefinition;
 class ModelGroup;
 struct AttributeListHolder;
+struct DeferredContent;
+struct DeferredEntities;
+struct DeferredList;
 
 // A loop over declarations, each a small state machine over tokens. It forgives: a declaration that does not fit is
 // dropped without a word, the tokens left of it pass, and reading goes on with the next keyword. The first declaration
@@ -34,6 +37,10 @@ class ZELDOM40_API DTDParser : public Parser {
   DTDParser(const char* text, unsigned length, const ParserType::_dtd_parser_frame* shared);
   ~DTDParser() override;
 
+  // A parser with tables of its own that puts off what is rarely asked for; see DTDFrame.h. The text is constant, has
+  // no faults, and refers to nothing before it is declared. The caller owns the parser.
+  static DTDParser* makeDeferring(std::string_view text);
+
   // Call it with LEX_EOF for the whole text. -1 also tells that a reference to an undeclared entity ended it.
   int parse(LexerType::LexToken stop) override;
 
@@ -41,8 +48,17 @@ class ZELDOM40_API DTDParser : public Parser {
   ParserType::_dtd_frame* getDTDFrame() const { return frame_; }
 
  private:
+  friend class ElementDefinition;
+  friend struct ParserType::_dtd_frame;
   struct Content;
 
+  // For what was put off: its names and tokens are not counted as a page's.
+  DTDParser(std::string_view text, ParserType::_dtd_frame* frame);
+  static void read(const DeferredContent& deferred);
+  static void read(DeferredList& deferred);
+  static void read(const DeferredEntities& deferred, ParserType::_dtd_frame* frame);
+
+  int parseDeclarations(LexerType::LexToken stop);
   LexerType::LexToken take();
   LexerType::LexToken nextKind();
   std::string_view text(const LexRecord& token) const;
@@ -51,18 +67,23 @@ class ZELDOM40_API DTDParser : public Parser {
   LexerType::LexToken peekPastComments();
   void parsePublicIdentifier();
   void parseEntity();
+  bool deferEntities();
   void parseParameterEntity();
   void parseGeneralEntity();
   std::vector<std::string> parseNameGroup();
   int enterName(std::string_view upperName);
   void parseElement();
-  void declareElement(const std::string& name, int omission, const Content& content);
+  bool deferContent(const std::vector<std::string>& names, int omission);
+  ElementDefinition* declareElement(const std::string& name, int omission);
+  static void giveContent(ElementDefinition& definition, const Content& content);
   bool countToken();
   int parseOccurrence();
   bool addElementToken(ModelGroup& group);
   bool addTextToken(ModelGroup& group);
   bool parseContent(Content& content);
   void parseAttributeList();
+  bool deferAttributes(const std::vector<std::string>& elementNames);
+  bool parseAttributes(AttributeListHolder& list);
   bool parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType);
   bool parseAttributeDefault(AttributeDefinition& definition);
   void installAttributeList(const std::vector<std::string>& elementNames, std::unique_ptr<AttributeListHolder> list);
@@ -72,8 +93,9 @@ class ZELDOM40_API DTDParser : public Parser {
 
   ParserType::_dtd_frame* frame_ = nullptr;
   bool ownsFrame_ = false;
+  bool isBounded_ = false;  // a page's declarations
+  bool defers_ = false;
   int sectionDepth_ = 0;
-  std::unique_ptr<ListedNames> listedNames_;  // made by the first list
 };
 
 }  // namespace zeldom40

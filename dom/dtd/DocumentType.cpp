@@ -37,12 +37,10 @@ const std::vector<ElementDefinition*>& DocumentType::getElementDefinitions() con
   return frame_ ? frame_->winners : noDefinitions_;
 }
 
-int DocumentType::getGeneralEntityCount() const {
-  return frame_ ? static_cast<int>(frame_->generalEntities->size()) : 0;
-}
+int DocumentType::getGeneralEntityCount() const { return frame_ ? static_cast<int>(frame_->generalEntityCount()) : 0; }
 
 int DocumentType::getCharacterEntityCount() const {
-  return frame_ ? static_cast<int>(frame_->charEntities->size()) : 0;
+  return frame_ ? static_cast<int>(frame_->charEntities().size()) : 0;
 }
 
 }  // namespace zeldom40

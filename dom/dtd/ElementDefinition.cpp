@@ -2,6 +2,7 @@
 #include "dom/dtd/ElementDefinition.h"
 
 #include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/DTDParser.h"
 #include "dom/dtd/ModelGroup.h"
 #include "dom/dtd/Parser.h"
 
@@ -20,6 +21,14 @@ void ElementDefinition::setName(const char* name) { setName(std::string(name ? n
 void ElementDefinition::setName(const std::string& name) {
   Node::setName(name);
   upperName_ = SharedName(Parser::toUpperName(name));
+}
+
+void ElementDefinition::readDeferredContent() const { DTDParser::read(*deferredContent_); }
+
+void ElementDefinition::readDeferredList() const {
+  if (!deferredList_->list) DTDParser::read(*deferredList_);
+  attributes_ = deferredList_->list;
+  deferredList_ = nullptr;
 }
 
 bool ElementDefinition::canContain(Node* node, Node** found, std::vector<Node*>* path) {
@@ -42,23 +51,23 @@ bool ElementDefinition::excludes(Node* node) const {
 }
 
 AttributeDefinition* ElementDefinition::getAttributeDefinition(const char* name) const {
-  if (!name || !attributes_) return nullptr;
+  if (!name || !attributes()) return nullptr;
   return findAttribute(Parser::toUpperName(name));
 }
 
 AttributeDefinition* ElementDefinition::findAttribute(std::string_view upperName) const {
-  return attributes_ ? attributes_->byName.find(upperName) : nullptr;
+  return attributes() ? attributes_->byName.find(upperName) : nullptr;
 }
 
 bool ElementDefinition::checkAttributeValidity(const char* name, const char*, unsigned long* errors) const {
-  if (!attributes_) return true;
+  if (!attributes()) return true;
   if (name && attributes_->byName.find(name)) return true;
   if (errors) *errors |= ERR_ATTR_INVALID_NAME;
   return false;
 }
 
 const AttributeDefinition* ElementDefinition::getAttributes() const {
-  return attributes_ ? &attributes_->holder : nullptr;
+  return attributes() ? &attributes_->holder : nullptr;
 }
 
 namespace {
@@ -118,7 +127,7 @@ void appendExceptions(std::string& out, char sign, const ModelGroup* group) {
 
 std::string ElementDefinition::getContentText() const {
   std::string text;
-  switch (contentType_) {
+  switch (getContentType()) {
     case CONTENT_EMPTY:
       return "EMPTY";
     case CONTENT_ANY:

@@ -16,6 +16,8 @@ class ModelGroup;
 class ModelWalk;
 struct AttributeListHolder;
 struct ContentQuestion;
+struct DeferredContent;
+struct DeferredList;
 
 // Its node name is spelled as in the DTD. Owned by the tables of the DTD parser; elements of pages take references that
 // nobody gives back.
@@ -37,10 +39,13 @@ class ZELDOM40_API ElementDefinition : public Node {
   // The JSP generation: 1 the old tags, 2 the jsp: and qdx: tags, 0 all others.
   unsigned long getFlags() const { return flags_; }
   Omission getOmission() const { return omission_; }
-  ContentType getContentType() const { return contentType_; }
+  ContentType getContentType() const {
+    readContent();
+    return contentType_;
+  }
   bool isStartOmittable() const { return omission_ == OMIT_START || omission_ == OMIT_BOTH; }
   bool isEndOmittable() const override { return omission_ == OMIT_END || omission_ == OMIT_BOTH; }
-  bool isEmptyTag() const override { return contentType_ == CONTENT_EMPTY; }
+  bool isEmptyTag() const override { return getContentType() == CONTENT_EMPTY; }
 
   // Whether `node` may stand under this element by the content model, directly or through elements whose start tag may
   // be omitted. Order and number of children do not count; the first fit in the order of the model wins.
@@ -48,9 +53,9 @@ class ZELDOM40_API ElementDefinition : public Node {
   // the groups and tokens from the outermost to that token; on a no it is as before.
   bool canContain(Node* node, Node** found, std::vector<Node*>* path) override;
   // Whether the inclusions name `node`.
-  bool canInclude(Node* node) const { return inclusions_ && includes(node); }
+  bool canInclude(Node* node) const { return getInclusions() && includes(node); }
   // Whether the exclusions leave `node` alone.
-  bool canBeAncestorOf(Node* node) const { return !exclusions_ || !excludes(node); }
+  bool canBeAncestorOf(Node* node) const { return !getExclusions() || !excludes(node); }
 
   // The definition of an attribute, in any case of letters; null if there is none. Owned by the DTD.
   AttributeDefinition* getAttributeDefinition(const char* name) const;
@@ -72,14 +77,33 @@ class ZELDOM40_API ElementDefinition : public Node {
   // The place of the upper-case name in the DTD's table of names.
   int nameId() const { return nameId_; }
   // The content model and its exceptions; null where there are none.
-  const ModelGroup* getModel() const { return model_; }
-  const ModelGroup* getInclusions() const { return inclusions_; }
-  const ModelGroup* getExclusions() const { return exclusions_; }
+  const ModelGroup* getModel() const {
+    readContent();
+    return model_;
+  }
+  const ModelGroup* getInclusions() const {
+    readContent();
+    return inclusions_;
+  }
+  const ModelGroup* getExclusions() const {
+    readContent();
+    return exclusions_;
+  }
 
  private:
   friend class DTDParser;
   friend class ModelWalk;
 
+  // What was put off when the element was declared.
+  void readContent() const {
+    if (deferredContent_) readDeferredContent();
+  }
+  void readDeferredContent() const;
+  const AttributeListHolder* attributes() const {
+    if (deferredList_) readDeferredList();
+    return attributes_;
+  }
+  void readDeferredList() const;
   bool includes(Node* node) const;
   bool excludes(Node* node) const;
 
@@ -97,7 +121,10 @@ class ZELDOM40_API ElementDefinition : public Node {
   ModelGroup* model_ = nullptr;
   ModelGroup* inclusions_ = nullptr;
   ModelGroup* exclusions_ = nullptr;
-  const AttributeListHolder* attributes_ = nullptr;  // shared by the elements of one list
+  mutable const AttributeListHolder* attributes_ = nullptr;  // shared by the elements of one list
+  // Where the content and the attributes stand that nobody has asked for yet; null once they are read.
+  const DeferredContent* deferredContent_ = nullptr;
+  mutable DeferredList* deferredList_ = nullptr;
   SharedName upperName_;
 };
 

@@ -12,20 +12,20 @@ class DocumentType;
 
 class FrameEntities : public EntityTable {
  public:
-  explicit FrameEntities(const ParserType::_dtd_frame* frame) : frame_(frame) {}
+  explicit FrameEntities(ParserType::_dtd_frame* frame) : frame_(frame) {}
   bool find(std::string_view name, EntityText& out) const override;
 
  private:
-  const ParserType::_dtd_frame* frame_;
+  ParserType::_dtd_frame* frame_;
 };
 
 class FrameCharacterNames : public CharacterNames {
  public:
-  explicit FrameCharacterNames(const ParserType::_dtd_frame* frame) : frame_(frame) {}
+  explicit FrameCharacterNames(ParserType::_dtd_frame* frame) : frame_(frame) {}
   std::string_view nameOf(unsigned code) const override;
 
  private:
-  const ParserType::_dtd_frame* frame_;
+  ParserType::_dtd_frame* frame_;
 };
 
 // The tables of a document type; they live as long as its DTD. Null for null and for a type without a DTD.

@@ -54,8 +54,9 @@ class Hash {
   }
 
   // Enters `value` unless the key has one. Returns whether it was entered.
-  bool insert(std::string_view key, T* value) {
-    Entry*& head = buckets_[nameHash(key) % buckets_.size()];
+  bool insert(std::string_view key, T* value) { return insert(key, nameHash(key), value); }
+  bool insert(std::string_view key, std::uint32_t hash, T* value) {
+    Entry*& head = buckets_[hash % buckets_.size()];
     std::size_t length = 0;
     for (const Entry* entry = head; entry; entry = entry->next, ++length) {
       if (entry->key == key) return false;

@@ -140,7 +140,7 @@ bool ModelWalk::canContain(const ElementDefinition& definition, Node** found) {
   *found = nullptr;
   const Kind kind = question_.kind;
   if (kind == Kind::kElement && question_.undefined) return true;
-  switch (definition.contentType_) {
+  switch (definition.getContentType()) {
     case ElementDefinition::CONTENT_ANY:
       return true;
     case ElementDefinition::CONTENT_TEXT:

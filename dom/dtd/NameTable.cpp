@@ -9,11 +9,11 @@ NameTable::NameTable() : index_(Hash<Entry>::kFrameBuckets) {
 }
 
 int NameTable::enter(std::string_view upperName) {
-  const int known = find(upperName);
-  if (known >= 0) return known;
+  const std::uint32_t hash = nameHash(upperName);
+  if (const Entry* known = index_.find(upperName, hash)) return known->id;
   if (size() >= kMostNames) return -1;
   entries_.push_back(Entry{SharedName(upperName), size()});
-  index_.insert(upperName, &entries_.back());
+  index_.insert(upperName, hash, &entries_.back());
   return entries_.back().id;
 }
 

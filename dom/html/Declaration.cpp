@@ -110,7 +110,7 @@ void PageParser::readSubset(Slice subset) {
   ParserType::_dtd_parser_frame shared{frame_};
   DTDParser parser(text.data(), static_cast<unsigned>(text.size()), &shared);
   parser.parse(LexerType::LEX_EOF);
-  lexer_.page().get()->setEntityCount(subset.offset, frame_->generalEntities->size());
+  lexer_.page().get()->setEntityCount(subset.offset, frame_->generalEntityCount());
   declarationsChanged();
 }
 

@@ -41,7 +41,7 @@ constexpr std::array<std::uint8_t, 256> kPunctuation = makePunctuation();
 
 HTMLLexer::HTMLLexer(const char* text, std::size_t length, ParserType::_dtd_frame* frame) : frame_(frame) {
   PageBuffer* buffer = PageBuffer::create(std::string_view(text, length), FrameTables::entities(frame),
-                                          frame ? frame->generalEntities->size() : 0);
+                                          frame ? frame->generalEntityCount() : 0);
   page_ = PageRef(buffer);
   buffer->release();
   text_ = buffer->text();
@@ -196,7 +196,7 @@ void HTMLLexer::scanAmpersand() {
   const std::uint32_t nameStart = position_;
   while (position_ < size && text_[position_] != ';' && !isNameDelimiter(text_[position_])) ++position_;
   const std::string_view name = text_.substr(nameStart, position_ - nameStart);
-  const GeneralEntityRecord* entity = frame_ && !name.empty() ? frame_->generalEntities->find(name) : nullptr;
+  const GeneralEntityRecord* entity = frame_ && !name.empty() ? frame_->generalEntities().find(name) : nullptr;
   if (entity) {
     if (position_ < size && text_[position_] == ';') ++position_;
     addToken(LexerType::LEX_ENTITY_REF, tokenStart_, position_, static_cast<std::uint32_t>(entity->order));

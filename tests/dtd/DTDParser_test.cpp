@@ -20,8 +20,9 @@ namespace {
 // Tables from a text; checks at the end that no node is left.
 class Tables {
  public:
-  explicit Tables(std::string_view text) : nodesBefore_(liveNodes::count) {
-    parser_ = std::make_unique<DTDParser>(text.data(), static_cast<unsigned>(text.size()));
+  explicit Tables(std::string_view text, bool deferring = false) : nodesBefore_(liveNodes::count) {
+    parser_.reset(deferring ? DTDParser::makeDeferring(text)
+                            : new DTDParser(text.data(), static_cast<unsigned>(text.size())));
     result = parser_->parse(LexerType::LEX_EOF);
   }
   ~Tables() {
@@ -169,11 +170,11 @@ TEST(DTDParser, Entities) {
   EXPECT_EQ(parameters, "one// x'y\\z// SYSTEM//sys PUBLIC/pub/ none oneone// ");
   std::string generals;
   for (const char* name : {"nbsp", "other", "nul", "amp", "n", "pq", "e", "p1"}) {
-    const GeneralEntityRecord* e = tables->generalEntities->find(name);
+    const GeneralEntityRecord* e = tables->generalEntities().find(name);
     generals += (e ? e->text + '/' + e->publicId + '/' + e->systemId + '/' + e->notation : "none") + ' ';
   }
   EXPECT_EQ(generals, "\x1b\xa0/// \x1b\xa0/// &#0;/// &/// SYSTEM//file/gif PUBLIC/p/q/ none none ");
-  ASSERT_EQ(tables->charEntities->size(), 1u);
+  ASSERT_EQ(tables->charEntities().size(), 1u);
   EXPECT_EQ(FrameCharacterNames(tables.operator->()).nameOf(160), "nbsp");
   EntityText found;
   EXPECT_TRUE(FrameEntities(tables.operator->()).find("n", found));
@@ -249,13 +250,45 @@ TEST(BuiltInDTD, IsReadWhole) {
   const Tables tables(builtInDTD());
   EXPECT_EQ(tables.result, 0);
   EXPECT_EQ(tables->winners.size(), 127u);
-  EXPECT_EQ(tables->generalEntities->size(), 252u);
-  EXPECT_EQ(tables->charEntities->find(8364)->second.name, "euro");
+  EXPECT_EQ(tables->generalEntities().size(), 252u);
+  EXPECT_EQ(tables->charEntities().find(8364)->second.name, "euro");
   // All that a model or a list names is declared.
   for (int id = NameTable::kFirstName; id < tables->names.size(); ++id) {
     EXPECT_TRUE(tables.element(tables->names.name(id).view())) << tables->names.name(id).view();
   }
   for (const ElementDefinition* d : tables->winners) EXPECT_NE(d->getElementID(), ID_UNKNOWN) << d->getName();
+}
+
+// Also to a page that declares things of its own before anything was asked for.
+TEST(BuiltInDTD, SaysTheSameIfItIsReadOnDemand) {
+  for (const std::string page : {"",
+                                 "<!ENTITY nbsp 'x'><!ENTITY own 'y'><!ATTLIST P z CDATA #IMPLIED><!ELEMENT B - O ANY>"
+                                 "<!ELEMENT X O O (P|%special;)><!ATTLIST (X|TD) %attrs;>"}) {
+    const auto declare = [&page](const Tables& tables) {
+      const ParserType::_dtd_parser_frame shared{tables.operator->()};
+      DTDParser(page.data(), static_cast<unsigned>(page.size()), &shared).parse(LexerType::LEX_EOF);
+    };
+    const Tables whole(builtInDTD());
+    declare(whole);
+    const Tables tables(builtInDTD(), /*deferring=*/true);
+    EXPECT_GT(tables->deferredContents.size(), 90u);
+    EXPECT_EQ(tables->deferredLists.size(), 91u);
+    EXPECT_EQ(tables->deferredEntities.count, 252u);
+    declare(tables);
+    EXPECT_EQ(tables.elements(), whole.elements());
+    for (const ElementDefinition* d : whole->winners) {
+      EXPECT_EQ(tables.attributes(d->upperName().view()), whole.attributes(d->upperName().view())) << d->getName();
+    }
+    EXPECT_EQ(tables->generalEntityCount(), whole->generalEntityCount());
+    for (const auto& [code, named] : whole->charEntities()) {
+      const GeneralEntityRecord* entity = tables->generalEntities().find(named.name);
+      ASSERT_TRUE(entity && tables->charEntities().contains(code)) << named.name;
+      EXPECT_EQ(tables->charEntities().at(code).name, named.name);
+      EXPECT_EQ(entity->text, named.text);
+      EXPECT_EQ(entity->order, whole->generalEntities().find(named.name)->order);
+    }
+    EXPECT_EQ(tables->names.size(), whole->names.size());
+  }
 }
 
 TEST(BuiltInDTD, DepartsFromHtmlWhereItShould) {
