@@ -135,6 +135,34 @@ TEST_F(UndoTest, NodesOfEveryKindComeBack) {
 }
 
 // Only what changed since the last state is looked at, so each change must tell.
+// Rows so wide that saved states keep them in pieces, and those in groups: what leaves may begin or end one.
+TEST_F(UndoTest, WideRowsComeBackWhole) {
+  for (int width : {40, 390, 3000}) {
+    std::string page = "<HTML><BODY>";
+    for (int i = 0; i < width; ++i) page += "<HR ID=n" + std::to_string(i) + ">";
+    page += "</BODY></HTML>";
+    for (int leaving = 0; leaving < width; leaving += width < 1000 ? 13 : leaving < 80 ? 1 : 331) {
+      open(page);
+      const auto remove = [&](int index) {
+        Node* row = find("BODY");
+        doc_->record();
+        row->removeChild(row->getChildNode(index))->releaseRef(true);
+        doc_->adjustNodes(nullptr, false);
+        return source();
+      };
+      const std::string once = remove(leaving);
+      const std::string twice = remove(width * 29 / 30);
+      doc_->undo(1);
+      ASSERT_EQ(source(), once) << width << ' ' << leaving;
+      ASSERT_EQ(fuzz::SnapshotCheck().look(doc_->getDocumentElement()), "") << width << ' ' << leaving;
+      doc_->undo(1);
+      ASSERT_EQ(source(), page) << width << ' ' << leaving;
+      doc_->redo(2);
+      ASSERT_EQ(source(), twice) << width << ' ' << leaving;
+    }
+  }
+}
+
 TEST_F(UndoTest, NoChangeIsOverlooked) {
   open("<BODY><P ID=p>a</P><jsp:useBean id=\"b\"></jsp:useBean><!-- c --><P>b</P></BODY>");
   auto* p = static_cast<Element*>(find("P"));

@@ -254,6 +254,22 @@ TEST_F(MetaDataTest, VisualsAreTakenOnlyIfTheyFit) {
   wrong->releaseRef(true);
 }
 
+TEST_F(MetaDataTest, AVisualThatAHostHoldsOutlivesItsPage) {
+  for (const char* deleted : {"P", "SERVLET"}) {
+    for (const bool deep : {false, true}) {
+      load("<P>" + pair(kVisual, "<ZELX:ATV A=1>t<B>u</B></ZELX:ATV>", "<SERVLET CODE=x></SERVLET>") + "</P>");
+      Element* visual = static_cast<Element*>(find("SERVLET"))->getATV();
+      ASSERT_NE(visual, nullptr);
+      visual->addRef(deep);
+      doc_->deleteNodes(find(deleted));
+      EXPECT_EQ(visual->getTagName(), "ZELX:ATV");
+      EXPECT_EQ(visual->getParentNode(), nullptr);
+      EXPECT_EQ(visual->hasChildNodes(), deep);
+      EXPECT_EQ(visual->releaseRef(deep), 0);
+    }
+  }
+}
+
 TEST_F(MetaDataTest, MetaDataOfAnotherElementIsCopied) {
   load("<BODY>" + pair(kControl, "<OBJECT ID=a></OBJECT>", "r") + "<OBJECT ID=b></OBJECT>");
   Element* a = element("OBJECT", 0);
