@@ -3,17 +3,12 @@
 
 #include "dom/dynamic/JavaTypes.h"
 #include "dom/dynamic/PropertyPath.h"
-#include "dom/tree/Attribute.h"
-#include "dom/tree/Element.h"
 
 namespace zeldom40::NDynElement {
 
 std::string emptyText(const Element* element) {
   std::string text;
-  const auto value = [element](const char* name) {
-    const Attribute* attribute = element->getAttributeNode(name);
-    return attribute ? attribute->getValue() : std::string();
-  };
+  const auto value = [element](const char* name) { return attributeOrEmpty(element, name); };
   const auto add = [&](const char* name, const char* from) {
     if (!value(from).empty()) text += std::string(" ") + name + "=\"" + value(from) + '"';
   };
@@ -173,25 +168,25 @@ void ContainerBase::tryTail(std::string& out, RuntimeTextState& state, bool noEm
 // --- lists, loops, texts ---------------------------------------------------------------------------------------------
 
 void ListBase::plan(Plan& plan) {
-  planPiece(plan, &ContainerBase::tryHead);
-  plan.beginTag(element(), attributes());
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::tryHead>(plan);
+  planOwnTag(plan);
+  planPiece<&ContainerBase::forHead>(plan);
   plan.children(element());
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
   plan.endTag(element());
   planTryTail(plan, /*noEmptyText=*/false);
 }
 
 void LoopBase::plan(Plan& plan) {
-  planPiece(plan, &ContainerBase::tryHead);
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::tryHead>(plan);
+  planPiece<&ContainerBase::forHead>(plan);
   plan.children(element());
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
   planTryTail(plan, /*noEmptyText=*/false);
 }
 
-TextBase::TextBase(const Place& place, const LoopScope& scope)
-    : LoopBase(place, scope),
+TextBase::TextBase(Place place, const LoopScope& scope)
+    : LoopBase(std::move(place), scope),
       delimiter_(getAttribute("DELIMITER")),
       lastDelimiter_(getAttribute("LASTDELIMITER")),
       delimiterForTwo_(getAttribute("DELIMITERFORTWO")) {}
