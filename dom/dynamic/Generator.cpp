@@ -44,6 +44,16 @@ void Plan::beginTag(Element* element) {
   piece([element](std::string& out, RuntimeTextState& state) { emitBeginTag(element, out, state); });
 }
 
+Plan::Step Plan::takeNext() {
+  Step step = std::move(steps_[next_++]);
+  // When half of it has run, so that all moves of a long plan together are linear.
+  if (step.what != Step::PIECE && !isDone() && next_ >= steps_.capacity() / 2) {
+    steps_.erase(steps_.begin(), steps_.begin() + static_cast<std::ptrdiff_t>(std::exchange(next_, 0)));
+    steps_.shrink_to_fit();
+  }
+  return step;
+}
+
 // --- Base ------------------------------------------------------------------------------------------------------------
 
 Base::~Base() = default;

@@ -185,12 +185,6 @@ void LoopBase::plan(Plan& plan) {
   planTryTail(plan, /*noEmptyText=*/false);
 }
 
-TextBase::TextBase(Place place, const LoopScope& scope)
-    : LoopBase(std::move(place), scope),
-      delimiter_(getAttribute("DELIMITER")),
-      lastDelimiter_(getAttribute("LASTDELIMITER")),
-      delimiterForTwo_(getAttribute("DELIMITERFORTWO")) {}
-
 namespace {
 
 // A line of page text inside Java.
@@ -202,18 +196,20 @@ void writeText(std::string& out, const RuntimeTextState& state, int extra, const
 }  // namespace
 
 void TextBase::forTail(std::string& out, RuntimeTextState& state) const {
+  const Delimiters delimiters = {getAttribute("DELIMITER"), getAttribute("LASTDELIMITER"),
+                                 getAttribute("DELIMITERFORTWO")};
   forTailHead(out, state);
-  if (!delimiterForTwo_.empty() || !lastDelimiter_.empty()) {
-    lookAhead(out, state);
-  } else if (!delimiter_.empty()) {
-    writeText(out, state, 0, delimiter_);
+  if (!delimiters.forTwo.empty() || !delimiters.last.empty()) {
+    lookAhead(out, state, delimiters);
+  } else if (!delimiters.usual.empty()) {
+    writeText(out, state, 0, delimiters.usual);
   }
   forTailEnd(out, state);
 }
 
 // The element just fetched is the last one if the one behind it does not exist; the separator in front of it is then
 // the last separator, and if its index is 1 the list has exactly two elements.
-void TextBase::lookAhead(std::string& out, RuntimeTextState& state) const {
+void TextBase::lookAhead(std::string& out, RuntimeTextState& state, const Delimiters& delimiters) const {
   const std::string index = scope().indexVariable();
   writeIndent(out, state, 0);
   out += "try {\r\n";
@@ -223,19 +219,19 @@ void TextBase::lookAhead(std::string& out, RuntimeTextState& state) const {
     writeIndent(out, state, 1);
     out += "o = " + fetch(path, static_cast<int>(number), index + " + 1") + ";\r\n";
   }
-  if (!delimiter_.empty()) writeText(out, state, 1, delimiter_);
+  if (!delimiters.usual.empty()) writeText(out, state, 1, delimiters.usual);
   writeIndent(out, state, 0);
   out += "}\r\n";
   catchHead(out, state);
-  if (delimiterForTwo_.empty()) {
-    writeText(out, state, 1, lastDelimiter_);
+  if (delimiters.forTwo.empty()) {
+    writeText(out, state, 1, delimiters.last);
   } else {
     writeIndent(out, state, 1);
     out += "if (" + index + " == 1) {\r\n";
-    writeText(out, state, 2, delimiterForTwo_);
+    writeText(out, state, 2, delimiters.forTwo);
     writeIndent(out, state, 1);
     out += "}\r\n";
-    const std::string& last = lastDelimiter_.empty() ? delimiter_ : lastDelimiter_;
+    const std::string& last = delimiters.last.empty() ? delimiters.usual : delimiters.last;
     if (!last.empty()) {
       writeIndent(out, state, 1);
       out += "else {\r\n";

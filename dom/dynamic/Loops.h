@@ -79,15 +79,16 @@ class LoopBase : public ContainerBase {
 // ZELX:TEXT: separators between the elements.
 class TextBase : public LoopBase {
  public:
-  TextBase(Place place, const LoopScope& scope);
+  using LoopBase::LoopBase;
   void forTail(std::string& out, RuntimeTextState& state) const override;
 
  private:
-  void lookAhead(std::string& out, RuntimeTextState& state) const;
-
-  std::string delimiter_;
-  std::string lastDelimiter_;
-  std::string delimiterForTwo_;
+  struct Delimiters {
+    std::string usual;
+    std::string last;
+    std::string forTwo;
+  };
+  void lookAhead(std::string& out, RuntimeTextState& state, const Delimiters& delimiters) const;
 };
 
 // SELECT: its options are made from one pattern that its attributes give; what stands in it at design time is not
