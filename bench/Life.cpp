@@ -76,6 +76,9 @@ std::string_view written(const Document& document, Node* node) {
   return {text, document.getSourceBufLen(nullptr, Document::SOURCE_ALL, /*compact=*/false)};
 }
 
+// The copy of its text that the document keeps for a host goes: it is half a gigabyte of some deep pages.
+void dropWritten(const Document& document) { document.getSourceBuf(nullptr, Document::SOURCE_ALL, /*compact=*/false); }
+
 // Whether there was any metadata.
 bool makeStale(Document& document, Node* root) {
   bool found = false;
@@ -96,6 +99,7 @@ std::string generateAgain(Task& task, DOM& dom, Document& document, Node* root, 
   {
     const Measured measured(task, RUNTIME);
     task.life.same = written(document, root) == saved;
+    dropWritten(document);
     Node* read = parse(*again, saved);
     // What is read again once has its pairs; from there on a save changes nothing.
     if (written(*again, read) != saved) {
@@ -125,6 +129,7 @@ void readAndWrite(Task& task) {
   }
   task.life.same = text == task.text;
   std::string saved(text);
+  dropWritten(*document);
   if (makeStale(*document, root)) saved = generateAgain(task, *dom, *document, root, std::move(saved));
   Node* clone = nullptr;
   {

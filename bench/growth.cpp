@@ -34,8 +34,6 @@ constexpr double kCountingTime = 2;
 constexpr double kSlowerCounting = 60;
 constexpr double kSlowerWaiting = 8;
 constexpr std::size_t kDeep = 1000 * 1000;
-// Of elements that the server makes: their run-time text is many times the page.
-constexpr std::size_t kDeepDynamic = 100 * 1000;
 
 // Memory that was had once stays with the process. The system's price for fresh pages says nothing about the library,
 // and it comes in steps that look like growth.
@@ -43,6 +41,14 @@ void keepMemory() {
   mallopt(M_ARENA_MAX, 1);
   mallopt(M_MMAP_MAX, 0);
   mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+}
+
+// A tree of a million levels has texts of half a gigabyte: each goes back to the system, so that none of them leaves a
+// hole that is too small for the next.
+void returnMemory() {
+  mallopt(M_MMAP_MAX, 1 << 16);
+  mallopt(M_MMAP_THRESHOLD, 1 << 20);
+  mallopt(M_TRIM_THRESHOLD, 1 << 20);
 }
 
 double total(const Life& life) { return std::accumulate(life.seconds, life.seconds + PHASES, 0.0); }
@@ -282,17 +288,17 @@ int printDepth(const Options& options) {
   printHead("levels");
   int bad = 0;
   for (const std::vector<Shape>* list : {&shapes(), &dynamicShapes()}) {
-    const std::size_t levels = list == &shapes() ? kDeep : kDeepDynamic;
     for (const Shape& shape : *list) {
       if (!shape.levels || !isAsked(shape, options)) continue;
       std::fflush(stdout);
       const pid_t child = fork();
       if (child == 0) {
-        const std::string text = shape.make(levels / static_cast<std::size_t>(shape.levels) + 1);
+        returnMemory();
+        const std::string text = shape.make(kDeep / static_cast<std::size_t>(shape.levels) + 1);
         const Life life = live(shape.documentType, text);
         std::printf("| %s | %ld |", Growth::shown(shape.name).c_str(), life.depth);
         for (double seconds : life.seconds) std::printf(seconds > 0 ? " %.3f |" : " |", seconds);
-        const bool deep = life.depth >= static_cast<long>(levels);
+        const bool deep = life.depth >= static_cast<long>(kDeep);
         std::printf("%s%s\n", life.same ? "" : " **comes back changed**", deep ? "" : " **not as deep**");
         std::fflush(stdout);
         _exit(life.same && deep ? 0 : 1);

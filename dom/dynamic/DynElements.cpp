@@ -1,7 +1,9 @@
 // What each kind of dynamic element reads, hides from its run-time tag, and hands to its generator.
 #include "dom/dynamic/DynElements.h"
 
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "dom/dynamic/DynamicDataFactory.h"
 #include "dom/dynamic/Loops.h"
@@ -13,22 +15,15 @@
 #include "dom/dynamic/RuntimeWriter.h"
 #include "dom/dynamic/Tables.h"
 #include "dom/source/CharHelpers.h"
-#include "dom/tree/Attribute.h"
 #include "dom/tree/Element.h"
 
 namespace zeldom40 {
 
 namespace {
 
-// A missing attribute reads as an empty one.
-std::string valueOf(const Element* element, const char* name) {
-  const Attribute* attribute = element->getAttributeNode(name);
-  return attribute ? attribute->getValue() : std::string();
-}
-
 void collectAttributes(const Element* element, std::initializer_list<const char*> names, std::set<std::string>& used) {
   for (const char* name : names) {
-    if (const Attribute* attribute = element->getAttributeNode(name)) used.insert(attribute->getValue());
+    if (std::optional<std::string> value = findAttribute(element, name)) used.insert(std::move(*value));
   }
 }
 
@@ -58,7 +53,7 @@ DynKind kindOf(const Element* element) {
       return DynKind::IMAGE;
     case ID_INPUT:
       for (const InputType& input : kInputTypes) {
-        if (equalsIgnoringCase(valueOf(element, "TYPE"), input.type)) return input.kind;
+        if (equalsIgnoringCase(attributeOrEmpty(element, "TYPE"), input.type)) return input.kind;
       }
       return DynKind::NONE;
     case ID_OL:
@@ -176,7 +171,7 @@ void DynBase::collectProperties(const Element* element, std::set<std::string>& u
 void DynContainer::collectOwnProperties(const Element*, std::set<std::string>&) const {}
 
 std::vector<std::string> DynContainer::loopProperties(const Element* element) const {
-  std::string property = valueOf(element, "LOOPPROPERTY");
+  std::string property = attributeOrEmpty(element, "LOOPPROPERTY");
   if (!isLoopProperty(property)) return {};
   return {std::move(property)};
 }
@@ -209,11 +204,11 @@ void DynContainer::leaveLoops(OpenLoops& loops) {
 // --- elements without loops ------------------------------------------------------------------------------------------
 
 void DynAnchor::collectProperties(const Element* element, std::set<std::string>& used) const {
-  collectQueryProperties(valueOf(element, "HREFPROPERTY"), used);
+  collectQueryProperties(attributeOrEmpty(element, "HREFPROPERTY"), used);
 }
 
 void DynForm::collectProperties(const Element* element, std::set<std::string>& used) const {
-  collectQueryProperties(valueOf(element, "ACTIONPROPERTY"), used);
+  collectQueryProperties(attributeOrEmpty(element, "ACTIONPROPERTY"), used);
 }
 
 void DynTextArea::collectProperties(const Element* element, std::set<std::string>& used) const {
@@ -232,10 +227,10 @@ namespace {
 
 // The place with the attributes of the run-time tag: all but those that speak to this library and to the author's
 // tool.
-NDynElement::Place hiding(const NDynElement::Place& place, std::initializer_list<const char*> hidden) {
-  NDynElement::Place reduced = place;
-  for (const char* name : hidden) reduced.attributes.erase(name);
-  return reduced;
+NDynElement::Place hiding(NDynElement::Place place, std::initializer_list<const char*> hidden) {
+  place.attributes = attributeMap(place.element);
+  for (const char* name : hidden) place.attributes.erase(name);
+  return place;
 }
 
 }  // namespace
@@ -297,31 +292,31 @@ std::unique_ptr<NDynElement::Base> DynSelect::makeGenerator(const NDynElement::P
 std::vector<std::string> DynTable::loopProperties(const Element* element) const {
   std::vector<std::string> loops;
   for (const char* name : {"OUTERLOOPPROPERTY", "INNERLOOPPROPERTY"}) {
-    std::string property = valueOf(element, name);
+    std::string property = attributeOrEmpty(element, name);
     if (isLoopProperty(property)) loops.push_back(std::move(property));
   }
   return loops;
 }
 
 bool DynTable::isHorizontal(const Element* element) {
-  return isLoopProperty(valueOf(element, "INNERLOOPPROPERTY")) &&
-         equalsIgnoringCase(valueOf(element, "INNERLOOPDIRECTION"), "horizontal");
+  return isLoopProperty(attributeOrEmpty(element, "INNERLOOPPROPERTY")) &&
+         equalsIgnoringCase(attributeOrEmpty(element, "INNERLOOPDIRECTION"), "horizontal");
 }
 
 std::unique_ptr<NDynElement::Base> DynTable::makeGenerator(const NDynElement::Place& place) {
   if (!scope().isLoop()) return nullptr;
-  const NDynElement::Place table = hiding(
+  NDynElement::Place table = hiding(
       place, {"DYNAMICELEMENT", "OUTERLOOPPROPERTY", "INNERLOOPDIRECTION", "INNERLOOPSTARTINDEX", "INNERLOOPENDINDEX",
               "INNERLOOPPROPERTY", "VARPREFIX", "IMGSRC", "IMGWIDTH", "IMGHEIGHT", "FONTTEXT", "FONTCOLOR"});
   const bool horizontal = isHorizontal(place.element);
   if (outerScope_.isLoop()) {
-    if (horizontal) return std::make_unique<NDynElement::DoubleHorizontal>(table, outerScope_, scope());
-    return std::make_unique<NDynElement::DoubleVertical>(table, outerScope_, scope());
+    if (horizontal) return std::make_unique<NDynElement::DoubleHorizontal>(std::move(table), outerScope_, scope());
+    return std::make_unique<NDynElement::DoubleVertical>(std::move(table), outerScope_, scope());
   }
-  if (horizontal) return std::make_unique<NDynElement::InnerHorizontal>(table, scope(), /*alone=*/true);
-  if (isLoopProperty(valueOf(place.element, "INNERLOOPPROPERTY")))
-    return std::make_unique<NDynElement::InnerVertical>(table, scope(), /*alone=*/true);
-  return std::make_unique<NDynElement::OuterOnly>(table, scope());
+  if (horizontal) return std::make_unique<NDynElement::InnerHorizontal>(std::move(table), scope(), /*alone=*/true);
+  if (isLoopProperty(attributeOrEmpty(place.element, "INNERLOOPPROPERTY")))
+    return std::make_unique<NDynElement::InnerVertical>(std::move(table), scope(), /*alone=*/true);
+  return std::make_unique<NDynElement::OuterOnly>(std::move(table), scope());
 }
 
 std::unique_ptr<NDynElement::Base> DynLoop::makeGenerator(const NDynElement::Place& place) {

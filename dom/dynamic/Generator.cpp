@@ -6,7 +6,6 @@
 #include "dom/dynamic/JavaTypes.h"
 #include "dom/dynamic/LoopScope.h"
 #include "dom/dynamic/QueryParameter.h"
-#include "dom/tree/Attribute.h"
 #include "dom/tree/Element.h"
 
 namespace zeldom40 {
@@ -22,10 +21,13 @@ void closeScriptlet(std::string& out, RuntimeTextState& state) {
 }
 
 void writeIndent(std::string& out, const RuntimeTextState& state, int extra) {
-  // CHOICE: from 80 levels on lines stand side by side. Nobody reads an indent of more, and without a bound the blanks
-  // of a deeply nested page would grow with the square of its length.
+  // CHOICE: lines of more than 80 levels begin at the margin. Nobody reads an indent of more; without a bound the
+  // blanks of a deeply nested page would grow with the square of its length, and 80 levels of them on each line would
+  // be four fifths of it: 1,600 bytes of 2,000 a list, which made a million nested lists more than the memory of a
+  // machine.
   constexpr int kMaxLevel = 80;
-  out.append(2 * static_cast<std::size_t>(std::min(state.indent + extra, kMaxLevel)), ' ');
+  const int level = state.indent + extra;
+  if (level <= kMaxLevel) out.append(2 * static_cast<std::size_t>(level), ' ');
 }
 
 void indentIn(RuntimeTextState& state) { ++state.indent; }
@@ -42,10 +44,14 @@ void Plan::beginTag(Element* element) {
   piece([element](std::string& out, RuntimeTextState& state) { emitBeginTag(element, out, state); });
 }
 
-void Plan::beginTag(Element* element, AttributeMap attributes) {
-  piece([element, attributes = std::move(attributes)](std::string& out, RuntimeTextState& state) {
-    emitBeginTag(element, attributes, out, state);
-  });
+Plan::Step Plan::takeNext() {
+  Step step = std::move(steps_[next_++]);
+  // When half of it has run, so that all moves of a long plan together are linear.
+  if (step.what != Step::PIECE && !isDone() && next_ >= steps_.capacity() / 2) {
+    steps_.erase(steps_.begin(), steps_.begin() + static_cast<std::ptrdiff_t>(std::exchange(next_, 0)));
+    steps_.shrink_to_fit();
+  }
+  return step;
 }
 
 // --- Base ------------------------------------------------------------------------------------------------------------
@@ -56,10 +62,7 @@ std::string Base::resolve(const std::string& path) const {
   return place_.around ? place_.loops.resolve(path, place_.around->level()) : path;
 }
 
-std::string Base::getAttribute(const char* name) const {
-  const Attribute* attribute = element()->getAttributeNode(name);
-  return attribute ? attribute->getValue() : std::string();
-}
+std::string Base::getAttribute(const char* name) const { return attributeOrEmpty(element(), name); }
 
 std::string Base::expression(const std::string& path) const {
   return path.empty() ? std::string() : "<%= " + translate(path) + " %>";

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dom/dynamic/RuntimeTextState.h"
@@ -36,7 +37,7 @@ struct Place {
   const OpenLoops& loops;   // that hold the properties around
   const LoopScope* around;  // the innermost of them; null at the top
   JavaTypes& types;
-  AttributeMap attributes;  // of the run-time tag
+  AttributeMap attributes;  // of the run-time tag; empty for what has none
 };
 
 // What an element's run-time text consists of, in order. The writer goes through it with an explicit stack, so that
@@ -55,19 +56,22 @@ class Plan {
   void children(Element* element) { steps_.push_back({Step::CHILDREN, element, {}}); }
   // By the run-time writer.
   void beginTag(Element* element);
-  void beginTag(Element* element, AttributeMap attributes);
   void endTag(Element* element) { steps_.push_back({Step::END_TAG, element, {}}); }
 
-  const std::vector<Step>& steps() const { return steps_; }
+  bool isDone() const { return next_ == steps_.size(); }
+  // The step is gone from the plan, which stays small while what stands in the element is written: of a list
+  // three steps are left then, 160 bytes of 400.
+  Step takeNext();
 
  private:
   std::vector<Step> steps_;
+  std::size_t next_ = 0;
 };
 
 // Lives for one generation. Nothing is reported: what is missing gives less text or none, and Java is not checked.
 class Base {
  public:
-  explicit Base(const Place& place) : place_(place) {}
+  explicit Base(Place place) : place_(std::move(place)) {}
   Base(const Base&) = delete;
   Base& operator=(const Base&) = delete;
   virtual ~Base();
@@ -93,6 +97,8 @@ class Base {
  protected:
   Element* element() const { return place_.element; }
   const AttributeMap& attributes() const { return place_.attributes; }
+  // For another generator of the same element, which writes no tag.
+  Place placeWithoutTag() const { return {place_.element, place_.loops, place_.around, place_.types, {}}; }
   const OpenLoops& loops() const { return place_.loops; }
   JavaTypes& types() const { return place_.types; }
   std::string beginTag(const AttributeMap& attributes) const { return makeBeginTag(element(), attributes); }

@@ -3,17 +3,12 @@
 
 #include "dom/dynamic/JavaTypes.h"
 #include "dom/dynamic/PropertyPath.h"
-#include "dom/tree/Attribute.h"
-#include "dom/tree/Element.h"
 
 namespace zeldom40::NDynElement {
 
 std::string emptyText(const Element* element) {
   std::string text;
-  const auto value = [element](const char* name) {
-    const Attribute* attribute = element->getAttributeNode(name);
-    return attribute ? attribute->getValue() : std::string();
-  };
+  const auto value = [element](const char* name) { return attributeOrEmpty(element, name); };
   const auto add = [&](const char* name, const char* from) {
     if (!value(from).empty()) text += std::string(" ") + name + "=\"" + value(from) + '"';
   };
@@ -173,28 +168,22 @@ void ContainerBase::tryTail(std::string& out, RuntimeTextState& state, bool noEm
 // --- lists, loops, texts ---------------------------------------------------------------------------------------------
 
 void ListBase::plan(Plan& plan) {
-  planPiece(plan, &ContainerBase::tryHead);
-  plan.beginTag(element(), attributes());
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::tryHead>(plan);
+  planOwnTag(plan);
+  planPiece<&ContainerBase::forHead>(plan);
   plan.children(element());
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
   plan.endTag(element());
   planTryTail(plan, /*noEmptyText=*/false);
 }
 
 void LoopBase::plan(Plan& plan) {
-  planPiece(plan, &ContainerBase::tryHead);
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::tryHead>(plan);
+  planPiece<&ContainerBase::forHead>(plan);
   plan.children(element());
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
   planTryTail(plan, /*noEmptyText=*/false);
 }
-
-TextBase::TextBase(const Place& place, const LoopScope& scope)
-    : LoopBase(place, scope),
-      delimiter_(getAttribute("DELIMITER")),
-      lastDelimiter_(getAttribute("LASTDELIMITER")),
-      delimiterForTwo_(getAttribute("DELIMITERFORTWO")) {}
 
 namespace {
 
@@ -207,18 +196,20 @@ void writeText(std::string& out, const RuntimeTextState& state, int extra, const
 }  // namespace
 
 void TextBase::forTail(std::string& out, RuntimeTextState& state) const {
+  const Delimiters delimiters = {getAttribute("DELIMITER"), getAttribute("LASTDELIMITER"),
+                                 getAttribute("DELIMITERFORTWO")};
   forTailHead(out, state);
-  if (!delimiterForTwo_.empty() || !lastDelimiter_.empty()) {
-    lookAhead(out, state);
-  } else if (!delimiter_.empty()) {
-    writeText(out, state, 0, delimiter_);
+  if (!delimiters.forTwo.empty() || !delimiters.last.empty()) {
+    lookAhead(out, state, delimiters);
+  } else if (!delimiters.usual.empty()) {
+    writeText(out, state, 0, delimiters.usual);
   }
   forTailEnd(out, state);
 }
 
 // The element just fetched is the last one if the one behind it does not exist; the separator in front of it is then
 // the last separator, and if its index is 1 the list has exactly two elements.
-void TextBase::lookAhead(std::string& out, RuntimeTextState& state) const {
+void TextBase::lookAhead(std::string& out, RuntimeTextState& state, const Delimiters& delimiters) const {
   const std::string index = scope().indexVariable();
   writeIndent(out, state, 0);
   out += "try {\r\n";
@@ -228,19 +219,19 @@ void TextBase::lookAhead(std::string& out, RuntimeTextState& state) const {
     writeIndent(out, state, 1);
     out += "o = " + fetch(path, static_cast<int>(number), index + " + 1") + ";\r\n";
   }
-  if (!delimiter_.empty()) writeText(out, state, 1, delimiter_);
+  if (!delimiters.usual.empty()) writeText(out, state, 1, delimiters.usual);
   writeIndent(out, state, 0);
   out += "}\r\n";
   catchHead(out, state);
-  if (delimiterForTwo_.empty()) {
-    writeText(out, state, 1, lastDelimiter_);
+  if (delimiters.forTwo.empty()) {
+    writeText(out, state, 1, delimiters.last);
   } else {
     writeIndent(out, state, 1);
     out += "if (" + index + " == 1) {\r\n";
-    writeText(out, state, 2, delimiterForTwo_);
+    writeText(out, state, 2, delimiters.forTwo);
     writeIndent(out, state, 1);
     out += "}\r\n";
-    const std::string& last = lastDelimiter_.empty() ? delimiter_ : lastDelimiter_;
+    const std::string& last = delimiters.last.empty() ? delimiters.usual : delimiters.last;
     if (!last.empty()) {
       writeIndent(out, state, 1);
       out += "else {\r\n";

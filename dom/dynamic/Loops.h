@@ -1,6 +1,9 @@
 // Internal. The loop that all repeating elements share, and lists, loops and texts.
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include "dom/dynamic/Generator.h"
 #include "dom/dynamic/LoopScope.h"
 
@@ -14,7 +17,7 @@ std::string emptyText(const Element* element);
 // its body the next element is fetched in a `try` whose `catch` breaks it. All pieces end in an open scriptlet.
 class ContainerBase : public Base {
  public:
-  ContainerBase(const Place& place, const LoopScope& scope) : Base(place), scope_(scope) {}
+  ContainerBase(Place place, const LoopScope& scope) : Base(std::move(place)), scope_(scope) {}
 
   // By its own loop first.
   std::string resolve(const std::string& path) const override { return loops().resolve(path, scope_.level()); }
@@ -27,9 +30,15 @@ class ContainerBase : public Base {
   void tryTail(std::string& out, RuntimeTextState& state, bool noEmptyText) const;
 
  protected:
-  using WritePiece = void (ContainerBase::*)(std::string&, RuntimeTextState&) const;
-  void planPiece(Plan& plan, WritePiece write) const {
-    plan.piece([this, write](std::string& out, RuntimeTextState& state) { (this->*write)(out, state); });
+  // A piece that holds no more than this object takes no memory beside its step.
+  template <auto write>
+  void planPiece(Plan& plan) const {
+    plan.piece([this](std::string& out, RuntimeTextState& state) { (this->*write)(out, state); });
+  }
+  // The begin tag of the element with `attributes()`.
+  void planOwnTag(Plan& plan) const {
+    plan.piece(
+        [this](std::string& out, RuntimeTextState& state) { emitBeginTag(element(), attributes(), out, state); });
   }
   void planTryTail(Plan& plan, bool noEmptyText) const {
     plan.piece([=, this](std::string& out, RuntimeTextState& state) { tryTail(out, state, noEmptyText); });
@@ -70,22 +79,23 @@ class LoopBase : public ContainerBase {
 // ZELX:TEXT: separators between the elements.
 class TextBase : public LoopBase {
  public:
-  TextBase(const Place& place, const LoopScope& scope);
+  using LoopBase::LoopBase;
   void forTail(std::string& out, RuntimeTextState& state) const override;
 
  private:
-  void lookAhead(std::string& out, RuntimeTextState& state) const;
-
-  std::string delimiter_;
-  std::string lastDelimiter_;
-  std::string delimiterForTwo_;
+  struct Delimiters {
+    std::string usual;
+    std::string last;
+    std::string forTwo;
+  };
+  void lookAhead(std::string& out, RuntimeTextState& state, const Delimiters& delimiters) const;
 };
 
 // SELECT: its options are made from one pattern that its attributes give; what stands in it at design time is not
 // written.
 class SelectBase : public ContainerBase {
  public:
-  SelectBase(const Place& place, const LoopScope& scope);
+  SelectBase(Place place, const LoopScope& scope);
   void plan(Plan& plan) override;
 
  private:

@@ -336,7 +336,13 @@ void MetaDataAccess::finishRuntimeText(MetaData& md, const std::string& out, std
   md.runtimeCompared_ = true;
   // CHOICE: the outermost text holds those of all elements in it. Asked alone, a nested element is generated anew: a
   // copy at each level would cost the square of the depth, and would begin as its surroundings happened to leave it.
-  md.storeRuntimeText(isNested ? std::string() : std::string(generated));
+  // A text that came out as it was stays, and another one goes before the new one is copied.
+  const std::string_view kept = isNested ? std::string_view() : generated;
+  if (kept != md.runtimeData_) {
+    md.runtimeData_ = std::string();
+    md.runtimeData_ = kept;
+  }
+  md.setDirty(false, /*runtimeOnly=*/true);
 }
 
 void MetaDataAccess::appendRuntimeText(MetaData& md, std::string& out, RuntimeTextState& state, bool walkTree,
@@ -350,6 +356,8 @@ void MetaDataAccess::appendRuntimeText(MetaData& md, std::string& out, RuntimeTe
     case Rest::GENERATE: {
       const DocumentAccess::DryRun guard(dryRun ? md.getDocument() : nullptr);
       const std::size_t start = out.size();
+      // It mostly comes out as it was. A long text that grows step by step needs three times its room.
+      out.reserve(start + md.runtimeData_.size());
       generateRuntimeText(&md, out, state, isOutermost);
       // An element that comes to stand elsewhere without being edited would take the names of its old loops along.
       finishRuntimeText(md, out, start, state, dryRun, /*isNested=*/!isOutermost && isUnderMetaData(md.element_));

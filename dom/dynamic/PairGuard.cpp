@@ -38,10 +38,14 @@ void closeRunTimeText(std::string& out, std::size_t from, MetaData::Type type, c
   }
   if (!suspect) return;
 
-  std::string text = out.substr(from);
-  std::vector<std::uint32_t> ends = findEnds(text + endTag, type);
-  if (ends.size() == 1 && ends.front() == text.size()) return;
+  // The text may be most of a large page, and nearly always is in order: it is read where it stands.
+  const std::size_t length = out.size() - from;
+  out += endTag;
+  std::vector<std::uint32_t> ends = findEnds(std::string_view(out).substr(from), type);
+  out.resize(from + length);
+  if (ends.size() == 1 && ends.front() == length) return;
 
+  std::string text = out.substr(from);
   // A dash behind the first word makes it another word.
   constexpr std::string_view kWord = "METADATA";
   for (auto end = ends.rbegin(); end != ends.rend(); ++end) {

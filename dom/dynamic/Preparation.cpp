@@ -5,7 +5,6 @@
 #include "dom/dynamic/JavaTypes.h"
 #include "dom/dynamic/MetaData.h"
 #include "dom/dynamic/Tables.h"
-#include "dom/tree/Attribute.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 
@@ -22,7 +21,12 @@ void Preparation::prepare(MetaData* top) {
     }
     for (;; node = node->getParentNode()) {
       if (node->getNodeType() == Node::NODE_ELEMENT) leave(static_cast<Element*>(node));
-      if (node == topElement) return;
+      if (node == topElement) {
+        // Deep nests leave much room behind, which the writing that follows has a use for.
+        open_ = {};
+        nest_ = {};
+        return;
+      }
       if (Node* sibling = NodeAccess::childAfter(node)) {
         node = sibling;
         break;
@@ -80,10 +84,10 @@ void Preparation::leave(const Element* element) {
   if (open_.empty() || open_.back().element != element) return;
   const Open done = std::move(open_.back());
   open_.pop_back();
-  const char* prefix = element->getAttributeValue("VARPREFIX");
+  const std::string prefix = attributeOrEmpty(element, "VARPREFIX");
   std::vector<std::set<std::string>> parallel(done.loops.size());
   for (auto loop = parallel.rbegin(); loop != parallel.rend(); ++loop) *loop = nest_.close();
-  done.container->initScopes(done.parent, done.level, done.loops, prefix ? prefix : "", parallel);
+  done.container->initScopes(done.parent, done.level, done.loops, prefix.c_str(), parallel);
   if (open_.empty()) tablePlaces_.clear();
 }
 

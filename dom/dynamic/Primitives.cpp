@@ -93,8 +93,8 @@ void writeChoice(std::string& out, RuntimeTextState& state, const std::string& t
   out += "}";
 }
 
-CheckedButton::CheckedButton(const Place& place)
-    : PrimitiveBase(place),
+CheckedButton::CheckedButton(Place place)
+    : PrimitiveBase(std::move(place)),
       value_(getAttribute("VALUE")),
       valueProperty_(getAttribute("VALUEPROPERTY")),
       defaultProperty_(getAttribute("DEFAULTPROPERTY")),

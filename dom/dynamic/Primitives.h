@@ -54,7 +54,7 @@ class TextAreaBase : public PrimitiveBase {
 // INPUT of type radio or checkbox: with a default, a test that writes the tag with or without CHECKED.
 class CheckedButton : public PrimitiveBase {
  public:
-  explicit CheckedButton(const Place& place);
+  explicit CheckedButton(Place place);
   void plan(Plan& plan) override;
 
  private:

@@ -107,7 +107,6 @@ struct RuntimeStack::Generation {
   std::unique_ptr<DynBase, Release> data;
   std::unique_ptr<NDynElement::Base> generator;
   NDynElement::Plan plan;
-  std::size_t next = 0;  // step of the plan
   Around around;
   Around inside;
   bool isNested = false;  // finishRuntimeText is this walk's to call
@@ -269,14 +268,14 @@ void RuntimeStack::pushGeneration(MetaData* metaData, const Around& around, bool
   }
   generation->isNested = isNested;
   generation->start = out_.size();
-  generation->generator = data->makeGenerator(
-      {element, loops_, around.container ? &around.container->scope() : nullptr, types_, attributeMap(element)});
+  generation->generator =
+      data->makeGenerator({element, loops_, around.container ? &around.container->scope() : nullptr, types_, {}});
   if (generation->generator) generation->generator->plan(generation->plan);
   frames_.emplace_back().generation = std::move(generation);
 }
 
 void RuntimeStack::stepGeneration(Generation& generation) {
-  if (generation.next == generation.plan.steps().size()) {
+  if (generation.plan.isDone()) {
     if (generation.isNested) {
       MetaDataAccess::finishRuntimeText(*generation.metaData, out_, generation.start, state_, /*dryRun=*/false,
                                         /*isNested=*/true);
@@ -286,7 +285,7 @@ void RuntimeStack::stepGeneration(Generation& generation) {
     return;
   }
   using Step = NDynElement::Plan::Step;
-  const Step& step = generation.plan.steps()[generation.next++];
+  const Step step = generation.plan.takeNext();
   Element* own = generation.metaData->getElement();
   Around inside = generation.inside;
   switch (step.what) {

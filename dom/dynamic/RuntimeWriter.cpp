@@ -7,8 +7,6 @@
 #include "dom/dtd/ElementDefinition.h"
 #include "dom/dynamic/Generator.h"
 #include "dom/source/CharHelpers.h"
-#include "dom/tree/Attribute.h"
-#include "dom/tree/AttributeList.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/TextAccess.h"
 
@@ -46,17 +44,6 @@ std::string sourceBeginTag(const Element* element) {
 }
 
 }  // namespace
-
-AttributeMap attributeMap(const Element* element) {
-  AttributeMap map;
-  const AttributeList* list = element->getAttributes();
-  for (unsigned long i = 0; list && i < list->getLength(); ++i) {
-    const Attribute* attribute = list->item(i);
-    // Of repeated attributes the first one counts, as in every look-up.
-    if (attribute && !attribute->getName().empty()) map.emplace(attribute->getName(), attribute->getValue());
-  }
-  return map;
-}
 
 std::string makeBeginTag(const Element* element, const AttributeMap& attributes) {
   if (keepsSource(element)) return sourceBeginTag(element);

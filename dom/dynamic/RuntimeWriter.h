@@ -1,8 +1,9 @@
 // Internal. Writes what the server gets: tags made anew from attributes, indented, with the scriptlet state kept.
 #pragma once
 
-#include <map>
 #include <string>
+
+#include "dom/dynamic/AttributeReader.h"
 
 namespace zeldom40 {
 
@@ -12,11 +13,6 @@ class MetaData;
 class Text;
 struct RuntimeTextState;
 
-// Name to value, in the byte order of the names.
-using AttributeMap = std::map<std::string, std::string>;
-
-// All attributes of a non-empty name.
-AttributeMap attributeMap(const Element* element);
 // Names in lower case, values unescaped, so that a JSP expression can stand in a value.
 std::string makeBeginTag(const Element* element, const AttributeMap& attributes);
 // Empty if hasNoEndTag.

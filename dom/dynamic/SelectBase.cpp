@@ -4,8 +4,8 @@
 
 namespace zeldom40::NDynElement {
 
-SelectBase::SelectBase(const Place& place, const LoopScope& scope)
-    : ContainerBase(place, scope),
+SelectBase::SelectBase(Place place, const LoopScope& scope)
+    : ContainerBase(std::move(place), scope),
       itemProperty_(getAttribute("ITEMPROPERTY")),
       constItem_(getAttribute("CONSTITEM")),
       valueProperty_(getAttribute("VALUEPROPERTY")),
@@ -44,7 +44,7 @@ void SelectBase::writeOption(std::string& out, RuntimeTextState& state) const {
 }
 
 void SelectBase::plan(Plan& plan) {
-  planPiece(plan, &ContainerBase::tryHead);
+  planPiece<&ContainerBase::tryHead>(plan);
   plan.piece([this](std::string& out, RuntimeTextState& state) {
     indented_ = state.inScriptlet;
     if (indented_) {
@@ -56,9 +56,9 @@ void SelectBase::plan(Plan& plan) {
     }
     out += beginTag(attributes());
   });
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::forHead>(plan);
   plan.piece([this](std::string& out, RuntimeTextState& state) { writeOption(out, state); });
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
   plan.piece([this](std::string&, RuntimeTextState& state) {
     if (indented_) indentOut(state);
   });

@@ -55,8 +55,8 @@ std::vector<Element*> TableBase::collectChildren(const Element* element) {
 }
 
 void TableBase::plan(Plan& plan) {
-  planPiece(plan, &ContainerBase::tryHead);
-  plan.beginTag(element(), attributes());
+  planPiece<&ContainerBase::tryHead>(plan);
+  planOwnTag(plan);
   if (hasTableBody(element())) {
     planBodies(plan);
   } else {
@@ -109,9 +109,9 @@ void TableBase::planBodies(Plan& plan) {
 }
 
 void TableBase::planForHead(Plan& plan, bool again) {
-  if (again || looped_) planPiece(plan, &ContainerBase::reinit);
+  if (again || looped_) planPiece<&ContainerBase::reinit>(plan);
   looped_ = true;
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::forHead>(plan);
 }
 
 TableBase::Stretch TableBase::stretch() const {
@@ -125,7 +125,7 @@ TableBase::Stretch TableBase::stretch() const {
 void OuterOnly::planRows(Plan& plan, const std::vector<Element*>& rows) {
   planForHead(plan, /*again=*/false);
   planPattern(plan, rows);
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
 }
 
 void OuterOnly::planPattern(Plan& plan, const std::vector<Element*>& rows) {
@@ -139,12 +139,12 @@ void InnerBase::openLoop(Plan& plan, bool again) {
     planForHead(plan, again);
     return;
   }
-  planPiece(plan, &ContainerBase::tryHead);
-  planPiece(plan, &ContainerBase::forHead);
+  planPiece<&ContainerBase::tryHead>(plan);
+  planPiece<&ContainerBase::forHead>(plan);
 }
 
 void InnerBase::closeLoop(Plan& plan) const {
-  planPiece(plan, &ContainerBase::forTail);
+  planPiece<&ContainerBase::forTail>(plan);
   if (!alone_) planTryTail(plan, /*noEmptyText=*/true);
 }
 
@@ -183,8 +183,8 @@ void InnerHorizontal::planRows(Plan& plan, const std::vector<Element*>& rows) {
   const Stretch repeated = stretch();
   CellGrid grid(static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), isRow)));
   const auto span = [](const Element* cell, const char* name) {
-    const char* value = cell->getAttributeValue(name);
-    return value ? leadingInteger(value) : 1;
+    const std::optional<std::string> value = findAttribute(cell, name);
+    return value ? leadingInteger(value->c_str()) : 1;
   };
   bool firstRow = true;
   for (Element* row : rows) {

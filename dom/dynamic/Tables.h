@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "dom/dynamic/Loops.h"
@@ -57,7 +58,7 @@ class OuterOnly : public TableBase {
 // The loops inside; `alone` if there is none outside, so that the table's `try` is theirs.
 class InnerBase : public TableBase {
  public:
-  InnerBase(const Place& place, const LoopScope& scope, bool alone) : TableBase(place, scope), alone_(alone) {}
+  InnerBase(Place place, const LoopScope& scope, bool alone) : TableBase(std::move(place), scope), alone_(alone) {}
 
  protected:
   bool isAlone() const { return alone_; }
@@ -86,8 +87,8 @@ class InnerHorizontal : public InnerBase {
 template <class Inner>
 class Double : public OuterOnly {
  public:
-  Double(const Place& place, const LoopScope& outer, const LoopScope& inner)
-      : OuterOnly(place, outer), inner_(place, inner, /*alone=*/false) {}
+  Double(Place place, const LoopScope& outer, const LoopScope& inner)
+      : OuterOnly(std::move(place), outer), inner_(Base::placeWithoutTag(), inner, /*alone=*/false) {}
 
  protected:
   void planPattern(Plan& plan, const std::vector<Element*>& rows) override { inner_.planRows(plan, rows); }

@@ -81,6 +81,20 @@ TEST_F(GeneratorsTest, TagsKeepTheirKind) {
               std::string("<FORM action=\"x\">") + c.text + "</FORM>");
 }
 
+TEST_F(GeneratorsTest, ReadTheTagAsAHostReadsItsAttributes) {
+  const std::string text = generated("A", "<A DYNAMICELEMENT zz=x\"y'z yy='a\"b' xx yy=2 href='q\"?'>t</A>");
+  EXPECT_EQ(text, "<A href=\"q\"?\" xx yy=\"a\"b\" zz=\"x&quot;y'z\">t</A>");
+  element("A")->getAttributes();
+  EXPECT_EQ(generated(element("A")), text) << "with Attribute objects";
+}
+
+TEST_F(GeneratorsTest, LinesBeyond80LevelsBeginAtTheMargin) {
+  std::string page = "<FORM DYNAMICELEMENT>";
+  for (int i = 0; i < 85; ++i) page += "<DIV>";
+  const std::string text = generated("FORM", page);
+  EXPECT_NE(text.find("\n" + std::string(160, ' ') + "<DIV>\n<DIV>"), std::string::npos) << text;
+}
+
 TEST_F(GeneratorsTest, AskWhetherTextCanStandAsTheDocumentDoes) {
   const auto check = [&](Element* e) {
     EXPECT_EQ(cannotHoldText(doc_, e), !hasNoEndTag(e) && !doc_->canContain(e, Text::TEXT_NORMAL)) << e->getName();
