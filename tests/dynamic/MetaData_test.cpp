@@ -265,7 +265,7 @@ TEST_F(MetaDataTest, AVisualThatAHostHoldsOutlivesItsPage) {
       doc_->deleteNodes(find(deleted));
       EXPECT_EQ(visual->getTagName(), "ZELX:ATV");
       EXPECT_EQ(visual->getParentNode(), nullptr);
-      EXPECT_EQ(visual->hasChildNodes(), deep);
+      EXPECT_TRUE(visual->hasChildNodes());
       EXPECT_EQ(visual->releaseRef(deep), 0);
     }
   }
