@@ -578,8 +578,8 @@ class Decoder {
     const Slice raw = getSlice();
     const auto from = static_cast<std::uint32_t>(getNumber());
     const auto length = static_cast<std::uint32_t>(getNumber());
-    return CommentAccess::create(open_.back().source.document, DOMAccess::commentName(), page, raw,
-                                 Slice{raw.offset + from, length}, jsp);
+    NodeKind* kind = NodeKind::find(open_.back().source.document, page, DOMAccess::commentName(), nullptr);
+    return CommentAccess::create(kind, raw, Slice{raw.offset + from, length}, jsp);
   }
 
   template <class T>

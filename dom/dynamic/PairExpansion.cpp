@@ -155,7 +155,7 @@ Node* makeComment(MetaData& md, const std::string& tag) {
   const PageRef page(buffer);
   buffer->release();
   const Slice raw{0, static_cast<std::uint32_t>(tag.size())};
-  Node* comment = CommentAccess::create(md.getDocument(), DOMAccess::commentName(), page, raw,
+  Node* comment = CommentAccess::create(NodeKind::find(md.getDocument(), page, DOMAccess::commentName(), nullptr), raw,
                                         Slice{from, static_cast<std::uint32_t>(body.size())}, /*jsp=*/false);
   comment->addRef(false);
   return comment;

@@ -61,7 +61,7 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
       names_(*ownNames_),
       nodes_(sharedStack ? sharedStack : &ownStack_),
       textKind_(NodeKind::find(document, lexer.page(), DOMAccess::textName(), nullptr)),
-      commentName_(DOMAccess::commentName()) {
+      commentKind_(NodeKind::find(document, lexer.page(), DOMAccess::commentName(), nullptr)) {
   constexpr std::size_t kUsualDepth = 32;
   constexpr std::size_t kUsualAttributes = 8;
   open_.reserve(kUsualDepth);

@@ -156,7 +156,7 @@ class PageParser {
   void finishEndTag(PageName& name, std::string_view text, Slice raw);
   void closeAbove(int match);
   int findOpen(const PageName& name, bool omittable) const;
-  void addStrayEndTag(const PageName& name, Slice raw);
+  void addStrayEndTag(PageName& name, Slice raw);
   void readCDATASection();
   void readProcessingInstruction();
 
@@ -186,7 +186,8 @@ class PageParser {
   int top() const { return static_cast<int>(open_.size()) - 1; }
   Node* topNode() const { return nodes_->back(); }
   Element* openElement(int index) const;
-  Element* createElement(PageName& name);
+  // With an empty begin tag: an element that others imply.
+  Element* createElement(PageName& name, Slice begin = {});
   Subject textSubject(Node* text) const {
     Subject subject;
     subject.node = text;
@@ -254,7 +255,7 @@ class PageParser {
   bool mustBeSorted_ = false;
   bool recorded_ = false;  // an undo record was taken, or none is due
   KindRef textKind_;
-  SharedName commentName_;
+  KindRef commentKind_;
   std::uint32_t lastEnd_ = 0;    // where the token taken last ended
   std::uint32_t textStart_ = 0;  // and the one before it: bytes that a record leaves out belong to a text that begins
   // By type of metadata: from here on stands no end comment.

@@ -314,9 +314,9 @@ void PageParser::reopenChain(Node* chain, const Element* last, bool selfClosed) 
   }
 }
 
-Element* PageParser::createElement(PageName& name) {
-  Element* element = ElementAccess::create(document_, name.name);
-  ElementAccess::bind(element, name.definition);
+Element* PageParser::createElement(PageName& name, Slice begin) {
+  Element* element = begin.length != 0 ? ElementAccess::createParsed(kindOf(name, true), begin)
+                                       : ElementAccess::createWithoutTag(kindOf(name, true));
   element->setEndTagExistence(element->isEmptyTag());
   if (name.mayHaveMetaData) mustBeSorted_ = true;
   return element;

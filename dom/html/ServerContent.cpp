@@ -47,9 +47,8 @@ void PageParser::readServerTag() {
   const char* idName = GetHTML40ElementName(id);
   PageName& name = names_.find(idName ? idName : "jsp:scriptlet");
 
-  Element* element = createElement(name);
+  Element* element = createElement(name, sliceOf(start, end));
   element->setElementID(static_cast<HTML40ElementID>(id));
-  ElementAccess::installBeginTag(element, lexer_.page(), sliceOf(start, end));
   setAttributesFromText(element, attributesFrom, limit);
   insertLast(element);
 }
@@ -150,16 +149,15 @@ void PageParser::readComment(bool server) {
   if (word != std::string_view::npos && equalsFolded(text.substr(word, kInclude.size()), kInclude) &&
       isWhite(text, word + kInclude.size())) {
     const char* idName = GetHTML40ElementName(ID_SSI_INCLUDE);
-    Element* element = createElement(names_.find(idName ? idName : "ssi:include"));
+    Element* element = createElement(names_.find(idName ? idName : "ssi:include"), raw);
     element->setElementID(ID_SSI_INCLUDE);
-    ElementAccess::installBeginTag(element, lexer_.page(), raw);
     std::uint32_t limit = body.offset + body.length;
     while (limit > body.offset && lexer_.text()[limit - 1] == '-') --limit;
     setAttributesFromText(element, body.offset + static_cast<std::uint32_t>(word + kInclude.size()), limit);
     insertLast(element);
     return;
   }
-  insertLast(CommentAccess::create(document_, commentName_, lexer_.page(), raw, body, server));
+  insertLast(CommentAccess::create(commentKind_.share(), raw, body, server));
 }
 
 }  // namespace zeldom40

@@ -287,9 +287,8 @@ void PageParser::readProcessingInstruction() {
   const std::uint32_t start = take().start;
   take();
   const std::uint32_t end = endOf(take());
-  Element* element = ElementAccess::create(document_, SharedName());
-  ElementAccess::bind(element, nullptr);
-  ElementAccess::installBeginTag(element, lexer_.page(), sliceOf(start, end));
+  Element* element =
+      ElementAccess::createParsed(NodeKind::find(document_, lexer_.page(), SharedName(), nullptr), sliceOf(start, end));
   element->setEndTagExistence(element->isEmptyTag());
   if (!lenient_) element->setError(ERR_ELEMENT_UNKNOWN);
   insertLast(element);
@@ -370,8 +369,8 @@ int PageParser::findOpen(const PageName& name, bool omittable) const {
   return match;
 }
 
-void PageParser::addStrayEndTag(const PageName& name, Slice raw) {
-  Element* element = ElementAccess::create(document_, name.name);
+void PageParser::addStrayEndTag(PageName& name, Slice raw) {
+  Element* element = ElementAccess::createWithoutTag(kindOf(name, false));
   ElementAccess::installEndTag(element, lexer_.page(), raw);
   element->setEndTagExistence(true);
   element->setError(name.definition || lenient_ ? ERR_ELEMENT_BEGIN_TAG_MISSING : ERR_ELEMENT_UNKNOWN);

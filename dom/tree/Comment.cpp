@@ -35,9 +35,8 @@ Comment::~Comment() = default;
 
 Node* Comment::cloneSelf() const { return new Comment(*this); }
 
-Comment* CommentAccess::create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
-                               bool jsp) {
-  auto* comment = new Comment(Comment::FromPage{}, NodeKind::find(document, page, name, nullptr), raw, body);
+Comment* CommentAccess::create(NodeKind* kind, Slice raw, Slice body, bool jsp) {
+  auto* comment = new Comment(Comment::FromPage{}, kind, raw, body);
   comment->jsp_ = jsp;
   return comment;
 }

@@ -147,6 +147,13 @@ Element* ElementAccess::createParsed(NodeKind* kind, Slice begin) {
   return ::new (memory) Element(Element::Parsed{}, kind, begin);
 }
 
+Element* ElementAccess::createWithoutTag(NodeKind* kind) {
+  Element* element = createParsed(kind, {});
+  NodeAccess::clearFlags(element);
+  NodeAccess::addFlags(element, Node::UPDATE_CREATED);
+  return element;
+}
+
 void ElementAccess::bind(Element* element, ElementDefinition* definition) {
   element->noteChange();
   element->setKind(
@@ -171,9 +178,8 @@ unsigned ElementAccess::flags(const Element* element) {
 
 Element* ElementAccess::createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
                                         const PageRef& page, Slice begin, unsigned flags) {
-  auto* element = new Element(Element::Parsed{}, NodeKind::find(document, page, name, definition), begin);
-  NodeAccess::clearFlags(element);
-  NodeAccess::addFlags(element, Node::UPDATE_CREATED);
+  Element* element = createWithoutTag(NodeKind::find(document, page, name, definition));
+  element->beginTag_ = begin;
   element->endTagExists_ = (flags & 1) != 0;
   element->alternative_ = (flags & 2) != 0;
   element->contentAtTag_ = (flags & 4) != 0;
@@ -386,13 +392,6 @@ std::string_view Element::beginView() const {
 
 std::string_view Element::endView() const {
   return extraOrNull() && held_.extra->endOwn ? std::string_view(held_.extra->end) : endTag_.in(page());
-}
-
-void ElementAccess::installBeginTag(Element* element, const PageRef& page, Slice tag) {
-  element->noteChange();
-  element->setPage(page);
-  element->beginTag_ = tag;
-  element->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
 void ElementAccess::installEndTag(Element* element, const PageRef& page, Slice tag) {

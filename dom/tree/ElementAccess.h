@@ -34,13 +34,14 @@ struct ElementAccess {
   static Element* create(Document* document, const SharedName& name);
   // A parsed element: bound to the kind's definition, with that begin tag. Takes over one reference of `kind`.
   static Element* createParsed(NodeKind* kind, Slice begin);
+  // The same with an empty begin tag and no flags but UPDATE_CREATED.
+  static Element* createWithoutTag(NodeKind* kind);
   // One reference on a definition for each element that has it, up to a number that does not overflow.
   static void hold(ElementDefinition* definition);
   // Definition, element type 3 and identifier; takes one reference on the definition, which nothing gives back: the
   // DTD outlives its documents. Null makes the element undefined.
   static void bind(Element* element, ElementDefinition* definition);
-  // The parser's raw tags: exact slices of the page, not dirty.
-  static void installBeginTag(Element* element, const PageRef& page, Slice tag);
+  // The parser's raw end tag: an exact slice of the page, not dirty.
   static void installEndTag(Element* element, const PageRef& page, Slice tag);
   // The same for an element that the parser made, on the page of its begin tag.
   static void installParsedEndTag(Element* element, Slice tag) {

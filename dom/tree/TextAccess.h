@@ -78,9 +78,8 @@ struct TextAccess {
 };
 
 struct CommentAccess {
-  // The parser's form: body and raw text are exact slices of the page.
-  static Comment* create(Document* document, const SharedName& name, const PageRef& page, Slice raw, Slice body,
-                         bool jsp);
+  // The parser's form: body and raw text are exact slices of the page. Takes over one reference of `kind`.
+  static Comment* create(NodeKind* kind, Slice raw, Slice body, bool jsp);
   static std::string_view rawData(Comment* comment) { return comment->rawView(); }
   static std::string_view bodyText(const Comment* comment) {
     return comment->leaf().strings && comment->leaf().strings->hasData ? std::string_view(comment->leaf().strings->data)
