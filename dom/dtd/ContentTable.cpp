@@ -60,6 +60,7 @@ const ContentTable::Answer& ContentTable::answer(Slot& slot, const ElementDefini
   for (const Node* node : path) {
     if (node->getNodeType() == Node::NODE_ELEMENT_TOKEN) result.implied.push_back(&NodeAccess::sharedName(node));
   }
+  result.impliesNothing = result.allowed && result.implied.empty();
   answers_.push_back(std::move(result));
   slot = &answers_.back();
   return *slot;

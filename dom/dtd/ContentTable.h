@@ -32,6 +32,7 @@ class ContentTable {
   // omitted: upper-case names, outermost first, empty where the child stands directly.
   struct Answer {
     bool allowed = false;
+    bool impliesNothing = false;  // allowed, and needs no implied element
     bool throughGroups =
         false;  // the way has more than one step before the child; a shorter one always counts as direct
     std::vector<const SharedName*> implied;

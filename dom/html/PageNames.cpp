@@ -52,10 +52,12 @@ void PageNames::keep(std::unique_ptr<PageNames> names) {
   constexpr std::size_t kMostBytes = 16 << 10;
   ParserType::_dtd_frame* frame = names->frame_;
   if (!frame || names->entries_.size() > kMost || names->bytes_ > kMostBytes || !names->holds()) return;
-  for (PageName& entry : names->entries_) {
-    entry.barredTo = -1;
-    entry.kind = {};
+  for (PageName* entry : names->touched_) {
+    entry->barredTo = -1;
+    entry->kind = {};
+    entry->touched = false;
   }
+  names->touched_.clear();
   frame->parserNotes = std::move(names);
 }
 

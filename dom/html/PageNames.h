@@ -45,6 +45,8 @@ struct PageName {
   int barredFrom = 0;
   int barredTo = -1;
   std::uint32_t barredTime = 0;
+
+  bool touched = false;  // holds what goes with the page that is being read
 };
 
 // One probe finds a name, folding case as it hashes, so that no string is made for a tag. Unknown names are held once
@@ -84,6 +86,11 @@ class PageNames : public ParserType::_dtd_frame::ParserNotes {
     }
     return recent.attribute;
   }
+  // Call before `kind` or `barredTo` are set.
+  void touch(PageName& name) {
+    if (!name.touched) touched_.push_back(&name);
+    name.touched = true;
+  }
   // Call after declarations were added: definitions are looked up anew as names are asked for.
   void declarationsChanged();
 
@@ -117,6 +124,7 @@ class PageNames : public ParserType::_dtd_frame::ParserNotes {
   unsigned generation_ = 0;
   std::deque<PageName> entries_;
   std::vector<PageName*> slots_;  // its size is a power of two
+  std::vector<PageName*> touched_;
   std::array<RecentName, kRecentNames> recentNames_;
   std::array<RecentAttribute, kRecentAttributes> recentAttributes_;
   std::string scratch_;

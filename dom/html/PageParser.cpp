@@ -56,6 +56,7 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
     : lexer_(lexer),
       frame_(frame),
       table_(frame ? &contentTable(*frame) : nullptr),
+      textPlace_(table_ ? table_->textPlace(Text::TEXT_NORMAL) : -1),
       document_(document),
       ownNames_(PageNames::takeFrom(frame)),
       names_(*ownNames_),

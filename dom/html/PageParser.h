@@ -16,6 +16,7 @@
 #include "dom/source/PlainText.h"
 #include "dom/tree/AttributeBlock.h"
 #include "dom/tree/Element.h"
+#include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/PageBuffer.h"
 #include "dom/tree/Text.h"
@@ -127,6 +128,7 @@ class PageParser {
   // --- running text (TextCollector.cpp) -----------------------------------------------------------------------------
   void readTextRun();
   void placeText(Text* text, bool isSpace);
+  void placeTextByQuestion(Text* text, bool isSpace);
   void addToText(const LexRecord& token);
   void addPiece(const LexRecord& token);
   void beginText(std::uint32_t start);
@@ -193,7 +195,7 @@ class PageParser {
     subject.node = text;
     subject.isText = true;
     subject.tableId = ContentTable::textNameId(Text::TEXT_NORMAL);
-    if (table_) subject.place = table_->textPlace(Text::TEXT_NORMAL);
+    subject.place = textPlace_;
     return subject;
   }
   // Whether the open node at `index` can contain the subject, directly or below `implied` elements (outermost first).
@@ -213,12 +215,13 @@ class PageParser {
   bool fitsDirectly(int place, int tableId) const {
     const Open& open = open_.back();
     const ContentTable::Answer* known = open.row && place >= 0 ? open.row[place] : nullptr;
-    return known && known->allowed && known->implied.empty() && !ContentTable::excluded(open.sets, tableId);
+    return known && known->impliesNothing && !ContentTable::excluded(open.sets, tableId);
   }
   bool fitsByQuestion(int index, const Subject& subject, const Path*& implied);
   int findAdopter(int from, const Subject& subject, PageName& name, const Path*& implied);
   void declarationsChanged();
   void placeElement(Element* element, PageName& name, bool selfClosed);
+  void placeByQuestion(Element* element, PageName& name, bool selfClosed);
   void placeWithImplied(Node* node, PageName* name, const Path& implied, bool selfClosed);
   void placeMisfit(Element* element, PageName& name, bool selfClosed);
   void reopenChain(Node* chain, const Element* last, bool selfClosed);
@@ -234,13 +237,17 @@ class PageParser {
   NodeKind* kindOf(PageName& name, bool defined) {
     ElementDefinition* definition = defined ? name.definition : nullptr;
     if (definition != name.definition) return NodeKind::find(document_, lexer_.page(), name.name, definition);
-    if (!name.kind) name.kind = KindRef(NodeKind::find(document_, lexer_.page(), name.name, definition));
+    if (!name.kind) {
+      names_.touch(name);
+      name.kind = KindRef(NodeKind::find(document_, lexer_.page(), name.name, definition));
+    }
     return name.kind.share();
   }
 
   HTMLLexer& lexer_;
   ParserType::_dtd_frame* frame_;
   ContentTable* table_;
+  int textPlace_;  // of a normal text in a row of answers; -1 without a table
   Document* document_;
   bool lenient_ = false;
   std::unique_ptr<PageNames> ownNames_;
@@ -287,5 +294,86 @@ class PageParser {
 
   std::vector<Node*> remembered_;
 };
+
+// --- the steps of every tag, compiled into their callers: calls were a tenth of its cost ----------------------------
+
+inline void PageParser::openAttributes(BeginTag& tag) {
+  attributes_.clear();
+  attributeNames_.clear();
+  attributePending_ = attributeError_ = hiddenInput_ = false;
+  tagDefinition_ = nullptr;
+  tag.definition = nullptr;
+}
+
+// The tag's name was read; its attributes come.
+inline void PageParser::setTagName(BeginTag& tag, std::string_view written, std::size_t readable) {
+  // KEPT: a slash that is glued to the name goes, and does not close the tag.
+  if (written.size() > 1 && written.back() == '/') written.remove_suffix(1);
+  tag.name = &names_.find(written, readable);
+  openAttributes(tag);
+  tagDefinition_ = tag.name->definition;
+  tag.definition = tagDefinition_;
+  if (tag.name->group & GROUP_JSP_XML) {
+    tag.caseSensitive = true;
+    tag.nameCase = tagDefinition_->getName() != written;
+  }
+}
+
+inline void PageParser::setAttributeName(BeginTag& tag, Slice written) {
+  attributePending_ = true;
+  attribute_ = {nullptr, written, {}, 0};
+  if (!tag.definition || !tag.name->hasAttributes) return;
+  const std::string_view text = written.in(lexer_.page());
+  attribute_.definition = names_.findAttribute(*tag.definition, text, lexer_.length() - written.offset);
+  if (tag.caseSensitive && attribute_.definition && attribute_.definition->getName() != text) tag.attributeCase = true;
+}
+
+inline void PageParser::placeElement(Element* element, PageName& name, bool selfClosed) {
+  if (element->getElementDefinition() && fitsDirectly(name.ordinal, name.tableId)) {
+    insertLast(element);
+    if (!selfClosed && !name.emptyTag) push(element, &name);
+  } else {
+    placeByQuestion(element, name, selfClosed);
+  }
+}
+
+inline void PageParser::push(Node* node, PageName* name) {
+  const int index = static_cast<int>(open_.size());
+  nodes_->push_back(node);
+  open_.emplace_back();
+  Open& open = open_.back();
+  open.time = ++time_;
+  open.name = name;
+  open.previousOfName = name->lastOpen;
+  name->lastOpen = index;
+  const bool isElement = node->getNodeType() == Node::NODE_ELEMENT;
+  if (index > 0 && table_ && name->definition && isElement && !(name->group & GROUP_LOOP) &&
+      static_cast<Element*>(node)->getElementDefinition() == name->definition) {
+    // Nearly every open node: what describe would find, from what is known of the name.
+    const Open& below = open_[static_cast<std::size_t>(index) - 1];
+    open.answers = Answers::BY_MODEL;
+    open.isElement = true;
+    open.endOmittable = name->endOmittable;
+    open.tableBarrier = (name->group & GROUP_TABLE) && !open.endOmittable ? index : below.tableBarrier;
+    open.definition = name->definition;
+    open.sets = name->hasExceptions ? table_->extend(below.sets, name->definition) : below.sets;
+    if (!name->row) name->row = table_->row(*name->definition);
+    open.row = name->row;
+    open.holdsScript = (name->group & GROUP_SCRIPT_DATA) != 0;
+  } else {
+    describe(open, node, index);
+    open.holdsScript = isElement && (static_cast<Element*>(node)->getElementGroup() & GROUP_SCRIPT_DATA);
+  }
+  if (open.holdsScript) lexer_.setCDATAEnabled(true);
+}
+
+inline void PageParser::pop() {
+  const Open& open = open_.back();
+  if (open.holdsScript) lexer_.setCDATAEnabled(false);
+  if (open.isElement) ElementAccess::noteContent(static_cast<Element*>(topNode()));
+  open.name->lastOpen = open.previousOfName;
+  open_.pop_back();
+  nodes_->pop_back();
+}
 
 }  // namespace zeldom40

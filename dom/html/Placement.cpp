@@ -25,45 +25,6 @@ PageName* PageParser::nameOf(Node* node) { return &names_.find(node->getName());
 
 Element* PageParser::openElement(int index) const { return asElement((*nodes_)[static_cast<std::size_t>(index)]); }
 
-void PageParser::push(Node* node, PageName* name) {
-  const int index = static_cast<int>(open_.size());
-  nodes_->push_back(node);
-  open_.emplace_back();
-  Open& open = open_.back();
-  open.time = ++time_;
-  open.name = name;
-  open.previousOfName = name->lastOpen;
-  name->lastOpen = index;
-  const Element* element = asElement(node);
-  if (index > 0 && table_ && name->definition && element && element->getElementDefinition() == name->definition &&
-      !(name->group & GROUP_LOOP)) {
-    // Nearly every open node: what describe would find, from what is known of the name.
-    const Open& below = open_[static_cast<std::size_t>(index) - 1];
-    open.answers = Answers::BY_MODEL;
-    open.isElement = true;
-    open.endOmittable = name->endOmittable;
-    open.tableBarrier = (name->group & GROUP_TABLE) && !open.endOmittable ? index : below.tableBarrier;
-    open.definition = name->definition;
-    open.sets = name->hasExceptions ? table_->extend(below.sets, name->definition) : below.sets;
-    if (!name->row) name->row = table_->row(*name->definition);
-    open.row = name->row;
-    open.holdsScript = (name->group & GROUP_SCRIPT_DATA) != 0;
-  } else {
-    describe(open, node, index);
-    open.holdsScript = element && (element->getElementGroup() & GROUP_SCRIPT_DATA);
-  }
-  if (open.holdsScript) lexer_.setCDATAEnabled(true);
-}
-
-void PageParser::pop() {
-  const Open& open = open_.back();
-  if (open.holdsScript) lexer_.setCDATAEnabled(false);
-  if (open.isElement) ElementAccess::noteContent(static_cast<Element*>(topNode()));
-  open.name->lastOpen = open.previousOfName;
-  open_.pop_back();
-  nodes_->pop_back();
-}
-
 // Works out once, as a node is opened, what questions about its content will need.
 void PageParser::describe(Open& open, Node* node, int index) {
   const Element* element = asElement(node);
@@ -118,6 +79,7 @@ void PageParser::describe(Open& open, Node* node, int index) {
 // A page's own declarations make other answers; all notes are taken anew.
 void PageParser::declarationsChanged() {
   table_ = &contentTable(*frame_);
+  textPlace_ = table_->textPlace(Text::TEXT_NORMAL);
   names_.declarationsChanged();
   for (std::size_t i = 0; i < open_.size(); ++i) {
     Open& open = open_[i];
@@ -178,6 +140,7 @@ int PageParser::findAdopter(int from, const Subject& subject, PageName& name, co
     const bool known = name.barredTo >= 0 && i >= name.barredFrom && i <= name.barredTo && open.time <= name.barredTime;
     if (!known && fits(i, subject, implied)) return i;
     if (known || !open.endOmittable || i == 0) {
+      names_.touch(name);
       name.barredFrom = known ? name.barredFrom : i;
       name.barredTo = from;
       name.barredTime = time_;
@@ -211,12 +174,7 @@ void PageParser::recordOnce() {
   if (document_) DocumentAccess::recordChange(document_, nodes_->front());
 }
 
-void PageParser::placeElement(Element* element, PageName& name, bool selfClosed) {
-  if (element->getElementDefinition() && fitsDirectly(name.ordinal, name.tableId)) {
-    insertLast(element);
-    if (!selfClosed && !name.emptyTag) push(element, &name);
-    return;
-  }
+void PageParser::placeByQuestion(Element* element, PageName& name, bool selfClosed) {
   Subject subject;
   subject.node = element;
   subject.definition = element->getElementDefinition();

@@ -134,37 +134,6 @@ void PageParser::readBeginTag() {
   finishBeginTag(tag);
 }
 
-// The tag's name was read; its attributes come.
-void PageParser::setTagName(BeginTag& tag, std::string_view written, std::size_t readable) {
-  // KEPT: a slash that is glued to the name goes, and does not close the tag.
-  if (written.size() > 1 && written.back() == '/') written.remove_suffix(1);
-  tag.name = &names_.find(written, readable);
-  openAttributes(tag);
-  tagDefinition_ = tag.name->definition;
-  tag.definition = tagDefinition_;
-  if (tag.name->group & GROUP_JSP_XML) {
-    tag.caseSensitive = true;
-    tag.nameCase = tagDefinition_->getName() != written;
-  }
-}
-
-void PageParser::openAttributes(BeginTag& tag) {
-  attributes_.clear();
-  attributeNames_.clear();
-  attributePending_ = attributeError_ = hiddenInput_ = false;
-  tagDefinition_ = nullptr;
-  tag.definition = nullptr;
-}
-
-void PageParser::setAttributeName(BeginTag& tag, Slice written) {
-  attributePending_ = true;
-  attribute_ = {nullptr, written, {}, 0};
-  if (!tag.definition || !tag.name->hasAttributes) return;
-  const std::string_view text = written.in(lexer_.page());
-  attribute_.definition = names_.findAttribute(*tag.definition, text, lexer_.length() - written.offset);
-  if (tag.caseSensitive && attribute_.definition && attribute_.definition->getName() != text) tag.attributeCase = true;
-}
-
 void PageParser::finishBeginTag(const BeginTag& tag) {
   PageName& name = *tag.name;
   const unsigned long group = tag.definition ? name.group : 0;

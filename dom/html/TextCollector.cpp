@@ -35,6 +35,33 @@ void PageParser::beginText(std::uint32_t start) {
   rawStart_ = rawEnd_ = start;
 }
 
+inline void PageParser::placeText(Text* text, bool isSpace) {
+  afterBreak_ = false;
+  if (table_ && fitsDirectly(textPlace_, ContentTable::textNameId(Text::TEXT_NORMAL))) {
+    insertLast(text);
+    trailingSpace_ = lastWasSpace_;
+  } else {
+    placeTextByQuestion(text, isSpace);
+  }
+}
+
+void PageParser::placeTextByQuestion(Text* text, bool isSpace) {
+  const Path* implied = nullptr;
+  const bool fitting = fits(top(), textSubject(text), implied);
+  if (fitting && !(isSpace && !implied->empty())) {
+    placeWithImplied(text, nullptr, *implied, /*selfClosed=*/false);
+    trailingSpace_ = lastWasSpace_;
+  } else {
+    // White space must not bring an element about.
+    if (isSpace) {
+      text->setTextType(Text::TEXT_FORMATTING);
+    } else {
+      text->setError(ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
+    }
+    insertLast(text);
+  }
+}
+
 // Takes all text up to the next "<" that opens something, in one go.
 void PageParser::readTextRun() {
   const std::uint32_t start = lexer_.position();
@@ -63,16 +90,16 @@ void PageParser::readTextRun() {
     lexer_.skipTo(stop);
     lastEnd_ = stop;
     placeText(TextAccess::createAssembled(textKind_.share(), sliceOf(start, stop), context),
-              isSpaceByte(*from) && isAllSpace(run));
+              lastWasSpace_ && isSpaceByte(*from) && isAllSpace(run));
     return;
   }
   if (!pending_) beginText(start);
-  if (pendingAllSpace_) pendingAllSpace_ = isSpaceByte(*from) && isAllSpace(run);
   if (pendingOwnForm_) {
     pendingText_ += assemblePlainText(run, {lastWasSpace_, preDepth_ > 0}, FrameTables::entities(frame_));
   }
   rawEnd_ = stop;
   lastWasSpace_ = isSpaceByte(run.back());
+  if (pendingAllSpace_) pendingAllSpace_ = lastWasSpace_ && isSpaceByte(*from) && isAllSpace(run);
   afterBreak_ = false;
   lexer_.skipTo(stop);
   lastEnd_ = stop;
@@ -135,29 +162,6 @@ void PageParser::flushText() {
   pendingText_.clear();
   placeText(text, pendingAllSpace_);
   rawStart_ = rawEnd_ = 0;
-}
-
-void PageParser::placeText(Text* text, bool isSpace) {
-  afterBreak_ = false;
-  if (table_ && fitsDirectly(table_->textPlace(Text::TEXT_NORMAL), ContentTable::textNameId(Text::TEXT_NORMAL))) {
-    insertLast(text);
-    trailingSpace_ = lastWasSpace_;
-    return;
-  }
-  const Path* implied = nullptr;
-  const bool fitting = fits(top(), textSubject(text), implied);
-  if (fitting && !(isSpace && !implied->empty())) {
-    placeWithImplied(text, nullptr, *implied, /*selfClosed=*/false);
-    trailingSpace_ = lastWasSpace_;
-  } else {
-    // White space must not bring an element about.
-    if (isSpace) {
-      text->setTextType(Text::TEXT_FORMATTING);
-    } else {
-      text->setError(ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
-    }
-    insertLast(text);
-  }
 }
 
 }  // namespace zeldom40

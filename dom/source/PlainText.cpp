@@ -1,6 +1,7 @@
 // References and white space of running text.
 #include "dom/source/PlainText.h"
 
+#include <cstdint>
 #include <cstring>
 
 #include "dom/source/CharHelpers.h"
@@ -8,15 +9,41 @@
 
 namespace zeldom40 {
 
+namespace {
+
+// The same of the bytes of one word: the top bit of each byte tells of it.
+template <class Word>
+bool isSpaceWord(const char* bytes) {
+  constexpr Word kOnes = static_cast<Word>(UINT64_C(0x0101010101010101));
+  constexpr Word kTops = 0x80 * kOnes;
+  Word word = 0;
+  std::memcpy(&word, bytes, sizeof(word));
+  const Word low7 = word & ~kTops;
+  const Word fromTab = low7 + (0x80 - '\t') * kOnes;
+  const Word behindReturn = low7 + (0x80 - '\r' - 1) * kOnes;
+  const Word noBlank = (low7 ^ ' ' * kOnes) + 0x7F * kOnes;
+  return ((((fromTab & ~behindReturn) | ~noBlank) & ~word) & kTops) == kTops;
+}
+
+// Words one after another, the last of them at the end of the text.
+template <class Word>
+bool isSpaceByWords(std::string_view raw) {
+  std::size_t i = 0;
+  for (; raw.size() - i > sizeof(Word); i += sizeof(Word)) {
+    if (!isSpaceWord<Word>(raw.data() + i)) return false;
+  }
+  return isSpaceWord<Word>(raw.data() + raw.size() - sizeof(Word));
+}
+
+}  // namespace
+
 bool isAllSpace(std::string_view raw) {
-  // Text behind an indent shows at its end; and an indent is mostly blanks, taken eight at a time.
+  // Text behind an indent shows at its end.
   if (!raw.empty() && !isSpaceByte(raw.back())) return false;
-  for (std::size_t i = 0; i < raw.size();) {
-    if (raw.size() - i >= 8 && std::memcmp(raw.data() + i, "        ", 8) == 0) {
-      i += 8;
-    } else if (!isSpaceByte(raw[i++])) {
-      return false;
-    }
+  if (raw.size() >= 8) return isSpaceByWords<std::uint64_t>(raw);
+  if (raw.size() >= 4) return isSpaceByWords<std::uint32_t>(raw);
+  for (const char c : raw) {
+    if (!isSpaceByte(c)) return false;
   }
   return true;
 }

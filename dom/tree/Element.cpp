@@ -31,10 +31,6 @@ Element* parentElement(const Element* element) {
 
 }  // namespace
 
-inline void ElementAccess::hold(ElementDefinition* definition) {
-  if (NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) NodeAccess::addCount(definition);
-}
-
 // --- life ------------------------------------------------------------------------------------------------------------
 
 Element::Element(const std::string& name, Document* document) : Element(document) {
@@ -44,14 +40,6 @@ Element::Element(const std::string& name, Document* document) : Element(document
 Element::Element(const char* name, Document* document) : Element(std::string(name ? name : ""), document) {}
 
 Element::Element(Document* document) : Node(NODE_ELEMENT, document) { NodeAccess::addFlags(this, UPDATE_CREATED); }
-
-inline Element::Element(Parsed, NodeKind* kind, Slice begin)
-    : Node(Parsed{}, NODE_ELEMENT, kind, UPDATE_CREATED | UPDATE_CONTENT_MODIFIED), beginTag_(begin) {
-  if (!kind || !kind->definition) return;
-  elementID_ = static_cast<std::int16_t>(kind->definition->getElementID());
-  elementType_ = ELEMENT_DEFINED;
-  ElementAccess::hold(kind->definition);
-}
 
 Element::Element(const Element& source, bool withMetaData) : Node(source) {
   elementID_ = source.elementID_;
@@ -140,11 +128,6 @@ Element* ElementAccess::create(Document* document, const SharedName& name) {
   auto* element = new Element(document);
   NodeAccess::setName(element, name);
   return element;
-}
-
-Element* ElementAccess::createParsed(NodeKind* kind, Slice begin) {
-  void* memory = NodePool::allocate(sizeof(Element));
-  return ::new (memory) Element(Element::Parsed{}, kind, begin);
 }
 
 Element* ElementAccess::createWithoutTag(NodeKind* kind) {

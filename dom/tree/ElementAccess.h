@@ -1,8 +1,10 @@
 // Internal. What the parser, the writer and the repair do to an element beyond its public interface.
 #pragma once
 
+#include <limits>
 #include <string_view>
 
+#include "dom/dtd/ElementDefinition.h"
 #include "dom/tree/AttributeBlock.h"
 #include "dom/tree/AttributeList.h"
 #include "dom/tree/Element.h"
@@ -126,5 +128,23 @@ struct ElementAccess {
     element->beginTagDirty_ = element->endTagDirty_ = dirty;
   }
 };
+
+inline void ElementAccess::hold(ElementDefinition* definition) {
+  if (NodeAccess::refCount(definition) < std::numeric_limits<int>::max() / 2) NodeAccess::addCount(definition);
+}
+
+// Every element of a page comes through here.
+inline Element::Element(Parsed, NodeKind* kind, Slice begin)
+    : Node(Parsed{}, NODE_ELEMENT, kind, UPDATE_CREATED | UPDATE_CONTENT_MODIFIED), beginTag_(begin) {
+  if (!kind || !kind->definition) return;
+  elementID_ = static_cast<std::int16_t>(kind->definition->getElementID());
+  elementType_ = ELEMENT_DEFINED;
+  ElementAccess::hold(kind->definition);
+}
+
+inline Element* ElementAccess::createParsed(NodeKind* kind, Slice begin) {
+  void* memory = NodePool::allocate(sizeof(Element));
+  return ::new (memory) Element(Element::Parsed{}, kind, begin);
+}
 
 }  // namespace zeldom40

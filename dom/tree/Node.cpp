@@ -133,7 +133,13 @@ bool NodeAccess::ownsMore(const Node* node) {
 }
 
 // Gives a node's children away: the first and the last of a proper chain.
-std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
+inline std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
+  if (node->hasList_ || node->isLeaf()) return takeListedChildren(node);
+  const Node::Branch taken = std::exchange(node->links_.branch, {});
+  return {taken.first, taken.last};
+}
+
+std::pair<Node*, Node*> NodeAccess::takeListedChildren(Node* node) {
   if (node->listIsTruth_) {
     Node* before = nullptr;
     for (Node* child : listOf(node)->list) {
@@ -156,7 +162,7 @@ std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
 
 // Ends a node that is just what the parser made, an exact Text or Element with its page, its name and at most a block
 // of attributes: 50 instructions where the destructors with their questions took 100. False for any other.
-bool NodeAccess::dismantle(Node* node) {
+inline bool NodeAccess::dismantle(Node* node) {
   if (node->place_ || node->leadsChunk_ || node->hasList_) return false;
   std::size_t size = 0;
   if (node->nodeType_ == Node::NODE_TEXT) {
@@ -226,6 +232,7 @@ void Node::setDocument(Document* document) {
 }
 
 void Node::setPage(const PageRef& page) {
+  if (page.get() == this->page().get()) return;
   setKind(NodeKind::find(getDocument(), page, NodeAccess::sharedName(this), kind_ ? kind_->definition : nullptr));
 }
 

@@ -192,6 +192,7 @@ struct NodeAccess {
   static void drain(Node* top, bool removed);
   static void tellRemoved(Node* top, bool alsoTop);
   static std::pair<Node*, Node*> takeChildren(Node* node);
+  static std::pair<Node*, Node*> takeListedChildren(Node* node);
   static bool ownsMore(const Node* node);
   static void cutLoose(Node* node);
   static bool dismantle(Node* node);

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "dom/tree/NodePool.h"
 #include "dom/tree/PageBuffer.h"
 
 namespace zeldom40 {
@@ -89,6 +90,9 @@ void NodeKind::end() {
   }
   delete this;
 }
+
+void* NodeKind::operator new(std::size_t size) { return NodePool::allocate(size); }
+void NodeKind::operator delete(void* memory, std::size_t size) { NodePool::release(memory, size); }
 
 const PageRef& NodeKind::noPage() {
   static const PageRef none;

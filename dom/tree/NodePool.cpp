@@ -4,14 +4,6 @@
 #include <cstdint>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ZELDOM40_PLAIN_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZELDOM40_PLAIN_HEAP 1
-#endif
-#endif
-
 namespace zeldom40 {
 
 namespace liveNodes {
@@ -25,13 +17,12 @@ std::size_t NodePool::reserved_;
 #if defined(ZELDOM40_PLAIN_HEAP)
 
 void* NodePool::allocateAnywhere(std::size_t size) { return ::operator new(size); }
-void NodePool::release(void* memory, std::size_t) { ::operator delete(memory); }
+void NodePool::releaseAnywhere(void* memory, std::size_t) { ::operator delete(memory); }
 
 #else
 
 namespace {
 
-constexpr std::size_t kChunkSize = 64 * 1024;
 constexpr std::size_t kReserve = 256;  // chunks
 
 }  // namespace
@@ -102,14 +93,13 @@ void* NodePool::allocateAnywhere(std::size_t size) {
   return fresh;
 }
 
-void NodePool::release(void* memory, std::size_t size) {
+void NodePool::releaseAnywhere(void* memory, std::size_t size) {
   if (!memory) return;
   if (size > kLargest) {
     ::operator delete(memory);
     return;
   }
-  auto* chunk =
-      reinterpret_cast<Chunk*>(static_cast<char*>(memory) - reinterpret_cast<std::uintptr_t>(memory) % kChunkSize);
+  Chunk* const chunk = chunkOf(memory);
   auto* cell = static_cast<FreeCell*>(memory);
   cell->next = chunk->free;
   chunk->free = cell;

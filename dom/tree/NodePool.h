@@ -4,6 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define ZELDOM40_PLAIN_HEAP 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZELDOM40_PLAIN_HEAP 1
+#endif
+#endif
+
 namespace zeldom40 {
 
 // A page is some ten thousand nodes of four sizes that come and go together. Chunks keep them dense and cost a few
@@ -15,19 +23,41 @@ class NodePool {
  public:
   static void* allocate(std::size_t size) {
     Chunk* const chunk = size <= kLargest ? withRoom_[classOf(size)] : nullptr;
+    if (!chunk) return allocateAnywhere(size);
     // The last cell of a chunk is none for here: the chunk leaves its list with it.
-    char* const fresh = chunk ? chunk->fresh : nullptr;
-    if (!fresh || chunk->free || fresh + classOf(size) * kGrain > chunk->last) return allocateAnywhere(size);
+    if (FreeCell* const cell = chunk->free) {
+      if (!cell->next) return allocateAnywhere(size);
+      chunk->free = cell->next;
+      ++chunk->live;
+      return cell;
+    }
+    char* const fresh = chunk->fresh;
+    if (fresh + classOf(size) * kGrain > chunk->last) return allocateAnywhere(size);
     ++chunk->live;
     chunk->fresh = fresh + classOf(size) * kGrain;
     return fresh;
   }
-  static void release(void* memory, std::size_t size);
+  static void release(void* memory, std::size_t size) {
+#if !defined(ZELDOM40_PLAIN_HEAP)
+    if (memory && size <= kLargest) {
+      Chunk* const chunk = chunkOf(memory);
+      if (chunk->listed && chunk->live > 1) {
+        auto* const cell = static_cast<FreeCell*>(memory);
+        cell->next = chunk->free;
+        chunk->free = cell;
+        --chunk->live;
+        return;
+      }
+    }
+#endif
+    releaseAnywhere(memory, size);
+  }
 
  private:
   static constexpr std::size_t kGrain = 8;
   static constexpr std::size_t kLargest = 256;
   static constexpr std::size_t kClasses = kLargest / kGrain + 1;
+  static constexpr std::size_t kChunkSize = 64 * 1024;
 
   struct FreeCell {
     FreeCell* next;
@@ -46,7 +76,11 @@ class NodePool {
   };
 
   static std::size_t classOf(std::size_t size) { return (size + kGrain - 1) / kGrain; }
+  static Chunk* chunkOf(void* memory) {
+    return reinterpret_cast<Chunk*>(static_cast<char*>(memory) - reinterpret_cast<std::uintptr_t>(memory) % kChunkSize);
+  }
   static void* allocateAnywhere(std::size_t size);
+  static void releaseAnywhere(void* memory, std::size_t size);
   static void enlist(Chunk* chunk);
   static void delist(Chunk* chunk);
   static Chunk* makeChunk(std::size_t cellClass);

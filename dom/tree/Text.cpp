@@ -79,16 +79,6 @@ inline Text::Text(Parsed, NodeKind* kind, Slice raw) : Node(Parsed{}, NODE_TEXT,
   leaf().raw = raw;
 }
 
-// One whose plain form is assembled when first read.
-inline Text::Text(Parsed, NodeKind* kind, Slice raw, bool dropLeading, bool preformatted)
-    : Node(Parsed{}, NODE_TEXT, kind, UPDATE_CREATED),
-      derived_(true),
-      assembled_(true),
-      dropLeading_(dropLeading),
-      preformatted_(preformatted) {
-  leaf().raw = raw;
-}
-
 Text::Text(const Text& other)
     : Node(other),
       textType_(other.textType_),
@@ -117,11 +107,6 @@ Text::Text(const Text& other)
 Text::~Text() = default;
 
 Node* Text::cloneSelf() const { return new Text(*this); }
-
-Text* TextAccess::createAssembled(NodeKind* kind, Slice raw, TextContext context) {
-  void* memory = NodePool::allocate(sizeof(Text));
-  return ::new (memory) Text(Text::Parsed{}, kind, raw, context.dropLeading, context.preformatted);
-}
 
 Text* TextAccess::createLiteral(NodeKind* kind, Slice raw) {
   auto* text = new Text(Text::Parsed{}, kind, raw);

@@ -6,6 +6,7 @@
 
 #include "dom/source/PlainText.h"
 #include "dom/tree/Comment.h"
+#include "dom/tree/NodeAccess.h"
 #include "dom/tree/PageBuffer.h"
 #include "dom/tree/Text.h"
 
@@ -92,5 +93,20 @@ struct CommentAccess {
   static Slice slice(const Comment* comment) { return comment->leaf().raw; }
   static Slice body(const Comment* comment) { return comment->body_; }
 };
+
+// Every text of a page comes through here.
+inline Text::Text(Parsed, NodeKind* kind, Slice raw, bool dropLeading, bool preformatted)
+    : Node(Parsed{}, NODE_TEXT, kind, UPDATE_CREATED),
+      derived_(true),
+      assembled_(true),
+      dropLeading_(dropLeading),
+      preformatted_(preformatted) {
+  leaf().raw = raw;
+}
+
+inline Text* TextAccess::createAssembled(NodeKind* kind, Slice raw, TextContext context) {
+  void* memory = NodePool::allocate(sizeof(Text));
+  return ::new (memory) Text(Text::Parsed{}, kind, raw, context.dropLeading, context.preformatted);
+}
 
 }  // namespace zeldom40
