@@ -58,8 +58,9 @@ const ContentTable::Answer& ContentTable::answer(Slot& slot, const ElementDefini
   result.throughGroups = path.size() > 2;
   if (!path.empty()) path.pop_back();
   for (const Node* node : path) {
-    if (node->getNodeType() == Node::NODE_ELEMENT_TOKEN) result.implied.push_back(&NodeAccess::sharedName(node));
+    if (node->getNodeType() == Node::NODE_ELEMENT_TOKEN) result.names.push_back(NodeAccess::sharedName(node));
   }
+  for (const SharedName& name : result.names) result.implied.push_back(&name);
   result.impliesNothing = result.allowed && result.implied.empty();
   answers_.push_back(std::move(result));
   slot = &answers_.back();

@@ -35,7 +35,8 @@ class ContentTable {
     bool impliesNothing = false;  // allowed, and needs no implied element
     bool throughGroups =
         false;  // the way has more than one step before the child; a shorter one always counts as direct
-    std::vector<const SharedName*> implied;
+    std::vector<const SharedName*> implied;  // in `names`
+    std::vector<SharedName> names;           // a host may rename the model's tokens
   };
 
   // The exclusions and the inclusions of an element and of all elements around it. Immutable, and equal sets are one
@@ -43,9 +44,10 @@ class ContentTable {
   class OpenSets {
    private:
     friend class ContentTable;
+    // A declaration that was dropped may have left names that are newer than the sets; no model mentions them.
     bool has(int kind, NameId name) const {
-      if (name < 0) return false;
-      const auto bit = static_cast<std::size_t>(name);
+      const auto bit = static_cast<std::size_t>(name);  // that of no name, -1, is beyond all
+      if (bit >= 64 * words_) return false;
       return (bits_[static_cast<std::size_t>(kind) * words_ + bit / 64] >> (bit % 64)) & 1;
     }
     const std::uint64_t* bits_ = nullptr;

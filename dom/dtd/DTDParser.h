@@ -37,8 +37,9 @@ class ZELDOM40_API DTDParser : public Parser {
   DTDParser(const char* text, unsigned length, const ParserType::_dtd_parser_frame* shared);
   ~DTDParser() override;
 
-  // A parser with tables of its own that puts off what is rarely asked for; see DTDFrame.h. The text is constant, has
-  // no faults, and refers to nothing before it is declared. The caller owns the parser.
+  // A parser with tables of its own that puts off what is rarely asked for; see DTDFrame.h. The text is constant and
+  // outlives the parser and all its definitions, has no faults, refers to nothing before it is declared, and what is
+  // put off has no names but those of declared elements. The caller owns the parser.
   static DTDParser* makeDeferring(std::string_view text);
 
   // Call it with LEX_EOF for the whole text. -1 also tells that a reference to an undeclared entity ended it.

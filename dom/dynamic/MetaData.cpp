@@ -339,7 +339,7 @@ void MetaDataAccess::finishRuntimeText(MetaData& md, const std::string& out, std
   // A text that came out as it was stays, and another one goes before the new one is copied.
   const std::string_view kept = isNested ? std::string_view() : generated;
   if (kept != md.runtimeData_) {
-    md.runtimeData_ = std::string();
+    std::string().swap(md.runtimeData_);  // an assignment would keep its room
     md.runtimeData_ = kept;
   }
   md.setDirty(false, /*runtimeOnly=*/true);

@@ -23,7 +23,7 @@ void Preparation::prepare(MetaData* top) {
       if (node->getNodeType() == Node::NODE_ELEMENT) leave(static_cast<Element*>(node));
       if (node == topElement) {
         // Deep nests leave much room behind, which the writing that follows has a use for.
-        open_ = {};
+        std::vector<Open>().swap(open_);  // an assignment would keep it
         nest_ = {};
         return;
       }

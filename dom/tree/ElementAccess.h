@@ -91,11 +91,12 @@ struct ElementAccess {
                                   const PageRef& page, Slice begin, unsigned flags);
   static void setEndSlice(Element* element, Slice end) { element->endTag_ = end; }
   static ElementDefinition* definition(const Element* element) { return element->definition(); }
-  // Destroys the members of an element that has a block of attributes at most; false, with nothing done, for any other.
-  static bool dismantle(Element* element) {
-    if (element->extraOrNull() || (!element->attributesInBlock_ && element->attributes().list)) return false;
+  // Whether a block of attributes is all that its end must give back.
+  static bool isBare(const Element* element) {
+    return !element->extraOrNull() && (element->attributesInBlock_ || !element->attributes().list);
+  }
+  static void releaseBlock(Element* element) {
     if (element->attributesInBlock_) element->attributes().block->release();
-    return true;
   }
   static bool hasExtra(const Element* element) { return element->extraOrNull() != nullptr; }
   static MetaData* metaData(const Element* element) {

@@ -160,24 +160,27 @@ std::pair<Node*, Node*> NodeAccess::takeListedChildren(Node* node) {
   return ends;
 }
 
-// Ends a node that is just what the parser made, an exact Text or Element with its page, its name and at most a block
-// of attributes: 50 instructions where the destructors with their questions took 100. False for any other.
-inline bool NodeAccess::dismantle(Node* node) {
-  if (node->place_ || node->leadsChunk_ || node->hasList_) return false;
-  std::size_t size = 0;
+// The size of a node that is just what the parser made, an exact Text or Element with its page, its name and at most a
+// block of attributes; 0 for any other.
+inline std::size_t NodeAccess::sizeOfPlain(const Node* node) {
+  if (node->place_ || node->leadsChunk_ || node->hasList_) return 0;
   if (node->nodeType_ == Node::NODE_TEXT) {
-    if (&typeid(*node) != &typeid(Text) || !TextAccess::dismantle(static_cast<Text*>(node))) return false;
-    size = sizeof(Text);
-  } else if (node->nodeType_ == Node::NODE_ELEMENT) {
-    if (&typeid(*node) != &typeid(Element) || !ElementAccess::dismantle(static_cast<Element*>(node))) return false;
-    size = sizeof(Element);
-  } else {
-    return false;
+    const bool plain = &typeid(*node) == &typeid(Text) && TextAccess::isBare(static_cast<const Text*>(node));
+    return plain ? sizeof(Text) : 0;
   }
+  if (node->nodeType_ == Node::NODE_ELEMENT) {
+    const bool plain = &typeid(*node) == &typeid(Element) && ElementAccess::isBare(static_cast<const Element*>(node));
+    return plain ? sizeof(Element) : 0;
+  }
+  return 0;
+}
+
+// Ends a plain node whose children were taken: 50 instructions where the destructors with their questions took 100.
+inline void NodeAccess::dismantle(Node* node, std::size_t size) {
+  if (node->nodeType_ == Node::NODE_ELEMENT) ElementAccess::releaseBlock(static_cast<Element*>(node));
   if (node->kind_) node->kind_->release();
   liveNodes::remove();
   NodePool::release(node, size);
-  return true;
 }
 
 // Destroys the children of a dying node without recursion, in the order that destructors calling one another would
@@ -190,6 +193,15 @@ void NodeAccess::drain(Node* top, bool removed) {
   while (tail) {
     Node* victim = tail;
     tail = victim->prev_;
+    const std::size_t plainSize = victim->refCount_ < held ? sizeOfPlain(victim) : 0;
+    if (plainSize != 0) {
+      if (!victim->isLeaf() && victim->links_.branch.first) {
+        victim->links_.branch.first->prev_ = tail;
+        tail = victim->links_.branch.last;
+      }
+      dismantle(victim, plainSize);
+      continue;
+    }
     const bool hadFollower = victim->next_ != nullptr;
     victim->prev_ = nullptr;
     victim->next_ = nullptr;
@@ -205,7 +217,7 @@ void NodeAccess::drain(Node* top, bool removed) {
         first->prev_ = tail;
         tail = last;
       }
-      if (!dismantle(victim)) delete victim;
+      delete victim;
     } else {
       if (removed) tellRemoved(victim, /*alsoTop=*/true);
       addFlags(victim, Node::UPDATE_REMOVED | (hadFollower ? Node::UPDATE_SIBLING_CHANGED : 0));

@@ -195,7 +195,8 @@ struct NodeAccess {
   static std::pair<Node*, Node*> takeListedChildren(Node* node);
   static bool ownsMore(const Node* node);
   static void cutLoose(Node* node);
-  static bool dismantle(Node* node);
+  static std::size_t sizeOfPlain(const Node* node);
+  static void dismantle(Node* node, std::size_t size);
 };
 
 inline Node::Node(Parsed, NodeType type, NodeKind* kind, unsigned flags)

@@ -36,11 +36,8 @@ struct TextAccess {
   static bool isSourceOfPage(const Text* text) {
     return !text->rawDirty_ && !(text->leaf().strings && text->leaf().strings->rawOwn);
   }
-  // Destroys the members of a text that has no strings; false, with nothing done, for any other.
-  static bool dismantle(Text* text) {
-    if (text->leaf().strings) return false;
-    return true;
-  }
+  // Whether it has no strings, and so nothing that its end must give back.
+  static bool isBare(const Text* text) { return !text->leaf().strings; }
   // A text that follows from its slice and context alone.
   static bool isUntouched(const Text* text) { return text->derived_ && isSourceOfPage(text); }
   // What a saved text is made of beside its slice: one byte, and where it was edited the strings of its own, null for

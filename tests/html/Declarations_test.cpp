@@ -54,6 +54,20 @@ TEST_F(Declarations, OfAHostCountForTheNextPage) {
   EXPECT_EQ(tree("<P NEWER=1><B OWN=2>", kDumpErrors), "ZELROOT(HTML(BODY(P(B!44))))");
 }
 
+// One that is dropped leaves names behind, more than what was known before has room for.
+TEST_F(Declarations, ThatAreDroppedChangeNothing) {
+  std::string names;
+  std::string body = "<BODY>";
+  for (int i = 0; i < 200; ++i) {
+    const std::string name = "NX" + std::to_string(i);
+    names += (i == 0 ? "" : "|") + name;
+    body += "<P><" + name + ">t</" + name + "></P>";
+  }
+  const std::string expected = tree("<!DOCTYPE A SYSTEM b [ ]>" + body);
+  std::string read = tree("<!DOCTYPE A SYSTEM b [<!ELEMENT Q - - (" + names + ") !>]>" + body);
+  EXPECT_EQ(read.substr(read.find("HTML(BODY")), expected.substr(expected.find("HTML(BODY")));
+}
+
 // An entity means to a text what it meant where the text stands, whenever somebody asks.
 TEST_F(Declarations, OfEntitiesCountForTheTextBehindThem) {
   const std::string_view declaration = "<!DOCTYPE A SYSTEM b [<!ENTITY foo \"bar\">]>";
