@@ -1,6 +1,7 @@
 // Internal. The state of one page parse, shared by the files that read its parts.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -176,6 +177,12 @@ class PageParser {
   void readDeclaration();
   void readSubset(Slice subset);
   void readServerTag();
+  // The name that a server tag of that kind goes by, and its identifier.
+  struct ServerName {
+    PageName* name = nullptr;
+    int id = 0;
+  };
+  const ServerName& serverName(int id);
   void readComment(bool server);
   bool readMetaData(Slice begin, Slice body);
   void setAttributesFromText(Element* element, std::uint32_t from, std::uint32_t to);
@@ -261,6 +268,7 @@ class PageParser {
   int subsets_ = 0;
   bool mustBeSorted_ = false;
   bool recorded_ = false;  // an undo record was taken, or none is due
+  std::array<ServerName, ID_JSP_DIRECTIVE - ID_JSP_SCRIPTLET + 1> serverNames_{};
   KindRef textKind_;
   KindRef commentKind_;
   std::uint32_t lastEnd_ = 0;    // where the token taken last ended

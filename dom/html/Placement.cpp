@@ -81,6 +81,7 @@ void PageParser::declarationsChanged() {
   table_ = &contentTable(*frame_);
   textPlace_ = table_->textPlace(Text::TEXT_NORMAL);
   names_.declarationsChanged();
+  serverNames_.fill({});
   for (std::size_t i = 0; i < open_.size(); ++i) {
     Open& open = open_[i];
     const int previous = open.previousOfName;

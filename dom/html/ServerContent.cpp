@@ -43,14 +43,22 @@ void PageParser::readServerTag() {
       }
     }
   }
-  if (!GetHTML40ElementName(id)) id = ID_JSP_SCRIPTLET;
-  const char* idName = GetHTML40ElementName(id);
-  PageName& name = names_.find(idName ? idName : "jsp:scriptlet");
-
-  Element* element = createElement(name, sliceOf(start, end));
-  element->setElementID(static_cast<HTML40ElementID>(id));
+  const ServerName& name = serverName(id);
+  Element* element = createElement(*name.name, sliceOf(start, end));
+  element->setElementID(static_cast<HTML40ElementID>(name.id));
   setAttributesFromText(element, attributesFrom, limit);
   insertLast(element);
+}
+
+// A page of server code asks for few names again and again.
+const PageParser::ServerName& PageParser::serverName(int id) {
+  ServerName& known = serverNames_[static_cast<std::size_t>(id - ID_JSP_SCRIPTLET)];
+  if (!known.name) {
+    known.id = GetHTML40ElementName(id) ? id : ID_JSP_SCRIPTLET;
+    const char* idName = GetHTML40ElementName(known.id);
+    known.name = &names_.find(idName ? idName : "jsp:scriptlet");
+  }
+  return known;
 }
 
 // Names and values in the source from `from` up to `to`, as Element::setAttribute would store them.
