@@ -111,6 +111,7 @@ const std::vector<Shape>& shapes() {
       {"JSP tags without end", M, [](Size n) { return repeated("<% x ", n); }},
       {"CDATA without end", M, [](Size n) { return "<jsp:scriptlet>" + repeated("<![CDATA[ ", n); }},
       {"double quotes without end", M, [](Size n) { return repeated("<A HREF=\"x>", n / 2 * 2) + "\""; }},
+      {"server code in values, no end", M / 2, [](Size n) { return repeated("<A B=\"<%\">", n); }},
       {"SCRIPTs without end", M / 2, [](Size n) { return repeated("<SCRIPT>", n); }},
       {"DOCTYPEs, open literal", M / 2, [](Size n) { return repeated("<!DOCTYPE HTML PUBLIC \"x", n); }},
       {"DOCTYPEs, open subset", M / 5, [](Size n) { return repeated("<!DOCTYPE HTML PUBLIC \"x\" [", n); }},

@@ -1,5 +1,5 @@
 // Texts that try to hang, overflow or exhaust: each has to end, in time that grows with its length, on a small stack.
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <pthread.h>
 #include <string>
@@ -127,10 +127,11 @@ TEST(HostileDTD, EveryShapeEndsInTimeThatGrowsWithItsLength) {
   for (const Shape& shape : kShapes) {
     SCOPED_TRACE(shape.name);
     const std::string page = shape.make(1 << 20);
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     onSmallStack([&] { readAsPage(page); });
-    // Far above what a linear reader needs here, far below what a quadratic one does.
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    // Far above what a linear reader needs here, far below what a quadratic one does; of the processor, for others use
+    // the machine too.
+    EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
   }
 }
 
