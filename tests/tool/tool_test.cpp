@@ -94,6 +94,21 @@ TEST_F(Tool, JsonKeepsEveryByteOfAPageThatIsNotUtf8) {
   EXPECT_NE(result.out.find("\"source\":\"a\\u0000b\\u001b[2J&amp;\\u001c\\u001d\xC3\xBF\""), std::string::npos);
 }
 
+TEST_F(Tool, CheckReportsEveryWrongAttributeAtItsPlace) {
+  const std::string pair =
+      "<P>l1\r\nl2\r\n<!--METADATA type=\"DynamicData\" startspan\r\n<ZELX:LOOP zz=1><P ID=a ID=b></ZELX:LOOP>\r\n"
+      "-->run<!--METADATA type=\"DynamicData\" endspan-->";
+  const struct {
+    std::string page;
+    const char* places;
+  } cases[] = {
+      {pair, "-:3:1 INVALID_NAME\n-:3:1 VALUE_DUPLICATED\n"},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(run("check - | sed -n 's/: .*ERR_ATTR_\\(.*\\)]/ \\1/p'", each.page).out, each.places) << each.page;
+  }
+}
+
 TEST_F(Tool, DeepPagesNeedNoStack) {
   std::string page;
   for (int i = 0; i < 100000; ++i) page += "<B>";

@@ -69,8 +69,9 @@ class Collector {
 
   // The element's flag says only that there is something; what, its attributes know. An attribute that stands twice
   // leaves no trace that a host could ask for: it is what remains if all names are known.
-  void addAttributes(const Element* element, const Rule& whole) {
+  void addAttributes(Element* element, const Rule& whole) {
     bool found = false;
+    const auto orElement = [&](SourceMap::Range range) { return range.isKnown() ? range : place(whole.bit, element); };
     const bool takesAny = element->getElementID() == ID_SERVLET;
     const AttributeList* list = element->getAttributes();
     for (unsigned long i = 0; list && !takesAny && i < list->getLength(); ++i) {
@@ -78,12 +79,12 @@ class Collector {
       if (attribute->getAttributeDefinition()) continue;
       found = true;
       add(*ruleOf(ERR_ATTR_INVALID_NAME), name(element) + " has no attribute " + shown(attribute->getName()),
-          map_.getAttributeName(element, i));
+          orElement(map_.getAttributeName(element, i)));
     }
     if (found) return;
     const Rule* twice = ruleOf(ERR_ATTR_VALUE_DUPLICATED);
     add(twice ? *twice : whole, name(element) + " has an attribute twice; the first one counts",
-        map_.getBeginTag(element));
+        orElement(map_.getBeginTag(element)));
   }
 
   static const Rule* ruleOf(unsigned long bit) {
