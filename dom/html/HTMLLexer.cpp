@@ -48,7 +48,16 @@ HTMLLexer::HTMLLexer(const char* text, std::size_t length, ParserType::_dtd_fram
   std::fill(std::begin(absentFrom_), std::end(absentFrom_), NO_POSITION);
 }
 
+HTMLLexer::HTMLLexer(const PageRef& page, ParserType::_dtd_frame* frame) : page_(page), frame_(frame) { readAgain({}); }
+
 HTMLLexer::~HTMLLexer() = default;
+
+void HTMLLexer::readAgain(Slice stretch) {
+  text_ = page_.get()->text().substr(0, stretch.offset + stretch.length);
+  std::fill(std::begin(absentFrom_), std::end(absentFrom_), NO_POSITION);
+  cdataEnabled_ = page_.get()->readsSectionsAt(stretch.offset);
+  restart(stretch.offset);
+}
 
 std::string_view HTMLLexer::slice(std::uint32_t start, std::uint32_t end) const {
   if (start >= text_.size() || end < start) return {};

@@ -20,6 +20,8 @@ class HTMLLexer : public Lexer {
 
   // Takes a copy of the text, the only one that a parse makes. `frame` may be null: no entity is known then.
   HTMLLexer(const char* text, std::size_t length, ParserType::_dtd_frame* frame);
+  // Over a page that was parsed before, to read stretches of it again.
+  HTMLLexer(const PageRef& page, ParserType::_dtd_frame* frame);
   ~HTMLLexer() override;
 
   int lex() override;
@@ -29,8 +31,11 @@ class HTMLLexer : public Lexer {
   std::string_view slice(std::uint32_t start, std::uint32_t end) const override;
   using Lexer::slice;
 
-  // Whether "![CDATA[" opens a CDATA section.
-  void setCDATAEnabled(bool on) { cdataEnabled_ = on; }
+  // Whether "![CDATA[" opens a CDATA section, from byte `offset` on.
+  void setCDATAEnabled(bool on, std::uint32_t offset) {
+    if (cdataEnabled_ != on) page_.get()->switchSections(offset);
+    cdataEnabled_ = on;
+  }
 
   const PageRef& page() const { return page_; }
   std::string_view text() const { return text_; }
@@ -39,6 +44,8 @@ class HTMLLexer : public Lexer {
   std::uint32_t position() const { return position_; }
   // Passes over a stretch that the parser has read by itself. No token may be queued.
   void skipTo(std::uint32_t position) { position_ = position; }
+  // Goes on with a stretch of the page as if the text ended behind it.
+  void readAgain(Slice stretch);
   // Forgets what was looked at ahead and goes on at `position`.
   void restart(std::uint32_t position) {
     clearQueue();

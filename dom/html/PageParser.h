@@ -41,6 +41,9 @@ class PageParser {
   PageParser& operator=(const PageParser&) = delete;
 
   int parse(LexerType::LexToken stop);
+  // Instead of a parse: the attributes of a tag that a parse of the lexer's page read before, as it read them. The
+  // names that the tag states again go to `repeats`, if it is not null. Makes no node. Valid until the next call.
+  const std::vector<AttributeBlock::Entry>& readAttributes(Slice tag, std::vector<Slice>* repeats);
   // Whether something came in that may call for metadata.
   bool mustBeSorted() const { return mustBeSorted_; }
   // The parse is over, and nothing else will be read: what was learnt of names serves the next page.
@@ -147,7 +150,12 @@ class PageParser {
     bool attributeCase = false;
     bool bad = false;
   };
-  void readBeginTag();
+  void readBeginTag() {
+    BeginTag tag;
+    readTokensOf(tag);
+    finishBeginTag(tag);
+  }
+  void readTokensOf(BeginTag& tag);
   void setTagName(BeginTag& tag, std::string_view written, std::size_t readable = 0);
   void openAttributes(BeginTag& tag);
   void setAttributeName(BeginTag& tag, Slice written);
@@ -176,6 +184,13 @@ class PageParser {
   // --- declarations, server content ---------------------------------------------------------------------------------
   void readDeclaration();
   void readSubset(Slice subset);
+  // A server tag or an include, and the stretch that its attributes stand in.
+  struct Directive {
+    int id = 0;
+    PageName* name = nullptr;
+    std::uint32_t from = 0;
+    std::uint32_t to = 0;
+  };
   void readServerTag();
   // The name that a server tag of that kind goes by, and its identifier.
   struct ServerName {
@@ -183,9 +198,12 @@ class PageParser {
     int id = 0;
   };
   const ServerName& serverName(int id);
+  Directive serverTagOf(Slice raw);
   void readComment(bool server);
+  bool isInclude(Slice body, Directive& include);
   bool readMetaData(Slice begin, Slice body);
-  void setAttributesFromText(Element* element, std::uint32_t from, std::uint32_t to);
+  void insertDirective(const Directive& directive, Slice raw);
+  void collectAttributes(const Directive& directive);
 
   // --- placing (Placement.cpp) --------------------------------------------------------------------------------------
   void push(Node* node, PageName* name);
@@ -293,8 +311,9 @@ class PageParser {
   bool attributePending_ = false;
   AttributeBlock::Entry attribute_{};
   std::vector<AttributeBlock::Entry> attributes_;
-  AttributeNames attributeNames_;  // filled for tags with many
-  std::size_t readInVain_ = 0;     // bytes of values that were no plain ones
+  AttributeNames attributeNames_;          // filled for tags with many
+  std::vector<Slice>* repeats_ = nullptr;  // who asks for names that the tag repeats
+  std::size_t readInVain_ = 0;             // bytes of values that were no plain ones
   std::string scratch_;
   const ElementDefinition* tagDefinition_ = nullptr;
   bool attributeError_ = false;
@@ -372,12 +391,12 @@ inline void PageParser::push(Node* node, PageName* name) {
     describe(open, node, index);
     open.holdsScript = isElement && (static_cast<Element*>(node)->getElementGroup() & GROUP_SCRIPT_DATA);
   }
-  if (open.holdsScript) lexer_.setCDATAEnabled(true);
+  if (open.holdsScript) lexer_.setCDATAEnabled(true, lastEnd_);
 }
 
 inline void PageParser::pop() {
   const Open& open = open_.back();
-  if (open.holdsScript) lexer_.setCDATAEnabled(false);
+  if (open.holdsScript) lexer_.setCDATAEnabled(false, lastEnd_);
   if (open.isElement) ElementAccess::noteContent(static_cast<Element*>(topNode()));
   open.name->lastOpen = open.previousOfName;
   open_.pop_back();

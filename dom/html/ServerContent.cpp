@@ -15,15 +15,21 @@ namespace zeldom40 {
 void PageParser::readServerTag() {
   const std::uint32_t start = take().start;
   take();
-  const std::uint32_t end = endOf(take());
+  const Slice raw = sliceOf(start, endOf(take()));
+  insertDirective(serverTagOf(raw), raw);
+}
+
+PageParser::Directive PageParser::serverTagOf(Slice tag) {
   const std::string_view text = lexer_.text();
-  const std::string_view raw = text.substr(start, end - start);
+  const std::string_view raw = tag.in(lexer_.page());
+  const std::uint32_t start = tag.offset;
+  Directive found;
 
   // The attributes of a directive end before the closing "%>".
-  std::uint32_t limit = end;
+  std::uint32_t limit = tag.offset + tag.length;
   if (limit > start && text[limit - 1] == '>') --limit;
   if (limit > start && text[limit - 1] == '%') --limit;
-  std::uint32_t attributesFrom = limit;
+  found.from = found.to = limit;
 
   int id = ID_JSP_SCRIPTLET;
   if (raw.size() > 2) {
@@ -31,23 +37,22 @@ void PageParser::readServerTag() {
     if (raw[2] == '=') id = ID_JSP_EXPRESSION;
     if (raw[2] == '@') {
       id = ID_JSP_DIRECTIVE;
-      attributesFrom = std::min(start + 3, limit);
-      std::size_t position = attributesFrom;
+      found.from = std::min(start + 3, limit);
+      std::size_t position = found.from;
       ScannedAttribute word;
       if (scanAttribute(text, limit, position, word) && word.value.empty()) {
         if (equalsFolded(word.name, "PAGE")) id = ID_JSP_DIRECTIVE_PAGE;
         if (equalsFolded(word.name, "INCLUDE")) id = ID_JSP_DIRECTIVE_INCLUDE;
         if (equalsFolded(word.name, "TAGLIB")) id = ID_JSP_DIRECTIVE_TAGLIB;
-        if (id != ID_JSP_DIRECTIVE) attributesFrom = static_cast<std::uint32_t>(position);
+        if (id != ID_JSP_DIRECTIVE) found.from = static_cast<std::uint32_t>(position);
         if (!GetHTML40ElementName(id)) id = ID_JSP_DIRECTIVE;
       }
     }
   }
   const ServerName& name = serverName(id);
-  Element* element = createElement(*name.name, sliceOf(start, end));
-  element->setElementID(static_cast<HTML40ElementID>(name.id));
-  setAttributesFromText(element, attributesFrom, limit);
-  insertLast(element);
+  found.id = name.id;
+  found.name = name.name;
+  return found;
 }
 
 // A page of server code asks for few names again and again.
@@ -61,20 +66,32 @@ const PageParser::ServerName& PageParser::serverName(int id) {
   return known;
 }
 
-// Names and values in the source from `from` up to `to`, as Element::setAttribute would store them.
-void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std::uint32_t to) {
+void PageParser::insertDirective(const Directive& directive, Slice raw) {
+  Element* element = createElement(*directive.name, raw);
+  element->setElementID(static_cast<HTML40ElementID>(directive.id));
+  collectAttributes(directive);
+  if (!attributes_.empty()) {
+    ElementAccess::installAttributes(element,
+                                     AttributeBlock::create(lexer_.page(), attributes_.data(), attributes_.size()));
+    element->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
+  }
+  insertLast(element);
+}
+
+// Names and values of the directive, as Element::setAttribute would store them.
+void PageParser::collectAttributes(const Directive& directive) {
   const std::string_view text = lexer_.text();
-  const ElementDefinition* definition = element->getElementDefinition();
+  const ElementDefinition* definition = directive.name->definition;
   attributes_.clear();
   attributeNames_.clear();
-  std::size_t position = from;
+  std::size_t position = directive.from;
   ScannedAttribute found;
   auto sliceOfView = [&](std::string_view part) {
     return part.empty()
                ? Slice{}
                : Slice{static_cast<std::uint32_t>(part.data() - text.data()), static_cast<std::uint32_t>(part.size())};
   };
-  while (scanAttribute(text, to, position, found)) {
+  while (scanAttribute(text, directive.to, position, found)) {
     if (found.name.empty()) continue;
     AttributeBlock::Entry entry{nullptr, sliceOfView(found.name), sliceOfView(found.value), 0};
     if (definition && definition->getAttributes()) {
@@ -93,10 +110,6 @@ void PageParser::setAttributesFromText(Element* element, std::uint32_t from, std
       attributes_[number] = entry;
     }
   }
-  if (attributes_.empty()) return;
-  ElementAccess::installAttributes(element,
-                                   AttributeBlock::create(lexer_.page(), attributes_.data(), attributes_.size()));
-  element->setUpdateFlag(Node::UPDATE_ATTRIBUTE_MODIFIED);
 }
 
 // Takes a metadata pair whose begin comment was just taken, up to the end of its end comment. What stands between the
@@ -151,21 +164,30 @@ void PageParser::readComment(bool server) {
 
   if (!server && readMetaData(raw, body)) return;
 
-  const std::string_view text = body.in(lexer_.page());
-  const std::size_t word = server ? std::string_view::npos : text.find_first_not_of('-');
-  constexpr std::string_view kInclude = "#INCLUDE";
-  if (word != std::string_view::npos && equalsFolded(text.substr(word, kInclude.size()), kInclude) &&
-      isWhite(text, word + kInclude.size())) {
-    const char* idName = GetHTML40ElementName(ID_SSI_INCLUDE);
-    Element* element = createElement(names_.find(idName ? idName : "ssi:include"), raw);
-    element->setElementID(ID_SSI_INCLUDE);
-    std::uint32_t limit = body.offset + body.length;
-    while (limit > body.offset && lexer_.text()[limit - 1] == '-') --limit;
-    setAttributesFromText(element, body.offset + static_cast<std::uint32_t>(word + kInclude.size()), limit);
-    insertLast(element);
+  Directive include;
+  if (!server && isInclude(body, include)) {
+    insertDirective(include, raw);
     return;
   }
   insertLast(CommentAccess::create(commentKind_.share(), raw, body, server));
+}
+
+// Whether the comment of that body is a server-side include.
+bool PageParser::isInclude(Slice body, Directive& include) {
+  const std::string_view text = body.in(lexer_.page());
+  const std::size_t word = text.find_first_not_of('-');
+  constexpr std::string_view kInclude = "#INCLUDE";
+  if (word == std::string_view::npos || !equalsFolded(text.substr(word, kInclude.size()), kInclude) ||
+      !isWhite(text, word + kInclude.size())) {
+    return false;
+  }
+  const char* idName = GetHTML40ElementName(ID_SSI_INCLUDE);
+  include.id = ID_SSI_INCLUDE;
+  include.name = &names_.find(idName ? idName : "ssi:include");
+  include.from = body.offset + static_cast<std::uint32_t>(word + kInclude.size());
+  include.to = body.offset + body.length;
+  while (include.to > body.offset && lexer_.text()[include.to - 1] == '-') --include.to;
+  return true;
 }
 
 }  // namespace zeldom40

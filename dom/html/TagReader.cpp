@@ -17,10 +17,9 @@ constexpr std::size_t kManyAttributes = 8;
 
 // --- begin tags ------------------------------------------------------------------------------------------------------
 
-void PageParser::readBeginTag() {
+void PageParser::readTokensOf(BeginTag& tag) {
   enum State { NAME, ATTRIBUTE_NAME, AFTER_NAME, VALUE, ATTRIBUTE_END, BAD, DONE };
 
-  BeginTag tag;
   tag.start = take().start;
   openAttributes(tag);
   State state = NAME;
@@ -131,7 +130,6 @@ void PageParser::readBeginTag() {
     tag.bad = true;
   }
   if (!tag.name) tag.name = &names_.find({});
-  finishBeginTag(tag);
 }
 
 void PageParser::finishBeginTag(const BeginTag& tag) {
@@ -193,6 +191,7 @@ void PageParser::commitAttribute() {
   if (present) {
     present->error |= static_cast<std::uint32_t>(ERR_ATTR_VALUE_DUPLICATED);
     attributeError_ = true;
+    if (repeats_) repeats_->push_back(attribute_.name);
     return;
   }
   // SERVLET takes any attribute: they are its parameters.
@@ -205,6 +204,39 @@ void PageParser::commitAttribute() {
   }
   if (isDynamicMark(attribute_)) mustBeSorted_ = true;
   attributes_.push_back(attribute_);
+}
+
+const std::vector<AttributeBlock::Entry>& PageParser::readAttributes(Slice tag, std::vector<Slice>* repeats) {
+  repeats_ = repeats;
+  attributes_.clear();
+  lexer_.readAgain(tag);
+  if (peek(0) != LexerType::LEX_TAG_OPEN) return attributes_;
+  switch (peek(1)) {
+    case LexerType::LEX_NAME:
+    case LexerType::LEX_BANG: {
+      BeginTag read;
+      readTokensOf(read);
+      break;
+    }
+    case LexerType::LEX_SERVER_TAG: {
+      take();
+      take();
+      take();
+      collectAttributes(serverTagOf(tag));
+      break;
+    }
+    case LexerType::LEX_COMMENT: {
+      take();
+      const LexRecord token = take();
+      take();
+      Directive include;
+      if (isInclude(sliceOf(token.start, endOf(token)), include)) collectAttributes(include);
+      break;
+    }
+    default:
+      break;
+  }
+  return attributes_;
 }
 
 // Whether it may be the mark of an element that the server makes.

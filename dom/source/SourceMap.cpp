@@ -3,14 +3,18 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "dom/document/Document.h"
+#include "dom/dtd/DocumentType.h"
 #include "dom/dtd/ElementDefinition.h"
-#include "dom/html/AttributeScanner.h"
+#include "dom/html/HTMLLexer.h"
+#include "dom/html/PageParser.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/source/ImportMap.h"
 #include "dom/source/SourceWriter.h"
@@ -27,6 +31,8 @@ constexpr int kJapanese = 932;
 constexpr int kUtf8 = 65001;
 // Characters are counted up to a mark at least so many bytes apart, and from there one by one.
 constexpr std::size_t kMarkDistance = 64;
+// Offsets in a page have 32 bits; a longer tag, which only a host can set, is not read.
+constexpr std::size_t kLongestTag = INT32_MAX;
 
 // The bytes that the character at `i` takes; `i` must be inside `text`.
 std::size_t characterLength(std::string_view text, std::size_t i, int codepage) {
@@ -54,57 +60,61 @@ struct AttributePlace {
   Range value;
 };
 
-// The names and values of a begin tag that the parser's own record does not tell: one that was written anew, or whose
-// attributes a host has asked for. Server tags inside values are seen only by the parser.
-void scanTag(std::string_view tag, std::vector<AttributePlace>& places) {
-  std::size_t limit = tag.size();
-  if (limit > 0 && tag[limit - 1] == '>') --limit;
-  const bool directive = tag.substr(0, 2) == "<%" || tag.substr(0, 4) == "<!--";
-  std::size_t i = 1;
-  if (directive) {
-    const bool server = tag[1] == '%';
-    if (server && tag[limit - 1] == '%') --limit;
-    while (!server && tag[limit - 1] == '-') --limit;
-    // The word that names the directive is no attribute, but in one of no known name the first word may be. A name
-    // that stands twice counts where it stands last, so that word may go in with the others.
-    i = server ? 3 : 4;
-    ScannedAttribute found;
-    while (scanAttribute(tag, limit, i, found)) {
-      const auto begin = static_cast<std::size_t>(found.name.data() - tag.data());
-      AttributePlace place{{begin, begin + found.name.size()}, {}};
-      const std::size_t at =
-          found.value.empty() ? place.name.end : static_cast<std::size_t>(found.value.data() - tag.data());
-      place.value = {at, at + found.value.size()};
-      places.push_back(place);
-    }
-    return;
-  }
-  while (i < limit && !isNameDelimiter(tag[i])) ++i;
-  while (true) {
-    while (i < limit && (isSpaceByte(tag[i]) || tag[i] == '/')) ++i;
-    if (i >= limit) return;
-    AttributePlace place;
-    place.name.begin = i++;
-    while (i < limit && !isSpaceByte(tag[i]) && tag[i] != '=') ++i;
-    place.name.end = i;
-    place.value = {i, i};
-    while (i < limit && isSpaceByte(tag[i])) ++i;
-    if (i < limit && tag[i] == '=') {
-      ++i;
-      while (i < limit && isSpaceByte(tag[i])) ++i;
-      if (i < limit && (tag[i] == '"' || tag[i] == '\'')) {
-        const std::size_t end = std::min(tag.find(tag[i], i + 1), limit);
-        place.value = {i + 1, end};
-        i = end + 1;
-      } else {
-        const std::size_t begin = i;
-        while (i < limit && !isSpaceByte(tag[i])) ++i;
-        place.value = {begin, i};
-      }
-    }
-    places.push_back(place);
-  }
+// Whether that text of an element's begin tag is a stretch of the page that the element comes from.
+bool isSourceOfPage(const Element* element, std::string_view tag) {
+  const Slice slice = ElementAccess::beginSlice(element);
+  return slice.length == tag.size() && slice.in(ElementAccess::page(element)).data() == tag.data();
 }
+
+// Reads tags of which no record of their attributes is left, as the parser read them or would read them.
+class TagReadings {
+ public:
+  using Entries = std::vector<AttributeBlock::Entry>;
+
+  explicit TagReadings(Document* document)
+      : document_(document),
+        frame_(document && document->getDocumentTypeObject() ? document->getDocumentTypeObject()->getDTDFrame()
+                                                             : nullptr) {}
+  TagReadings(const TagReadings&) = delete;
+  TagReadings& operator=(const TagReadings&) = delete;
+  ~TagReadings() { close(); }
+
+  // Where in `page()` the begin tag stands, whose text is `tag`: in the page that the element comes from or, written
+  // anew, in one of its own.
+  Slice locate(const Element* element, std::string_view tag) {
+    if (isSourceOfPage(element, tag)) {
+      const PageRef& page = ElementAccess::page(element);
+      if (!lexer_ || lexer_->page().get() != page.get()) open(page);
+      return ElementAccess::beginSlice(element);
+    }
+    PageBuffer* own = PageBuffer::create(tag, nullptr, 0);
+    open(PageRef(own));
+    own->release();
+    return {0, static_cast<std::uint32_t>(tag.size())};
+  }
+  const PageRef& page() const { return lexer_->page(); }
+  // Valid until the next call.
+  const Entries& read(Slice tag, std::vector<Slice>* repeats = nullptr) {
+    return parser_->readAttributes(tag, repeats);
+  }
+
+ private:
+  void open(const PageRef& page) {
+    close();
+    lexer_ = std::make_unique<HTMLLexer>(page, frame_);
+    parser_ = std::make_unique<PageParser>(*lexer_, frame_, nullptr, document_);
+  }
+  void close() {
+    if (parser_) parser_->keepNames();
+    parser_.reset();
+    lexer_.reset();
+  }
+
+  Document* document_;
+  ParserType::_dtd_frame* frame_;
+  std::unique_ptr<HTMLLexer> lexer_;
+  std::unique_ptr<PageParser> parser_;
+};
 
 int compareFolded(std::string_view a, std::string_view b) {
   const std::size_t common = std::min(a.size(), b.size());
@@ -158,6 +168,7 @@ struct SourceMap::Data {
   std::string text;
   std::vector<Entry> entries;  // in document order
   std::unordered_map<const Node*, std::uint32_t> byNode;
+  std::optional<TagReadings> readings;  // while the tree is measured
   std::vector<Piece> pieces;
   std::vector<AttributePlace> attributes;  // those of one tag together, in order of their names
   std::vector<std::size_t> lines;          // where each begins
@@ -167,6 +178,7 @@ struct SourceMap::Data {
 };
 
 void SourceMap::Data::measure(Node* root) {
+  readings.emplace(root->getDocument());
   std::vector<std::uint32_t> open;
   for (Node* n = root; n;) {
     const auto entry = static_cast<std::uint32_t>(entries.size());
@@ -186,6 +198,7 @@ void SourceMap::Data::measure(Node* root) {
     }
     n = n == root ? nullptr : n->getNextSibling();
   }
+  readings.reset();
   byNode.reserve(entries.size());
   for (std::uint32_t i = 0; i < entries.size(); ++i) byNode.emplace(entries[i].node, i);
 }
@@ -221,36 +234,27 @@ void SourceMap::Data::write(std::string_view piece, std::uint32_t entry) {
   text += piece;
 }
 
-// The parser knows the places exactly, for as long as nobody asks for the attributes as objects.
 void SourceMap::Data::placeAttributes(Element* element, std::string_view tag, std::size_t begin) {
-  if (tag.empty() || element->getNumAttributes() == 0) return;
+  if (tag.empty() || tag.size() > kLongestTag || element->getNumAttributes() == 0) return;
   const std::size_t first = attributes.size();
+  const auto place = [&](const AttributeBlock::Entry& entry, Slice in) {
+    AttributePlace found;
+    found.name.begin = begin + (entry.name.offset - in.offset);
+    found.name.end = found.name.begin + entry.name.length;
+    found.value = {found.name.end, found.name.end};
+    if (entry.value.length > 0) {
+      found.value.begin = begin + (entry.value.offset - in.offset);
+      found.value.end = found.value.begin + entry.value.length;
+    }
+    attributes.push_back(found);
+  };
+  // The parser's record goes when a host asks for the attributes as objects.
   const AttributeBlock* block = ElementAccess::block(element);
-  const Slice slice = ElementAccess::beginSlice(element);
-  if (block && slice.length == tag.size() && slice.in(ElementAccess::page(element)).data() == tag.data()) {
-    for (const AttributeBlock::Entry& entry : *block) {
-      AttributePlace place;
-      place.name.begin = begin + (entry.name.offset - slice.offset);
-      place.name.end = place.name.begin + entry.name.length;
-      place.value = {place.name.end, place.name.end};
-      if (entry.value.length > 0) {
-        place.value.begin = begin + (entry.value.offset - slice.offset);
-        place.value.end = place.value.begin + entry.value.length;
-      }
-      attributes.push_back(place);
-    }
+  if (block && isSourceOfPage(element, tag)) {
+    for (const AttributeBlock::Entry& entry : *block) place(entry, ElementAccess::beginSlice(element));
   } else {
-    scanTag(tag, attributes);
-    for (std::size_t i = first; i < attributes.size(); ++i) {
-      for (std::size_t* offset :
-           {&attributes[i].name.begin, &attributes[i].name.end, &attributes[i].value.begin, &attributes[i].value.end}) {
-        *offset += begin;
-      }
-    }
-    // Of a name that is repeated the first counts, in a directive the last.
-    if (tag.size() > 1 && (tag[1] == '%' || tag[1] == '!')) {
-      std::reverse(attributes.begin() + static_cast<std::ptrdiff_t>(first), attributes.end());
-    }
+    const Slice tagSlice = readings->locate(element, tag);
+    for (const AttributeBlock::Entry& entry : readings->read(tagSlice)) place(entry, tagSlice);
   }
   std::stable_sort(
       attributes.begin() + static_cast<std::ptrdiff_t>(first), attributes.end(),
@@ -364,6 +368,27 @@ Range SourceMap::getAttributeValue(const Element* element, unsigned long index) 
   if (!data_->find(element) || index >= element->getNumAttributes()) return {};
   const AttributePlace* place = data_->find(element, element->getAttributes()->item(index)->getName());
   return place ? place->value : Range{};
+}
+
+std::vector<SourceMap::Repeat> SourceMap::getRepeatedAttributes(const Element* element) const {
+  std::vector<Repeat> found;
+  // A tag that is to be written anew states nothing twice.
+  if (!element || ElementAccess::isBeginTagDirty(element)) return found;
+  const std::string_view tag = ElementAccess::rawBeginTag(const_cast<Element*>(element));
+  if (tag.empty() || tag.size() > kLongestTag) return found;
+  TagReadings readings(element->getDocument());
+  const Slice slice = readings.locate(element, tag);
+  std::vector<Slice> repeats;
+  readings.read(slice, &repeats);
+  const std::size_t begin = getBeginTag(element).begin;
+  for (const Slice name : repeats) {
+    Repeat& repeat = found.emplace_back();
+    repeat.name = name.in(readings.page());
+    if (begin == NOWHERE) continue;
+    repeat.range.begin = begin + (name.offset - slice.offset);
+    repeat.range.end = repeat.range.begin + name.length;
+  }
+  return found;
 }
 
 Node* SourceMap::getNode(std::size_t offset) const {

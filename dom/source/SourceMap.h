@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "dom/export.h"
 #include "dom/source/CodeConv.h"
@@ -37,6 +39,11 @@ class ZELDOM40_API SourceMap {
     bool isEmpty() const { return begin == end; }
     std::size_t length() const { return end - begin; }
   };
+  // An attribute that a begin tag states again. It does not count and is part of the source text alone.
+  struct Repeat {
+    std::string name;  // as written
+    Range range;       // of that name
+  };
   // 0, 0 where there is no answer.
   struct Position {
     std::size_t line = 0;
@@ -70,6 +77,10 @@ class ZELDOM40_API SourceMap {
   Range getAttributeName(const Element* element, const char* name) const;
   Range getAttributeValue(const Element* element, unsigned long index) const;
   Range getAttributeValue(const Element* element, const char* name) const;
+
+  // What the element's begin tag states again, in its order, also of an element below a metadata pair, where nothing
+  // has a place. Directives repeat nothing: in them the last of a name counts. Reads the tag.
+  std::vector<Repeat> getRepeatedAttributes(const Element* element) const;
 
   // The innermost node that has the byte at `offset`. Null from the end of the text on. Borrowed from the tree.
   Node* getNode(std::size_t offset) const;

@@ -62,6 +62,12 @@ class PageBuffer {
     }
     return {entities_, count};
   }
+  // From byte `offset` on CDATA sections are read, or no longer.
+  void switchSections(std::uint32_t offset) { sectionSwitches_.push_back(offset); }
+  bool readsSectionsAt(std::uint32_t offset) const {
+    const auto behind = std::upper_bound(sectionSwitches_.begin(), sectionSwitches_.end(), offset);
+    return (behind - sectionSwitches_.begin()) % 2 != 0;
+  }
 
  private:
   PageBuffer(std::string_view text, const EntityTable* entities, std::size_t count) : text_(text), entities_(entities) {
@@ -79,6 +85,7 @@ class PageBuffer {
   std::string text_;
   const EntityTable* entities_;
   std::vector<std::pair<std::uint32_t, std::size_t>> counts_;  // by offset; one but for a page with a subset
+  std::vector<std::uint32_t> sectionSwitches_;                 // by offset; none but for a page with script elements
   std::size_t count_ = 1;
   std::vector<std::unique_ptr<char[]>> stretches_;
   char* fresh_ = nullptr;

@@ -57,6 +57,20 @@ std::size_t firstContent(std::string_view raw) {
   return i;
 }
 
+// Whether the last that shows of a page's text is an entity that stands for white space or ends in it. Only a page may
+// declare such; those of the built-in DTD are all characters.
+bool endsInWhiteEntity(std::string_view raw, const PageBuffer& page, std::uint32_t offset) {
+  std::size_t end = raw.size();
+  while (end > 0 && isSpaceByte(raw[end - 1])) --end;
+  if (end > 0 && raw[end - 1] == ';') --end;
+  std::size_t name = end;
+  while (name > 0 && raw[name - 1] != ';' && !isNameDelimiter(raw[name - 1])) --name;
+  if (name == end || name == 0 || raw[name - 1] != '&') return false;
+  EntityText entity;
+  if (!page.entitiesAt(offset).find(raw.substr(name, end - name), entity)) return false;
+  return !entity.text.empty() && isBlankByte(entity.text.back());
+}
+
 std::size_t clampOffset(int value) { return value < 0 ? 0 : static_cast<std::size_t>(value); }
 
 }  // namespace
@@ -193,12 +207,15 @@ Text* TextAccess::splitTrailingSpace(Text* text) {
 bool TextAccess::trimRight(Text* text) {
   if (text->derived_ && text->assembled_ && !(text->leaf().strings && text->leaf().strings->hasData)) {
     const std::string_view raw = text->leaf().raw.in(text->page());
-    if (raw.empty() || text->trimmed_ || !isSpaceByte(raw.back()) || hasEmptyData(text)) return false;
-    // Vertical tabs and form feeds count as white space only where runs become blanks.
-    if (!text->preformatted_) {
-      text->noteChange();
-      text->trimmed_ = true;
-      return true;
+    if (raw.empty() || text->trimmed_ || hasEmptyData(text)) return false;
+    if (!endsInWhiteEntity(raw, *text->page().get(), text->leaf().raw.offset)) {
+      if (!isSpaceByte(raw.back())) return false;
+      // Vertical tabs and form feeds count as white space only where runs become blanks.
+      if (!text->preformatted_) {
+        text->noteChange();
+        text->trimmed_ = true;
+        return true;
+      }
     }
   }
   std::string data = text->getData();

@@ -33,6 +33,8 @@ TEST_F(NormalizeTest, SourceAfterReading) {
        "<HTML><BODY><TABLE><TBODY align=\"left\"><TR><TD>a<TR><TD>b</TBODY></TABLE></BODY></HTML>"},
       {"white space stays where it stands", "<HTML><BODY><UL><LI>a  b \r\n<LI>c</UL><P>d \r\n<P>e</BODY></HTML>",
        "<HTML><BODY><UL><LI>a  b \r\n<LI>c</UL><P>d \r\n<P>e</BODY></HTML>"},
+      {"nor does an entity change that is out of the layout", "<!DOCTYPE A SYSTEM b [<!ENTITY sp ' '>]><P>a&sp;<P>&sp;",
+       "<!DOCTYPE A SYSTEM b [<!ENTITY sp ' '>]><HTML><BODY><P>a&sp;<P>&sp;</BODY></HTML>"},
       {"a page with severe errors is left alone", "x</I>", "x</I>"},
   };
   for (const auto& c : cases) {
@@ -53,6 +55,9 @@ TEST_F(NormalizeTest, TreeAndPlainTextAfterReading) {
       {"so is that before a block", "<DIV>a <P>b</P></DIV>", "BODY(DIV(\"a\" P(\"b\")))"},
       {"not that before inline content", "<P>a <B>b</B> c</P>", "BODY(P(\"a \" B(\"b\") \" c\"))"},
       {"a reference is no white space", "<P>a&#32;</P><P>b&dagger;</P>", "BODY(P(\"a\\x1B \") P(\"b\\x1C\\x1C  \"))"},
+      {"but an entity may be",
+       "<!DOCTYPE A SYSTEM b [<!ENTITY sp ' '><!ENTITY xs 'x '>]><P>a&sp;<P>b&sp \n<P>&sp; <P>&sp;&nosuch;<P>&xs",
+       "BODY(P(\"a\") P(\"b\") P(\"\") P(\" \\x1B&nosuch;\") P(\"x\"))"},
       {"line ends at the rim of PRE go", "<PRE>\r\na\r\nb\r\n</PRE>", "BODY(PRE(\"a\\r\\nb\"))"},
       {"only right below it", "<PRE><B>\r\na</B>\r\n</PRE>", "BODY(PRE(B(\"\\r\\na\") \"\"))"},
       {"BR begins a line", "<PRE>ab<BR>\td</PRE>", "BODY(PRE(\"ab\" BR \"        d\"))"},

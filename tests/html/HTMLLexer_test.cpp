@@ -46,7 +46,7 @@ class HTMLLexerTest : public PageTest {
   }
   std::string tokens(std::string_view text, bool sections = false) {
     HTMLLexer made = lexer(text);
-    made.setCDATAEnabled(sections);
+    made.setCDATAEnabled(sections, 0);
     return show(made);
   }
 };

@@ -3,10 +3,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "fuzz/RandomPage.h"
 #include "tests/host/TestPage.h"
 
 namespace zeldom40 {
@@ -41,6 +44,13 @@ TEST_F(SourceMapTest, TagsAndAttributesAreWhereTheyStand) {
       {"<!--#include file=\"a\" FILE=\"b\"-->", "SSI:INCLUDE", "<!--#include file=\"a\" FILE=\"b\"-->", "", "FILE",
        "FILE", "b"},
       {"<%@ a=b%%>", "JSP:DIRECTIVE", "<%@ a=b%%>", "", "a", "a", "b%"},
+      {"<%@ page page=b %>", "JSP:DIRECTIVE.PAGE", "<%@ page page=b %>", "", "page", "page", "b"},
+      {"<%@ page info=b %>", "JSP:DIRECTIVE.PAGE", "<%@ page info=b %>", "", "page", "nowhere", "nowhere"},
+      // Code and comments hide the ends of values.
+      {"<A HREF=\"<%= f(\"x\") %>\">", "A", "<A HREF=\"<%= f(\"x\") %>\">", "", "HREF", "HREF", "<%= f(\"x\") %>"},
+      {"<A TITLE=\"<!-- \" -->\" =z>", "A", "<A TITLE=\"<!-- \" -->\" =z>", "", "TITLE", "TITLE", "<!-- \" -->"},
+      {"<A TITLE=\"<!-- \" -->\" =z>", "A", "<A TITLE=\"<!-- \" -->\" =z>", "", "=z", "=z", ""},
+      {"<A ID=<%=y%>", "A", "<A ID=<%=y%>", "", "ID", "ID", "<%=y%>"},
   };
   for (const bool askedBefore : {false, true}) {
     for (const Case& each : cases) {
@@ -66,6 +76,73 @@ TEST_F(SourceMapTest, AnEditedTagIsMeasuredAsItIsWritten) {
   EXPECT_EQ(cut(map.getBeginTag(element("P"))) + cut(map.getEndTag(element("P"))),
             source(element("P"), Document::SOURCE_TAGS));
   EXPECT_EQ(cut(map.getAttributeValue(element("P"), "ALIGN")), "a \"b\"");
+  // Server code is written as it stands, whatever is in it.
+  load("<A HREF=<%=\">\"%>");
+  element("A")->setAttribute("ID", "a", /*notify=*/true);
+  EXPECT_EQ(cut(SourceMap(doc_).getAttributeValue(element("A"), "HREF")), "<%=\">\"%>");
+}
+
+// However odd a page is: its attributes stand where they stood before somebody asked for them.
+TEST_F(SourceMapTest, PlacesStayWhenAttributesAreAskedFor) {
+  const std::string_view hiding[] = {"<%= \"a\" %>",      "<!-- \"> -->", "<%-- ' --%>", "<?\"?>",
+                                     "<![CDATA[ \"> ]]>", "<%",           "<!--"};
+  const auto places = [this](const SourceMap& map) {
+    std::vector<std::size_t> all;
+    for (Node* n = doc_->getDocumentElement(); n; n = doc_->findNextNode(n, nullptr, false, false)) {
+      if (n->getNodeType() != Node::NODE_ELEMENT) continue;
+      const auto* asked = static_cast<Element*>(n);
+      for (unsigned long i = 0; i < asked->getNumAttributes(); ++i) {
+        for (const Range range : {map.getAttributeName(asked, i), map.getAttributeValue(asked, i)}) {
+          all.insert(all.end(), {range.begin, range.end});
+        }
+      }
+    }
+    return all;
+  };
+  fuzz::RandomPage random(/*seed=*/7, *dom_->getDocumentType());
+  std::size_t compared = 0;
+  for (int i = 0; i < 3000; ++i) {
+    std::string page = random.next();
+    for (std::size_t n = random.below(4); n > 0; --n) {
+      page.insert(random.below(page.size() + 1), hiding[random.below(std::size(hiding))]);
+    }
+    if (fuzz::RandomPage::mayDeclare(page)) continue;
+    load(page);
+    const SourceMap untouched(doc_);
+    const std::vector<std::size_t> before = places(untouched);  // asks for all attributes
+    const std::vector<std::size_t> after = places(SourceMap(doc_));
+    ASSERT_EQ(before, after) << page;
+    compared += after.size();
+  }
+  EXPECT_GT(compared, 10000u);
+}
+
+TEST_F(SourceMapTest, WhatATagStatesAgainIsFound) {
+  const std::pair<const char*, std::vector<std::string>> cases[] = {
+      {"<P ALIGN=a align=b zz ZZ ID Align='>'>", {"align", "Align"}},
+      {"<P yy yy =yy>", {"yy"}},
+      {"<SERVLET a=\"<!-- \" a -->\" a>", {"a"}},
+      {"<%@ a=b a=c %>", {}},
+  };
+  for (const auto& [page, names] : cases) {
+    load(page);
+    Node* node = doc_->getDocumentElement();
+    while (node &&
+           !(node->getNodeType() == Node::NODE_ELEMENT && static_cast<Element*>(node)->getNumAttributes() > 0)) {
+      node = doc_->findNextNode(node, nullptr, false, false);
+    }
+    ASSERT_NE(node, nullptr) << page;
+    const SourceMap map(doc_);
+    std::vector<std::string> found;
+    for (const SourceMap::Repeat& repeat : map.getRepeatedAttributes(static_cast<Element*>(node))) {
+      EXPECT_EQ(cut(repeat.range), repeat.name);
+      found.push_back(repeat.name);
+    }
+    EXPECT_EQ(found, names) << page;
+  }
+  load("<P ID=a ID=b>");
+  element("P")->setAttribute("ALIGN", "left", /*notify=*/true);
+  EXPECT_TRUE(SourceMap(doc_).getRepeatedAttributes(element("P")).empty());
 }
 
 TEST_F(SourceMapTest, ImpliedAndForeignNodesHaveEmptyRangesOrNone) {

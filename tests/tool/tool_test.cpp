@@ -94,6 +94,25 @@ TEST_F(Tool, JsonKeepsEveryByteOfAPageThatIsNotUtf8) {
   EXPECT_NE(result.out.find("\"source\":\"a\\u0000b\\u001b[2J&amp;\\u001c\\u001d\xC3\xBF\""), std::string::npos);
 }
 
+TEST_F(Tool, CheckReportsEveryWrongAttributeAtItsPlace) {
+  const std::string pair =
+      "<P>l1\r\nl2\r\n<!--METADATA type=\"DynamicData\" startspan\r\n<ZELX:LOOP zz=1><P ID=a ID=b yy></ZELX:LOOP>\r\n"
+      "-->run<!--METADATA type=\"DynamicData\" endspan-->";
+  const struct {
+    std::string page;
+    const char* places;
+  } cases[] = {
+      {"<P ALIGN=a ALIGN=b zz>", "-:1:20 INVALID_NAME\n-:1:12 VALUE_DUPLICATED\n"},
+      {"<P yy yy>", "-:1:4 INVALID_NAME\n-:1:7 VALUE_DUPLICATED\n"},
+      // Of an unknown element and of a SERVLET any attribute is fine, once.
+      {"<Q1 yy yy><SERVLET NAME=n a=1 a=2>", "-:1:8 VALUE_DUPLICATED\n-:1:31 VALUE_DUPLICATED\n"},
+      {pair, "-:3:1 INVALID_NAME\n-:3:1 INVALID_NAME\n-:3:1 VALUE_DUPLICATED\n"},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(run("check - | sed -n 's/: .*ERR_ATTR_\\(.*\\)]/ \\1/p'", each.page).out, each.places) << each.page;
+  }
+}
+
 TEST_F(Tool, DeepPagesNeedNoStack) {
   std::string page;
   for (int i = 0; i < 100000; ++i) page += "<B>";

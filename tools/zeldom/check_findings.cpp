@@ -67,23 +67,25 @@ class Collector {
                          map_.getPosition(range.begin), map_.getPosition(range.end)});
   }
 
-  // The element's flag says only that there is something; what, its attributes know. An attribute that stands twice
-  // leaves no trace that a host could ask for: it is what remains if all names are known.
-  void addAttributes(const Element* element, const Rule& whole) {
-    bool found = false;
-    const bool takesAny = element->getElementID() == ID_SERVLET;
+  // The element's flag says only that there is something; what, its attributes and its tag know.
+  void addAttributes(Element* element, const Rule& whole) {
+    const std::size_t before = findings_.size();
+    const auto orElement = [&](SourceMap::Range range) { return range.isKnown() ? range : place(whole.bit, element); };
+    // Of an unknown element nobody knows what it has.
+    const bool takesAny = !element->getElementDefinition() || element->getElementID() == ID_SERVLET;
     const AttributeList* list = element->getAttributes();
     for (unsigned long i = 0; list && !takesAny && i < list->getLength(); ++i) {
       const Attribute* attribute = list->item(i);
       if (attribute->getAttributeDefinition()) continue;
-      found = true;
       add(*ruleOf(ERR_ATTR_INVALID_NAME), name(element) + " has no attribute " + shown(attribute->getName()),
-          map_.getAttributeName(element, i));
+          orElement(map_.getAttributeName(element, i)));
     }
-    if (found) return;
-    const Rule* twice = ruleOf(ERR_ATTR_VALUE_DUPLICATED);
-    add(twice ? *twice : whole, name(element) + " has an attribute twice; the first one counts",
-        map_.getBeginTag(element));
+    for (const SourceMap::Repeat& repeat : map_.getRepeatedAttributes(element)) {
+      add(*ruleOf(ERR_ATTR_VALUE_DUPLICATED),
+          name(element) + " has the attribute " + shown(repeat.name) + " twice; the first one counts",
+          orElement(repeat.range));
+    }
+    if (findings_.size() == before) add(whole, whole.summary, place(whole.bit, element));
   }
 
   static const Rule* ruleOf(unsigned long bit) {
