@@ -130,7 +130,7 @@ Node* ErrorCorrector::follow(Node* next) {
       if (landmark) landmarks_.erase(landmarks_.find(landmark));
     }
     if (detours_.empty()) return nullptr;
-    next = done.resume ? done.resume : NodeAccess::nextSkippingChildren(done.resumeBehind, root_);
+    next = done.resumeBehind ? NodeAccess::nextSkippingChildren(done.resumeBehind, root_) : done.resume;
   }
   return next;
 }
@@ -142,28 +142,37 @@ void ErrorCorrector::pushDetour(const Detour& detour) {
   }
 }
 
-// Before `node` is moved away: remembers what stands behind it.
+// Before the node is moved away for the first time: remembers what stands behind it in its parent. If nothing does,
+// what follows is looked for level by level as the node climbs: to look for it at once would climb to the root for each
+// node of a deep nest, and to look for it later would find the node itself behind its former parent.
 void ErrorCorrector::noteResume(Node* node) {
   if (left_) return;
   left_ = true;
-  Node* later = NodeAccess::childAfter(node);
-  pending_ = {nullptr, later, later ? nullptr : node->getParentNode()};
+  seenBehind_ = nullptr;
+  pending_ = {nullptr, NodeAccess::childAfter(node), nullptr};
 }
+
+// Nothing yet is known to follow the place that the node left.
+bool ErrorCorrector::isResumeOpen() const { return left_ && !pending_.resume && !pending_.resumeBehind; }
 
 void ErrorCorrector::keepLandmarks(Node* dying) {
   bool met = false;
+  bool strippedDie = false;
   for (const Node* n = dying; n; n = NodeAccess::nextInSubtree(n, dying)) {
     met = met || landmarks_.count(n) || (left_ && (n == pending_.resume || n == pending_.resumeBehind));
+    strippedDie = strippedDie || n == stripped_.first;
     if (n == rowSearchedFrom_ || n == rowFound_) rowSearchedFrom_ = nullptr;
   }
+  // They stand side by side, so they die with what holds them.
+  if (strippedDie) stripped_ = {};
   if (!met) return;
-  Node* sibling = NodeAccess::childAfter(dying);
+  Node* behind = NodeAccess::nextSkippingChildren(dying, root_);
   const auto mend = [&](Detour& detour) {
     const auto dies = [dying](Node* node) { return node && node->isOffspringOf(dying); };
-    if (dies(detour.end)) detour.end = NodeAccess::nextSkippingChildren(dying, root_);
+    if (dies(detour.end)) detour.end = behind;
     if (!dies(detour.resume) && !dies(detour.resumeBehind)) return;
-    detour.resume = sibling;
-    detour.resumeBehind = sibling ? nullptr : dying->getParentNode();
+    detour.resume = behind;
+    detour.resumeBehind = nullptr;
   };
   if (left_) mend(pending_);
   std::vector<Detour> detours;
@@ -175,16 +184,31 @@ void ErrorCorrector::keepLandmarks(Node* dying) {
   }
 }
 
+// After the node was moved: the walk goes through it, then through what it left behind in a table, then on from where
+// it stood.
+void ErrorCorrector::leadWalk(Node* node) {
+  if (isResumeOpen()) {
+    // Nothing was left to walk at the last level that it climbed to, but for what the walk has seen.
+    if (seenBehind_) pushDetour({seenBehind_, nullptr, seenBehind_});
+  } else {
+    if (stripped_.first) {
+      pending_.end = NodeAccess::nextSkippingChildren(stripped_.last, root_);
+      pushDetour(pending_);
+      pending_ = {nullptr, stripped_.first, nullptr};
+    }
+    pending_.end = NodeAccess::nextSkippingChildren(node, root_);
+    if (pending_.resumeBehind || pending_.end != pending_.resume) pushDetour(pending_);
+  }
+  left_ = false;
+  stripped_ = {};
+}
+
 // Relocates the node and keeps the walk on its way. Returns whether the node stands right now.
 bool ErrorCorrector::place(Node* node) {
   left_ = false;
   rowSearchedFrom_ = nullptr;
   const bool placed = relocate(node) != nullptr;
-  if (left_) {
-    pending_.end = NodeAccess::nextSkippingChildren(node, root_);
-    if (!pending_.resume || pending_.end != pending_.resume) pushDetour(pending_);
-    left_ = false;
-  }
+  if (left_) leadWalk(node);
   // What the node was made again as has its tags, and their faults.
   std::vector<Element*> copies;
   copies.swap(copies_);
@@ -318,6 +342,10 @@ Node* ErrorCorrector::relocate(Node* node) {
         rightFilled = !document_.isEmptyNode(right, false);
         if (!rightFilled) drop(right);
       }
+      if (isResumeOpen()) {
+        seenBehind_ = rightFilled ? right : nullptr;
+        pending_.resume = NodeAccess::childAfter(seenBehind_ ? seenBehind_ : node);
+      }
       q = g;
     }
   }
@@ -397,16 +425,26 @@ Node* ErrorCorrector::tableToLeave(Node* from) {
 Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
   Node* table = tableToLeave(from);
   if (!table) return nullptr;
-  strip(node, from);
-  noteResume(node);
+  const bool open = isResumeOpen();
+  const Run stripped = strip(node, from);
+  if (open && stripped.first && !seenBehind_) {
+    pending_.resume = stripped.first;
+  } else {
+    // If the node had left its place before it came here, the walk is to go on there, behind what stays here now.
+    if (open) pending_.resumeBehind = seenBehind_ ? seenBehind_ : from;
+    if (left_ && stripped.first) stripped_ = stripped;
+    noteResume(node);
+    if (isResumeOpen()) pending_.resumeBehind = from;
+  }
   take(node);
   insertBefore(table->getParentNode(), node, table);
   return table->getParentNode();
 }
 
-// Table parts that the node has swallowed stay behind in the table while it goes, in their order.
-void ErrorCorrector::strip(Node* node, Node* parent) {
-  if (!asElement(node)) return;
+// Table parts that the node has swallowed stay behind in the table while it goes, in their order. Returns them.
+ErrorCorrector::Run ErrorCorrector::strip(Node* node, Node* parent) {
+  Run stripped{};
+  if (!asElement(node)) return stripped;
   Node* ref = node;
   for (Node* n = node->getFirstChild(); n && spend(1);) {
     const bool leaves = isUnknown(n) || isPassed(n, true) || (groupOf(n) & GROUP_TABLE_PART);
@@ -418,8 +456,11 @@ void ErrorCorrector::strip(Node* node, Node* parent) {
     take(n);
     insertBehind(parent, n, ref);
     ref = n;
+    if (!stripped.first) stripped.first = n;
+    stripped.last = n;
     n = next;
   }
+  return stripped;
 }
 
 // --- spread ----------------------------------------------------------------------------------------------------------

@@ -39,17 +39,24 @@ class ErrorCorrector {
     std::vector<const ElementDefinition*> required;  // innermost first
   };
 
-  // A stretch of the walk that was moved elsewhere: when the walk meets `end` it goes back to `resume`, or, without
-  // one, to what follows `resumeBehind`.
+  // A stretch of the walk that was moved elsewhere: when the walk meets `end` it goes back to `resume`, or to what then
+  // follows `resumeBehind`. Null is the end of the page.
   struct Detour {
     Node* end;
     Node* resume;
     Node* resumeBehind;
   };
+  // Siblings side by side.
+  struct Run {
+    Node* first;
+    Node* last;
+  };
 
   bool spend(long steps);
   Node* follow(Node* next);
   void noteResume(Node* node);
+  bool isResumeOpen() const;
+  void leadWalk(Node* node);
   void pushDetour(const Detour& detour);
   void keepLandmarks(Node* dying);
   bool place(Node* node);
@@ -61,7 +68,7 @@ class ErrorCorrector {
   Node* legalPlaceAbove(Node* q, Node* node, bool crossing);
   Node* tableToLeave(Node* from);
   Node* leaveTable(Node* node, Node* from);
-  void strip(Node* node, Node* parent);
+  Run strip(Node* node, Node* parent);
   bool spread(Element* parent, Element* node);
   std::pair<Element*, Element*> splitAround(Node* node, Element* q, Node* earlier, Node* later);
   Plan plan(Node* parent, Node* node, Node* lastTried);
@@ -89,6 +96,10 @@ class ErrorCorrector {
   // The relocation under way: where the walk goes on behind the node, if it left its place in document order.
   Detour pending_{};
   bool left_ = false;
+  // Known to stand behind the node while nothing is known to follow: what is left of elements that held it.
+  Node* seenBehind_ = nullptr;
+  // What it left behind in a table, before the place where the walk goes on.
+  Run stripped_{};
   std::vector<Element*> copies_;
   // The row nearest before this sibling, as the last search for one found out.
   const Node* rowSearchedFrom_ = nullptr;
