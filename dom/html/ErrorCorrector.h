@@ -39,6 +39,16 @@ class ErrorCorrector {
     std::vector<const ElementDefinition*> required;  // innermost first
   };
 
+  // A step up: the level reached, and the table that was left for it, if one was.
+  struct Climb {
+    Node* level;
+    Node* table;
+  };
+  // What stands before a node at a level, as far as it tells how climbing goes on from there: whether the left part of
+  // the level holds something (LEFT_FILLED is added then); whether an element that might take in the node was asked,
+  // and can contain what the node requires.
+  enum Standing { UNTRIED, TRIED, TRIED_HELPS, LEFT_FILLED, CROSSING = 2 * LEFT_FILLED, kStandings };
+
   // A stretch of the walk that was moved elsewhere: when the walk meets `end` it goes back to `resume`, or to what then
   // follows `resumeBehind`. Null is the end of the page.
   struct Detour {
@@ -66,11 +76,18 @@ class ErrorCorrector {
   Node* relocate(Node* node);
   bool crossesTable(Node* from, Node* node);
   Node* legalPlaceAbove(Node* q, Node* node, bool crossing);
+  Climb levelAbove(Node* from, Node* node, bool& crossing);
+  Node* placeBesideAbove(Node* q, Node* node, bool crossing);
+  bool holdsBefore(const Node* level, const Node* child);
+  void unbar();
   Node* tableToLeave(Node* from);
   Node* leaveTable(Node* node, Node* from);
   Run strip(Node* node, Node* parent);
   bool spread(Element* parent, Element* node);
   std::pair<Element*, Element*> splitAround(Node* node, Element* q, Node* earlier, Node* later);
+  Node* takerOf(Node* s, Node* node, Node** lastTried);
+  bool takesRequired(Node* tried, Node* node);
+  const ElementDefinition* definitionOf(int id) const;
   Plan plan(Node* parent, Node* node, Node* lastTried);
   Element* create(const ElementDefinition* definition);
   void take(Node* node);
@@ -86,10 +103,12 @@ class ErrorCorrector {
   Containment containment_;
   long budget_ = 0;
   long count_ = 0;
-  // A search above this node for a place for such a node failed, and nothing has moved since.
-  const Node* barredAt_ = nullptr;
+  // Searches above these nodes for a place for such a node failed, and nothing has moved since: for one that will do by
+  // itself, and, for each standing, for one that will do by what stands before.
   const void* barredKind_ = nullptr;
+  const Node* barredAt_ = nullptr;
   bool barredCrossing_ = false;
+  const Node* barredBeside_[kStandings] = {};
   // The walk. The nodes of detours are landmarks: they are exchanged for others before they die.
   std::vector<Detour> detours_;
   std::unordered_multiset<const Node*> landmarks_;

@@ -65,6 +65,33 @@ TEST_F(CorrectTest, EachRuleOfRepair) {
   for (const auto& c : cases) EXPECT_EQ(repaired(c.page), c.repaired) << c.rule << ": " << c.page;
 }
 
+// What stands before a node changes on its way up: the part that a split leaves before it, or, where that is empty,
+// what stands before the whole.
+TEST_F(CorrectTest, WhatStandsBeforeANodeMayMakeItsPlace) {
+  const struct {
+    const char* rule;
+    const char* page;
+    int repairs;
+    const char* root;
+  } cases[] = {
+      {"a made element takes in what is required", "<CAPTION><BODY>y<META>", 4,
+       "ZELROOT(HTML(BODY(\"y\" TABLE(CAPTION)) HEAD(META)))"},
+      {"a part with nothing but an empty element stands there", "<CAPTION><BODY><B></B><META>", 4,
+       "ZELROOT(HTML(BODY(TABLE(CAPTION)) HEAD(META)))"},
+      {"the first climbs with nothing before it", "<CAPTION><BODY><META>y<META>", 4,
+       "ZELROOT(HTML(BODY(META!8 \"y\" TABLE(CAPTION)) HEAD(META)))"},
+      {"what a split put behind it counts as made no more", "<OPTGROUP><BODY>j<META>k<META>", 4,
+       "ZELROOT(HTML(BODY(\"jk\" META!8 SELECT(OPTGROUP)) HEAD(META)))"},
+      {"inside an item", "<LI><DL><FRAMESET>l<TITLE>", 7,
+       "ZELROOT(HTML(FRAMESET(NOFRAMES(BODY(\"l\"))) HEAD(TITLE) BODY(UL(LI))))"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    EXPECT_EQ(doc_->correctError(nullptr), c.repairs) << c.rule;
+    EXPECT_EQ(dumpTree(doc_->getDocumentElement(), kDumpErrors), c.root) << c.rule;
+  }
+}
+
 // A copy of a misplaced element has the faults of its tags, and is repaired like it.
 TEST_F(CorrectTest, RepairedTagsAreWrittenAnew) {
   load("<UL><I>x<B>y</B></I><LI>z</UL>");
