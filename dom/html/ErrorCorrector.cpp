@@ -44,6 +44,11 @@ Node* rootOf(Node* node) {
 // What is no table structure does not climb through a table but stands before it.
 bool leavesTable(Node* node, Node* q) { return (groupOf(q) & GROUP_TABLE) && !(groupOf(node) & GROUP_TABLE); }
 
+// Items, and what an earlier repair has made, take in what comes behind them.
+bool isTaker(Node* node) {
+  return asElement(node) && ((groupOf(node) & GROUP_ITEM) || (node->getUpdateFlag() & Node::UPDATE_ADAPTED));
+}
+
 bool isUnknown(Node* node) {
   return asElement(node) && asElement(node)->getElementType() == Element::ELEMENT_UNDEFINED;
 }
@@ -71,7 +76,7 @@ void ErrorCorrector::take(Node* node) {
 void ErrorCorrector::drop(Node* node) {
   containment_.forget(node);
   keepLandmarks(node);
-  barredAt_ = nullptr;
+  unbar();
   document_.deleteNodes(node);
 }
 
@@ -101,6 +106,7 @@ Element* ErrorCorrector::emptyCopy(const Element* element) {
 // In document order through the subtree and what this pass moves out of it. A node that leaves a table comes to stand
 // before it; the walk goes through the node and then on from where it stood. Walking on behind its new place, as the
 // order has it, would meet nothing but rows that are repaired already, and all of them again for each such node.
+// CHOICE: so what found no place inside the table is not tried again, though the node may have brought one along.
 int ErrorCorrector::correct() {
   pushDetour({NodeAccess::nextSkippingChildren(top_, root_), nullptr, nullptr});
   for (Node* n = top_; n;) {
@@ -130,7 +136,7 @@ Node* ErrorCorrector::follow(Node* next) {
       if (landmark) landmarks_.erase(landmarks_.find(landmark));
     }
     if (detours_.empty()) return nullptr;
-    next = done.resume ? done.resume : NodeAccess::nextSkippingChildren(done.resumeBehind, root_);
+    next = done.resumeBehind ? NodeAccess::nextSkippingChildren(done.resumeBehind, root_) : done.resume;
   }
   return next;
 }
@@ -142,28 +148,37 @@ void ErrorCorrector::pushDetour(const Detour& detour) {
   }
 }
 
-// Before `node` is moved away: remembers what stands behind it.
+// Before the node is moved away for the first time: remembers what stands behind it in its parent. If nothing does,
+// what follows is looked for level by level as the node climbs: to look for it at once would climb to the root for each
+// node of a deep nest, and to look for it later would find the node itself behind its former parent.
 void ErrorCorrector::noteResume(Node* node) {
   if (left_) return;
   left_ = true;
-  Node* later = NodeAccess::childAfter(node);
-  pending_ = {nullptr, later, later ? nullptr : node->getParentNode()};
+  seenBehind_ = nullptr;
+  pending_ = {nullptr, NodeAccess::childAfter(node), nullptr};
 }
+
+// Nothing yet is known to follow the place that the node left.
+bool ErrorCorrector::isResumeOpen() const { return left_ && !pending_.resume && !pending_.resumeBehind; }
 
 void ErrorCorrector::keepLandmarks(Node* dying) {
   bool met = false;
+  bool strippedDie = false;
   for (const Node* n = dying; n; n = NodeAccess::nextInSubtree(n, dying)) {
     met = met || landmarks_.count(n) || (left_ && (n == pending_.resume || n == pending_.resumeBehind));
+    strippedDie = strippedDie || n == stripped_.first;
     if (n == rowSearchedFrom_ || n == rowFound_) rowSearchedFrom_ = nullptr;
   }
+  // They stand side by side, so they die with what holds them.
+  if (strippedDie) stripped_ = {};
   if (!met) return;
-  Node* sibling = NodeAccess::childAfter(dying);
+  Node* behind = NodeAccess::nextSkippingChildren(dying, root_);
   const auto mend = [&](Detour& detour) {
     const auto dies = [dying](Node* node) { return node && node->isOffspringOf(dying); };
-    if (dies(detour.end)) detour.end = NodeAccess::nextSkippingChildren(dying, root_);
+    if (dies(detour.end)) detour.end = behind;
     if (!dies(detour.resume) && !dies(detour.resumeBehind)) return;
-    detour.resume = sibling;
-    detour.resumeBehind = sibling ? nullptr : dying->getParentNode();
+    detour.resume = behind;
+    detour.resumeBehind = nullptr;
   };
   if (left_) mend(pending_);
   std::vector<Detour> detours;
@@ -175,16 +190,31 @@ void ErrorCorrector::keepLandmarks(Node* dying) {
   }
 }
 
+// After the node was moved: the walk goes through it, then through what it left behind in a table, then on from where
+// it stood.
+void ErrorCorrector::leadWalk(Node* node) {
+  if (isResumeOpen()) {
+    // Nothing was left to walk at the last level that it climbed to, but for what the walk has seen.
+    if (seenBehind_) pushDetour({seenBehind_, nullptr, seenBehind_});
+  } else {
+    if (stripped_.first) {
+      pending_.end = NodeAccess::nextSkippingChildren(stripped_.last, root_);
+      pushDetour(pending_);
+      pending_ = {nullptr, stripped_.first, nullptr};
+    }
+    pending_.end = NodeAccess::nextSkippingChildren(node, root_);
+    if (pending_.resumeBehind || pending_.end != pending_.resume) pushDetour(pending_);
+  }
+  left_ = false;
+  stripped_ = {};
+}
+
 // Relocates the node and keeps the walk on its way. Returns whether the node stands right now.
 bool ErrorCorrector::place(Node* node) {
   left_ = false;
   rowSearchedFrom_ = nullptr;
   const bool placed = relocate(node) != nullptr;
-  if (left_) {
-    pending_.end = NodeAccess::nextSkippingChildren(node, root_);
-    if (!pending_.resume || pending_.end != pending_.resume) pushDetour(pending_);
-    left_ = false;
-  }
+  if (left_) leadWalk(node);
   // What the node was made again as has its tags, and their faults.
   std::vector<Element*> copies;
   copies.swap(copies_);
@@ -235,6 +265,7 @@ void ErrorCorrector::repairTags(Element* element) {
       while (child && !(child->getError() & ERR_ELEMENT_CANNOT_BE_CONTAINED)) child = NodeAccess::childAfter(child);
       if (child) {
         containment_.forget(element);
+        unbar();
         insertBehind(parent, element->removeChildren(child, nullptr), element);
       }
     }
@@ -282,7 +313,7 @@ Node* ErrorCorrector::relocate(Node* node) {
       // Nothing moves unless some place above will do.
       if (!goal || goal == q) goal = legalPlaceAbove(q, node, crossing);
       if (!goal) return nullptr;
-      barredAt_ = nullptr;
+      unbar();
       // c. What is no part of a table leaves it to stand before it.
       if (leavesTable(node, q) && leaveTable(node, q)) {
         restarted = true;
@@ -317,6 +348,10 @@ Node* ErrorCorrector::relocate(Node* node) {
       if (right && !rightFilled) {
         rightFilled = !document_.isEmptyNode(right, false);
         if (!rightFilled) drop(right);
+      }
+      if (isResumeOpen()) {
+        seenBehind_ = rightFilled ? right : nullptr;
+        pending_.resume = NodeAccess::childAfter(seenBehind_ ? seenBehind_ : node);
       }
       q = g;
     }
@@ -366,25 +401,91 @@ bool ErrorCorrector::crossesTable(Node* from, Node* node) {
   return false;
 }
 
-// The first level above `q` at which climbing would end, null if there is none. Moves nothing.
+// The level above `q` at which climbing will end at the latest, null if it would fail. Moves nothing.
 Node* ErrorCorrector::legalPlaceAbove(Node* q, Node* node, bool crossing) {
   const void* kind = asElement(node) ? static_cast<const void*>(asElement(node)->getElementDefinition()) : this;
+  if (kind != barredKind_) {
+    unbar();
+    barredKind_ = kind;
+  }
   const bool crossingAtStart = crossing;
   for (Node* n = q; n;) {
-    if (n == barredAt_ && kind == barredKind_ && (crossing || !barredCrossing_)) break;
+    if (n == barredAt_ && (crossing || !barredCrossing_)) break;
     if (!spend(1)) return nullptr;
-    Node* table = leavesTable(node, n) ? tableToLeave(n) : nullptr;
-    n = (table ? table : n)->getParentNode();
-    // What it crossed inside the table counts no more.
-    if (table) crossing = crossesTable(n, node);
+    n = levelAbove(n, node, crossing).level;
     if (!n) break;
     if (containment_.canContain(n, node)) return n;
     if (!crossing && asElement(n) && plan(n, node, nullptr).way != Plan::NONE) return n;
   }
   barredAt_ = q;
-  barredKind_ = kind;
   barredCrossing_ = crossingAtStart;
+  return placeBesideAbove(q, node, crossingAtStart);
+}
+
+// Where the node comes to from inside `from`, and the table before which it stands there, if it leaves one. What it
+// crossed inside that counts no more.
+ErrorCorrector::Climb ErrorCorrector::levelAbove(Node* from, Node* node, bool& crossing) {
+  Node* table = leavesTable(node, from) ? tableToLeave(from) : nullptr;
+  Node* level = (table ? table : from)->getParentNode();
+  if (table) crossing = crossesTable(level, node);
+  return {level, table};
+}
+
+// The first level above `q` at which what stands before the node would let it stay: it takes the node in, or what the
+// node requires. Moves nothing. Asked when no level above will do by itself.
+//
+// What stands before the node changes as it climbs. If the part of a level to the left of the node holds something,
+// that part comes to stand before it; else it goes, and what stands before the level does.
+Node* ErrorCorrector::placeBesideAbove(Node* q, Node* node, bool crossing) {
+  const Node* passed[kStandings] = {};
+  Node* lastTried = nullptr;
+  bool leftFilled = false;
+  const Node* child = node;  // of the level; the node or what it stands before
+  for (Node* n = q; n;) {
+    if (!spend(1)) return nullptr;
+    int standing = CROSSING;
+    if (!crossing) {
+      if (!leftFilled && takerOf(NodeAccess::childBefore(child), node, &lastTried) && n != q) return n;
+      const bool helps = lastTried && takesRequired(lastTried, node);
+      if (helps && n != q && plan(n, node, lastTried).way != Plan::NONE) return n;
+      leftFilled = leftFilled || holdsBefore(n, child);
+      standing = (leftFilled ? LEFT_FILLED : 0) + (helps ? TRIED_HELPS : lastTried ? TRIED : UNTRIED);
+    }
+    if (n == barredBeside_[standing]) break;
+    if (!passed[standing]) passed[standing] = n;
+    const Climb climb = levelAbove(n, node, crossing);
+    if (climb.table) leftFilled = false;
+    if (!leftFilled || !isTaker(n)) {
+      lastTried = nullptr;
+    } else if (!lastTried) {
+      lastTried = n;
+    }
+    child = climb.table ? climb.table : n;
+    n = climb.level;
+  }
+  for (int i = 0; i < kStandings; ++i) {
+    if (passed[i]) barredBeside_[i] = passed[i];
+  }
   return nullptr;
+}
+
+// Whether something stands before `child` in `level` that keeps the left part of it, once split, from being dropped.
+// CHOICE: what the climb would make again around empty elements there is not counted: a node that one of them could
+// hold finds a place above by itself.
+bool ErrorCorrector::holdsBefore(const Node* level, const Node* child) {
+  const Node* before = NodeAccess::childBefore(child);
+  if (before && !DocumentAccess::isEmptyByItself(&document_, level)) return true;
+  for (; before; before = NodeAccess::childBefore(before)) {
+    for (const Node* n = before; n; n = NodeAccess::nextInSubtree(n, before)) {
+      if (!spend(1) || !DocumentAccess::isEmptyByItself(&document_, n)) return true;
+    }
+  }
+  return false;
+}
+
+void ErrorCorrector::unbar() {
+  barredAt_ = nullptr;
+  for (const Node*& level : barredBeside_) level = nullptr;
 }
 
 // --- tables ----------------------------------------------------------------------------------------------------------
@@ -397,16 +498,26 @@ Node* ErrorCorrector::tableToLeave(Node* from) {
 Node* ErrorCorrector::leaveTable(Node* node, Node* from) {
   Node* table = tableToLeave(from);
   if (!table) return nullptr;
-  strip(node, from);
-  noteResume(node);
+  const bool open = isResumeOpen();
+  const Run stripped = strip(node, from);
+  if (open && stripped.first && !seenBehind_) {
+    pending_.resume = stripped.first;
+  } else {
+    // If the node had left its place before it came here, the walk is to go on there, behind what stays here now.
+    if (open) pending_.resumeBehind = seenBehind_ ? seenBehind_ : from;
+    if (left_ && stripped.first) stripped_ = stripped;
+    noteResume(node);
+    if (isResumeOpen()) pending_.resumeBehind = from;
+  }
   take(node);
   insertBefore(table->getParentNode(), node, table);
   return table->getParentNode();
 }
 
-// Table parts that the node has swallowed stay behind in the table while it goes, in their order.
-void ErrorCorrector::strip(Node* node, Node* parent) {
-  if (!asElement(node)) return;
+// Table parts that the node has swallowed stay behind in the table while it goes, in their order. Returns them.
+ErrorCorrector::Run ErrorCorrector::strip(Node* node, Node* parent) {
+  Run stripped{};
+  if (!asElement(node)) return stripped;
   Node* ref = node;
   for (Node* n = node->getFirstChild(); n && spend(1);) {
     const bool leaves = isUnknown(n) || isPassed(n, true) || (groupOf(n) & GROUP_TABLE_PART);
@@ -418,8 +529,11 @@ void ErrorCorrector::strip(Node* node, Node* parent) {
     take(n);
     insertBehind(parent, n, ref);
     ref = n;
+    if (!stripped.first) stripped.first = n;
+    stripped.last = n;
     n = next;
   }
+  return stripped;
 }
 
 // --- spread ----------------------------------------------------------------------------------------------------------
@@ -428,6 +542,11 @@ void ErrorCorrector::strip(Node* node, Node* parent) {
 // wrapped.
 bool ErrorCorrector::spread(Element* parent, Element* node) {
   if (groupOf(node) & GROUP_BLOCK) return false;
+  // What is empty by its declaration is made again around nothing.
+  const ElementDefinition* definition = node->getElementDefinition();
+  if (definition && definition->getContentType() == ElementDefinition::CONTENT_EMPTY && !definition->getInclusions()) {
+    return false;
+  }
   bool wrapped = false;
   // The levels that are open: an element whose children are walked, the next of them, and the wrapper that is open.
   struct Level {
@@ -476,26 +595,35 @@ bool ErrorCorrector::spread(Element* parent, Element* node) {
 
 // --- adapting --------------------------------------------------------------------------------------------------------
 
+// Asks the nearest item or element made by an earlier repair that ends at `s`, which stands before the place of the
+// node, and those at its end in turn. Returns the one that can contain the node; if there is none, `lastTried` is the
+// last one asked, or null.
+Node* ErrorCorrector::takerOf(Node* s, Node* node, Node** lastTried) {
+  *lastTried = nullptr;
+  while (s && spend(1)) {
+    if (isPassed(s, false)) {
+      s = NodeAccess::childBefore(s);
+      continue;
+    }
+    if (!isTaker(s)) return nullptr;
+    if (containment_.canContain(s, node)) return s;
+    *lastTried = s;
+    s = s->getLastChild();
+  }
+  return nullptr;
+}
+
 Node* ErrorCorrector::adaptNode(Node* node) {
   Element* parent = asElement(node->getParentNode());
   if (!parent) return nullptr;
 
   // 1. Items and elements made by an earlier repair take the next node that belongs to them.
   Node* lastTried = nullptr;
-  for (Node* s = NodeAccess::childBefore(node); s && spend(1);) {
-    if (isPassed(s, false)) {
-      s = NodeAccess::childBefore(s);
-      continue;
-    }
-    if (!asElement(s)) break;
-    if (!(groupOf(s) & GROUP_ITEM) && !(s->getUpdateFlag() & Node::UPDATE_ADAPTED)) break;
-    if (containment_.canContain(s, node)) {
-      take(node);
-      insertLast(s, node);
-      return s;
-    }
-    lastTried = s;
-    s = s->getLastChild();
+  if (Node* taker = takerOf(NodeAccess::childBefore(node), node, &lastTried)) {
+    unbar();
+    take(node);
+    insertLast(taker, node);
+    return taker;
   }
 
   // 2. to 6.
@@ -539,17 +667,12 @@ Node* ErrorCorrector::adaptNode(Node* node) {
   assert(holder);
   take(node);
   insertBefore(holder, node, holder->getFirstChild());
-  barredAt_ = nullptr;
+  unbar();
   return holder;
 }
 
 ErrorCorrector::Plan ErrorCorrector::plan(Node* parent, Node* node, Node* lastTried) {
   Plan plan;
-  const DocumentType* type = document_.getDocumentTypeObject();
-  auto definitionOf = [&](int id) -> const ElementDefinition* {
-    const char* name = CatalogueTables::name(id);
-    return name ? findVisibleDefinition(type, name) : nullptr;
-  };
   const int id = idOf(containment_.opaque(parent));
 
   // 3. Elements that the parent expects to hold.
@@ -581,6 +704,22 @@ ErrorCorrector::Plan ErrorCorrector::plan(Node* parent, Node* node, Node* lastTr
     if (plan.way != Plan::NONE) return plan;
   }
   return plan;
+}
+
+// Whether an element can contain one of those that the node requires around it.
+bool ErrorCorrector::takesRequired(Node* tried, Node* node) {
+  if (!asElement(node)) return false;
+  for (int y = CatalogueTables::requiredParentID(idOf(node)); y >= 0; y = CatalogueTables::requiredParentID(y)) {
+    const ElementDefinition* definition = definitionOf(y);
+    if (!definition) break;
+    if (containment_.canContain(tried, definition)) return true;
+  }
+  return false;
+}
+
+const ElementDefinition* ErrorCorrector::definitionOf(int id) const {
+  const char* name = CatalogueTables::name(id);
+  return name ? findVisibleDefinition(document_.getDocumentTypeObject(), name) : nullptr;
 }
 
 Element* ErrorCorrector::create(const ElementDefinition* definition) {

@@ -39,17 +39,34 @@ class ErrorCorrector {
     std::vector<const ElementDefinition*> required;  // innermost first
   };
 
-  // A stretch of the walk that was moved elsewhere: when the walk meets `end` it goes back to `resume`, or, without
-  // one, to what follows `resumeBehind`.
+  // A step up: the level reached, and the table that was left for it, if one was.
+  struct Climb {
+    Node* level;
+    Node* table;
+  };
+  // What stands before a node at a level, as far as it tells how climbing goes on from there: whether the left part of
+  // the level holds something (LEFT_FILLED is added then); whether an element that might take in the node was asked,
+  // and can contain what the node requires.
+  enum Standing { UNTRIED, TRIED, TRIED_HELPS, LEFT_FILLED, CROSSING = 2 * LEFT_FILLED, kStandings };
+
+  // A stretch of the walk that was moved elsewhere: when the walk meets `end` it goes back to `resume`, or to what then
+  // follows `resumeBehind`. Null is the end of the page.
   struct Detour {
     Node* end;
     Node* resume;
     Node* resumeBehind;
   };
+  // Siblings side by side.
+  struct Run {
+    Node* first;
+    Node* last;
+  };
 
   bool spend(long steps);
   Node* follow(Node* next);
   void noteResume(Node* node);
+  bool isResumeOpen() const;
+  void leadWalk(Node* node);
   void pushDetour(const Detour& detour);
   void keepLandmarks(Node* dying);
   bool place(Node* node);
@@ -59,11 +76,18 @@ class ErrorCorrector {
   Node* relocate(Node* node);
   bool crossesTable(Node* from, Node* node);
   Node* legalPlaceAbove(Node* q, Node* node, bool crossing);
+  Climb levelAbove(Node* from, Node* node, bool& crossing);
+  Node* placeBesideAbove(Node* q, Node* node, bool crossing);
+  bool holdsBefore(const Node* level, const Node* child);
+  void unbar();
   Node* tableToLeave(Node* from);
   Node* leaveTable(Node* node, Node* from);
-  void strip(Node* node, Node* parent);
+  Run strip(Node* node, Node* parent);
   bool spread(Element* parent, Element* node);
   std::pair<Element*, Element*> splitAround(Node* node, Element* q, Node* earlier, Node* later);
+  Node* takerOf(Node* s, Node* node, Node** lastTried);
+  bool takesRequired(Node* tried, Node* node);
+  const ElementDefinition* definitionOf(int id) const;
   Plan plan(Node* parent, Node* node, Node* lastTried);
   Element* create(const ElementDefinition* definition);
   void take(Node* node);
@@ -79,16 +103,22 @@ class ErrorCorrector {
   Containment containment_;
   long budget_ = 0;
   long count_ = 0;
-  // A search above this node for a place for such a node failed, and nothing has moved since.
-  const Node* barredAt_ = nullptr;
+  // Searches above these nodes for a place for such a node failed, and nothing has moved since: for one that will do by
+  // itself, and, for each standing, for one that will do by what stands before.
   const void* barredKind_ = nullptr;
+  const Node* barredAt_ = nullptr;
   bool barredCrossing_ = false;
+  const Node* barredBeside_[kStandings] = {};
   // The walk. The nodes of detours are landmarks: they are exchanged for others before they die.
   std::vector<Detour> detours_;
   std::unordered_multiset<const Node*> landmarks_;
   // The relocation under way: where the walk goes on behind the node, if it left its place in document order.
   Detour pending_{};
   bool left_ = false;
+  // Known to stand behind the node while nothing is known to follow: what is left of elements that held it.
+  Node* seenBehind_ = nullptr;
+  // What it left behind in a table, before the place where the walk goes on.
+  Run stripped_{};
   std::vector<Element*> copies_;
   // The row nearest before this sibling, as the last search for one found out.
   const Node* rowSearchedFrom_ = nullptr;

@@ -65,6 +65,33 @@ TEST_F(CorrectTest, EachRuleOfRepair) {
   for (const auto& c : cases) EXPECT_EQ(repaired(c.page), c.repaired) << c.rule << ": " << c.page;
 }
 
+// What stands before a node changes on its way up: the part that a split leaves before it, or, where that is empty,
+// what stands before the whole.
+TEST_F(CorrectTest, WhatStandsBeforeANodeMayMakeItsPlace) {
+  const struct {
+    const char* rule;
+    const char* page;
+    int repairs;
+    const char* root;
+  } cases[] = {
+      {"a made element takes in what is required", "<CAPTION><BODY>y<META>", 4,
+       "ZELROOT(HTML(BODY(\"y\" TABLE(CAPTION)) HEAD(META)))"},
+      {"a part with nothing but an empty element stands there", "<CAPTION><BODY><B></B><META>", 4,
+       "ZELROOT(HTML(BODY(TABLE(CAPTION)) HEAD(META)))"},
+      {"the first climbs with nothing before it", "<CAPTION><BODY><META>y<META>", 4,
+       "ZELROOT(HTML(BODY(META!8 \"y\" TABLE(CAPTION)) HEAD(META)))"},
+      {"what a split put behind it counts as made no more", "<OPTGROUP><BODY>j<META>k<META>", 4,
+       "ZELROOT(HTML(BODY(\"jk\" META!8 SELECT(OPTGROUP)) HEAD(META)))"},
+      {"inside an item", "<LI><DL><FRAMESET>l<TITLE>", 7,
+       "ZELROOT(HTML(FRAMESET(NOFRAMES(BODY(\"l\"))) HEAD(TITLE) BODY(UL(LI))))"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    EXPECT_EQ(doc_->correctError(nullptr), c.repairs) << c.rule;
+    EXPECT_EQ(dumpTree(doc_->getDocumentElement(), kDumpErrors), c.root) << c.rule;
+  }
+}
+
 // A copy of a misplaced element has the faults of its tags, and is repaired like it.
 TEST_F(CorrectTest, RepairedTagsAreWrittenAnew) {
   load("<UL><I>x<B>y</B></I><LI>z</UL>");
@@ -101,6 +128,12 @@ TEST_F(CorrectTest, ARepairOfAPartEndsWithThePart) {
        "BODY(P(\"a\") B(\"b\") DIV(\"c\") B(\"d\") \"e\" U!20)"},
       {"a table before which it moved is not", "<TABLE><TR></I><TD>x</TR><B>b</U></B></TABLE>y</S>", "B", 2,
        "BODY(B(\"b\") TABLE(TBODY(TR(I!20 TD(\"x\")))) \"y\" S!20)"},
+      {"what is split around it is not", "<B>x<SELECT><I>t<DIV>z", "I", 4,
+       "BODY(B!40(\"x\" I(\"t\")) DIV(\"z\") B!40(SELECT!40))"},
+      {"what it left in a table is", "<DIV><TABLE><CAPTION><H1>a<TR><TD>c</TABLE></DIV>", "DIV", 4,
+       "BODY(DIV(H1(\"a\") TABLE(TBODY(TR(TD(\"c\"))) CAPTION)))"},
+      {"and what stood behind it then", "<TABLE><CAPTION><LI>a</I>b</LI>c</U></CAPTION></TABLE></S>", "TABLE", 3,
+       "BODY(UL(LI(\"a\" \"b\")) TABLE(CAPTION(\"c\")) S!20)"},
       {"it may vanish: it only held a misplaced one", "<B><DIV>x</DIV></B>y</U>", "B", 1,
        "BODY(DIV(\"x\") \"y\" U!20)"},
       {"or is without effect", "a<FONT><I>x</I></FONT>b</U>", "FONT", 0, "BODY(\"a\" I(\"x\") \"b\" U!20)"},
