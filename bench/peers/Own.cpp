@@ -1,4 +1,5 @@
 // The library's own side of each comparison.
+#include <algorithm>
 #include <malloc.h>
 #include <time.h>
 
@@ -163,6 +164,12 @@ class Release : public PageTask {
       seconds += timed(1, [this] { page_->document().deleteNodes(nullptr); });
     }
     return seconds;
+  }
+  // Two looks at the clock for each tree, a tenth of what a page of 10 KB takes.
+  double overhead() const override {
+    double least = timed(1, [] {});
+    for (int i = 0; i < 1000; ++i) least = std::min(least, timed(1, [] {}));
+    return least;
   }
 };
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <unistd.h>
 
 #include "bench/Shapes.h"
 #include "bench/peers/Measure.h"
@@ -234,15 +235,27 @@ void Comparison::weigh() {
     }
   }
   std::printf("\n");
-  for (int i = 0; i < 5; ++i) firstDOM_ = std::fmin(firstDOM_, apart([] { return own::createDOM()->run(1); }));
+  for (int i = 0; i < 20; ++i) firstDOM_ = std::fmin(firstDOM_, apart([] { return own::createDOM()->run(1); }));
   std::fflush(stdout);
 }
 
 // What has no peer.
 void Comparison::clock() {
-  const auto seconds = [this](MakeTask maker, const Page& page) {
+  // Nobody else stands in these rows to share a busy moment of the machine, so there are several, some way apart.
+  const auto quietest = [this](Task& task, Task* second, const Page& page) {
+    constexpr int kMoments = 8;
+    constexpr unsigned kApart = 150 * 1000;  // microseconds
+    Times best = measure(task, second, budget(page));
+    for (int i = 1; i < kMoments; ++i) {
+      usleep(kApart);
+      const Times times = measure(task, second, budget(page));
+      best = {std::fmin(best.ours, times.ours), std::fmin(best.theirs, times.theirs)};
+    }
+    return best;
+  };
+  const auto seconds = [&](MakeTask maker, const Page& page) {
     const auto task = maker();
-    return task->open(page) ? measure(*task, nullptr, budget(page)).ours : std::nan("");
+    return task->open(page) ? quietest(*task, nullptr, page).ours : std::nan("");
   };
   const auto line = [](const char* what, const char* where, double value, const char* unit, double gate,
                        double stretch) {
@@ -260,7 +273,7 @@ void Comparison::clock() {
     const auto release = own::release();
     parse->open(page);
     release->open(page);
-    const auto [both, free] = measure(*parse, release.get(), budget(page));
+    const auto [both, free] = quietest(*parse, release.get(), page);
     line("build + release", name, both * 1e6, "us", small ? 80 : 0, small ? 45 : 0);
     line("release, part of the parse", name, 100 * free / (both - free), "%", 15, 0);
     line("walk with findNextNode", name, seconds(own::walk, page) / static_cast<double>(own::nodesOf(page)) * 1e9,
