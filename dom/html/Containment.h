@@ -30,6 +30,9 @@ class Containment {
   Node* opaque(Node* node);
   // The nearest of the node and the elements around it that is a TABLE; null if there is none.
   Node* table(Node* node);
+  // How many levels the questions so far had to walk down. It is one or two each, but more where they come from deep
+  // places in turn.
+  long levelsWalked() const { return levelsWalked_; }
   // Call before a node leaves its place.
   void forget(const Node* node);
 
@@ -55,6 +58,7 @@ class Containment {
   ContentTable* table_;
   std::vector<Step> path_;
   NodeMap places_;  // in the path
+  long levelsWalked_ = 0;
 };
 
 }  // namespace zeldom40

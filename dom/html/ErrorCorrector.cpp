@@ -3,6 +3,7 @@
 
 #include <cassert>
 #include <tuple>
+#include <utility>
 
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
@@ -20,6 +21,10 @@ namespace zeldom40 {
 namespace {
 
 constexpr long kStepsPerNode = 48;
+// Those of the search for what stands before a node, which must not use up the others.
+constexpr long kBesideStepsPerNode = 48;
+// Levels walked down again because a question went elsewhere; they cost less.
+constexpr long kLevelsPerNode = 256;
 constexpr unsigned long kPlacing = ERR_ELEMENT_CANNOT_BE_CONTAINED | ERR_ELEMENT_NO_PARENT_CAN_ADOPT;
 
 Element* asElement(Node* node) {
@@ -60,11 +65,13 @@ ErrorCorrector::ErrorCorrector(Document& document, Node* top)
   long nodes = 0;
   for (const Node* n = top; n; n = NodeAccess::nextInSubtree(n, top)) ++nodes;
   budget_ = kStepsPerNode * nodes + 4096;
+  besideBudget_ = kBesideStepsPerNode * nodes + 4096;
+  mostLevels_ = kLevelsPerNode * nodes + (1 << 16);
 }
 
 bool ErrorCorrector::spend(long steps) {
   budget_ -= steps;
-  return budget_ >= 0;
+  return budget_ >= 0 && containment_.levelsWalked() <= mostLevels_;
 }
 
 // Before a node leaves its place, what is known about its surroundings is dropped.
@@ -265,7 +272,6 @@ void ErrorCorrector::repairTags(Element* element) {
       while (child && !(child->getError() & ERR_ELEMENT_CANNOT_BE_CONTAINED)) child = NodeAccess::childAfter(child);
       if (child) {
         containment_.forget(element);
-        unbar();
         insertBehind(parent, element->removeChildren(child, nullptr), element);
       }
     }
@@ -419,7 +425,10 @@ Node* ErrorCorrector::legalPlaceAbove(Node* q, Node* node, bool crossing) {
   }
   barredAt_ = q;
   barredCrossing_ = crossingAtStart;
-  return placeBesideAbove(q, node, crossingAtStart);
+  std::swap(budget_, besideBudget_);
+  Node* level = placeBesideAbove(q, node, crossingAtStart);
+  std::swap(budget_, besideBudget_);
+  return level;
 }
 
 // Where the node comes to from inside `from`, and the table before which it stands there, if it leaves one. What it

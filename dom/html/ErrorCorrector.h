@@ -102,6 +102,8 @@ class ErrorCorrector {
   Node* root_;
   Containment containment_;
   long budget_ = 0;
+  long besideBudget_ = 0;
+  long mostLevels_ = 0;
   long count_ = 0;
   // Searches above these nodes for a place for such a node failed, and nothing has moved since: for one that will do by
   // itself, and, for each standing, for one that will do by what stands before.

@@ -93,6 +93,29 @@ TEST_F(CorrectTest, WhatStandsBeforeANodeMayMakeItsPlace) {
 }
 
 // A copy of a misplaced element has the faults of its tags, and is repaired like it.
+// What has no place is searched for with bounds; what comes behind is repaired all the same.
+TEST_F(CorrectTest, HopelessNodesDoNotUseUpTheRepair) {
+  const auto repeated = [](const char* part, int times) {
+    std::string all;
+    while (times-- > 0) all += part;
+    return all;
+  };
+  const struct {
+    std::string page;
+    int repairs;
+  } cases[] = {
+      {"<BODY>" + repeated("<META><DIV><A>x", 800), 3198},
+      {"<BODY><TABLE>" + repeated("<META><DIV><A>", 400), 1600},
+      {"<BODY>" + repeated("<DIV>", 30) + repeated("<META><LINK>", 250) + repeated("</DIV>", 30) +
+           repeated("<P>x</P><LI>l</LI>", 10),
+       10},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    EXPECT_EQ(doc_->correctError(nullptr), c.repairs) << c.page.substr(0, 40);
+  }
+}
+
 TEST_F(CorrectTest, RepairedTagsAreWrittenAnew) {
   load("<UL><I>x<B>y</B></I><LI>z</UL>");
   doc_->correctError(nullptr);
