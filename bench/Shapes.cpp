@@ -96,6 +96,7 @@ const std::vector<Shape>& shapes() {
       {"B and I, overlapping", M / 4, [](Size n) { return repeated("<B><I></B></I>", n); }},
       {"markup between table rows", M / 5,
        [](Size n) { return "<TABLE>" + repeated("<TR><TD>x</TD></TR><B>b</B>", n) + "</TABLE>"; }},
+      {"wide DIV below deep B", M / 4, [](Size n) { return repeated("<B>", n) + "<DIV>" + repeated("<BR>", n); }},
       {"P, TABLE, TR in turn", M / 5, [](Size n) { return repeated("<P><TABLE><TR>", n); }},
       {"P below deep B", M, [](Size n) { return under("<B>", "<P>", n); }},
       // Text, references, stray bytes.

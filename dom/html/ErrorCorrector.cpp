@@ -3,6 +3,7 @@
 
 #include <cassert>
 #include <tuple>
+#include <typeinfo>
 #include <utility>
 
 #include "dom/document/Document.h"
@@ -23,8 +24,10 @@ namespace {
 constexpr long kStepsPerNode = 48;
 // Those of the search for what stands before a node, which must not use up the others.
 constexpr long kBesideStepsPerNode = 48;
-// Levels walked down again because a question went elsewhere; they cost less.
+// Levels walked down again because a question went elsewhere, and looks for content in what may be empty; they cost
+// less.
 constexpr long kLevelsPerNode = 256;
+constexpr long kLooksPerNode = 256;
 constexpr unsigned long kPlacing = ERR_ELEMENT_CANNOT_BE_CONTAINED | ERR_ELEMENT_NO_PARENT_CAN_ADOPT;
 
 Element* asElement(Node* node) {
@@ -54,6 +57,9 @@ bool isTaker(Node* node) {
   return asElement(node) && ((groupOf(node) & GROUP_ITEM) || (node->getUpdateFlag() & Node::UPDATE_ADAPTED));
 }
 
+// A host's own kind of node may want to hear of each step.
+bool isPlain(const Node* node) { return typeid(*node) == typeid(Element) || typeid(*node) == typeid(Text); }
+
 bool isUnknown(Node* node) {
   return asElement(node) && asElement(node)->getElementType() == Element::ELEMENT_UNDEFINED;
 }
@@ -67,6 +73,7 @@ ErrorCorrector::ErrorCorrector(Document& document, Node* top)
   budget_ = kStepsPerNode * nodes + 4096;
   besideBudget_ = kBesideStepsPerNode * nodes + 4096;
   mostLevels_ = kLevelsPerNode * nodes + (1 << 16);
+  looksLeft_ = kLooksPerNode * nodes + (1 << 16);
 }
 
 bool ErrorCorrector::spend(long steps) {
@@ -90,12 +97,12 @@ void ErrorCorrector::drop(Node* node) {
 // What moves was taken out of its place or is new, so it holds nothing that it could come to stand below.
 void ErrorCorrector::insertBefore(Node* parent, Node* run, Node* ref) {
   DocumentAccess::recordChange(&document_, parent);
-  NodeAccess::insertFree(parent, run, ref, /*behindRef=*/false);
+  NodeAccess::insertFree(parent, run, ref, /*behindRef=*/false, /*again=*/run == climber_);
 }
 
 void ErrorCorrector::insertBehind(Node* parent, Node* run, Node* ref) {
   DocumentAccess::recordChange(&document_, parent);
-  NodeAccess::insertFree(parent, run, ref, /*behindRef=*/true);
+  NodeAccess::insertFree(parent, run, ref, /*behindRef=*/true, /*again=*/run == climber_);
 }
 
 void ErrorCorrector::insertLast(Node* parent, Node* run) { insertBefore(parent, run, nullptr); }
@@ -221,6 +228,7 @@ bool ErrorCorrector::place(Node* node) {
   left_ = false;
   rowSearchedFrom_ = nullptr;
   const bool placed = relocate(node) != nullptr;
+  climber_ = nullptr;
   if (left_) leadWalk(node);
   // What the node was made again as has its tags, and their faults.
   std::vector<Element*> copies;
@@ -323,6 +331,7 @@ Node* ErrorCorrector::relocate(Node* node) {
       // c. What is no part of a table leaves it to stand before it.
       if (leavesTable(node, q) && leaveTable(node, q)) {
         restarted = true;
+        if (isPlain(node)) climber_ = node;
         break;
       }
       // d.
@@ -346,13 +355,14 @@ Node* ErrorCorrector::relocate(Node* node) {
       } else {
         std::tie(left, right) = splitAround(node, static_cast<Element*>(q), earlier, later);
       }
+      if (isPlain(node)) climber_ = node;
       // h.
       if (left && !leftFilled) {
-        leftFilled = !document_.isEmptyNode(left, false);
+        leftFilled = !isEmpty(left);
         if (!leftFilled) drop(left);
       }
       if (right && !rightFilled) {
-        rightFilled = !document_.isEmptyNode(right, false);
+        rightFilled = !isEmpty(right);
         if (!rightFilled) drop(right);
       }
       if (isResumeOpen()) {
@@ -485,11 +495,17 @@ bool ErrorCorrector::holdsBefore(const Node* level, const Node* child) {
   const Node* before = NodeAccess::childBefore(child);
   if (before && !DocumentAccess::isEmptyByItself(&document_, level)) return true;
   for (; before; before = NodeAccess::childBefore(before)) {
-    for (const Node* n = before; n; n = NodeAccess::nextInSubtree(n, before)) {
-      if (!spend(1) || !DocumentAccess::isEmptyByItself(&document_, n)) return true;
-    }
+    if (!isEmpty(before)) return true;
   }
   return false;
+}
+
+// Document::isEmptyNode within bounds of its own; beyond them nothing counts as empty.
+bool ErrorCorrector::isEmpty(const Node* node) {
+  for (const Node* n = node; n; n = NodeAccess::nextInSubtree(n, node)) {
+    if (--looksLeft_ < 0 || !DocumentAccess::isEmptyByItself(&document_, n)) return false;
+  }
+  return true;
 }
 
 void ErrorCorrector::unbar() {

@@ -78,6 +78,7 @@ class ErrorCorrector {
   Node* legalPlaceAbove(Node* q, Node* node, bool crossing);
   Climb levelAbove(Node* from, Node* node, bool& crossing);
   Node* placeBesideAbove(Node* q, Node* node, bool crossing);
+  bool isEmpty(const Node* node);
   bool holdsBefore(const Node* level, const Node* child);
   void unbar();
   Node* tableToLeave(Node* from);
@@ -104,6 +105,7 @@ class ErrorCorrector {
   long budget_ = 0;
   long besideBudget_ = 0;
   long mostLevels_ = 0;
+  long looksLeft_ = 0;
   long count_ = 0;
   // Searches above these nodes for a place for such a node failed, and nothing has moved since: for one that will do by
   // itself, and, for each standing, for one that will do by what stands before.
@@ -114,6 +116,8 @@ class ErrorCorrector {
   // The walk. The nodes of detours are landmarks: they are exchanged for others before they die.
   std::vector<Detour> detours_;
   std::unordered_multiset<const Node*> landmarks_;
+  // The node that climbs, once it has left its first place.
+  const Node* climber_ = nullptr;
   // The relocation under way: where the walk goes on behind the node, if it left its place in document order.
   Detour pending_{};
   bool left_ = false;

@@ -288,7 +288,7 @@ void Node::setUpdateFlag(unsigned long flag) {
   NodeAccess::raiseFlag(this, flag);
 }
 
-void NodeAccess::raiseFlag(Node* node, unsigned long flag) {
+void NodeAccess::raiseFlag(Node* node, unsigned long flag, bool isBelowFlagged) {
   addFlags(node, flag);
   if (flag == Node::UPDATE_SIBLING_CHANGED) return;
   Node* p = node->parent_;
@@ -296,7 +296,7 @@ void NodeAccess::raiseFlag(Node* node, unsigned long flag) {
     // A parent that is new itself has told its ancestors already.
     if (p && (p->updateFlags_ & Node::UPDATE_ADDED)) p = nullptr;
     // A subtree that is added whole is flagged whole; below a node that has the flag all is flagged.
-    Node* n = node->getFirstChild();
+    Node* n = isBelowFlagged ? nullptr : node->getFirstChild();
     while (n) {
       if (n->updateFlags_ & Node::UPDATE_ADDED) {
         n = nextSkippingChildren(n, node);
@@ -514,7 +514,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   if (byHost && parent->getDocument()) parent->getDocument()->recordChange(parent);
 
   Node* end = head;
-  while (how != OF_ONE && end->next_ && !end->next_->parent_ && end->next_ != head &&
+  while (how != OF_ONE && how != AGAIN && end->next_ && !end->next_->parent_ && end->next_ != head &&
          !(byHost && holdsParent(end->next_))) {
     end = end->next_;
   }
@@ -572,7 +572,12 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
     Node* following = n == end ? nullptr : n->next_;
     n->noteChange();
     n->parent_ = parent;
-    n->setUpdateFlag(Node::UPDATE_ADDED);
+    if (how == AGAIN) {
+      if (n->refCount_ > 0) noteEdit(n);
+      raiseFlag(n, Node::UPDATE_ADDED, /*isBelowFlagged=*/true);
+    } else {
+      n->setUpdateFlag(Node::UPDATE_ADDED);
+    }
     if (!following) break;
     n = following;
   }
@@ -605,12 +610,13 @@ Node* Node::insertAfter(Node* newNode, Node* ref) {
   return NodeAccess::insertRun(this, newNode, ref, ref->next_, ref, /*behindRef=*/true, NodeAccess::BY_HOST);
 }
 
-void NodeAccess::insertFree(Node* parent, Node* head, Node* ref, bool behindRef) {
+void NodeAccess::insertFree(Node* parent, Node* head, Node* ref, bool behindRef, bool again) {
   if (!head) return;
+  const Insertion how = again ? AGAIN : OF_RUN;
   if (!ref) {
-    insertRun(parent, head, parent->getLastChild(), nullptr, nullptr, /*behindRef=*/true, OF_RUN);
+    insertRun(parent, head, parent->getLastChild(), nullptr, nullptr, /*behindRef=*/true, how);
   } else {
-    insertRun(parent, head, behindRef ? ref : ref->prev_, behindRef ? ref->next_ : ref, ref, behindRef, OF_RUN);
+    insertRun(parent, head, behindRef ? ref : ref->prev_, behindRef ? ref->next_ : ref, ref, behindRef, how);
   }
 }
 

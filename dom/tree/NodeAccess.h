@@ -69,7 +69,7 @@ struct NodeAccess {
   // The metadata of `element`, which has some, is stale, unless a parse is sorting out its nodes.
   static void makeStale(Element* element);
   // Raises a flag as setUpdateFlag does, for a change that is no edit of the page.
-  static void raiseFlag(Node* node, unsigned long flag);
+  static void raiseFlag(Node* node, unsigned long flag, bool isBelowFlagged = false);
   // The same for a parsed node, whose first ancestor as a rule knows already. Not for UPDATE_ADDED.
   static void raiseParsed(Node* node, unsigned long flag) {
     if (node->parent_ && (node->parent_->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) {
@@ -132,7 +132,9 @@ struct NodeAccess {
   }
   // Inserts a run, as the insertion calls do, of which is known that it holds no ancestor of `parent`: those calls
   // climb to the top to find out. No undo record. Behind or before `ref`, a child; null means last.
-  static void insertFree(Node* parent, Node* head, Node* ref, bool behindRef);
+  // `again`: a node that was inserted so a moment ago and taken out, whose subtree has its flags; a node that climbs
+  // would have all its children flagged at each level.
+  static void insertFree(Node* parent, Node* head, Node* ref, bool behindRef, bool again = false);
   // Detaches the children from `first` to `last` and returns them as a run: no record, no cursor, no flags.
   static Node* detachRange(Node* parent, Node* first, Node* last);
   // Detaches one child with the flags of removeChild, without record or cursor work.
@@ -162,8 +164,9 @@ struct NodeAccess {
 
  private:
   friend class Node;
-  // Who inserts: a host, whose nodes may be anything; the library a single node; the library a run.
-  enum Insertion { BY_HOST, OF_ONE, OF_RUN };
+  // Who inserts: a host, whose nodes may be anything; the library a single node, a run, or one node that it has just
+  // inserted elsewhere.
+  enum Insertion { BY_HOST, OF_ONE, OF_RUN, AGAIN };
   static ChildListHolder* holder(const Node* node);
   // Null while there is none.
   static ChildListHolder* listOf(const Node* node) { return node->hasList_ ? node->branch().list : nullptr; }

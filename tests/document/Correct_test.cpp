@@ -116,6 +116,15 @@ TEST_F(CorrectTest, HopelessNodesDoNotUseUpTheRepair) {
   }
 }
 
+// A node that climbs several levels is flagged with all that it holds, though only its first step flags that.
+TEST_F(CorrectTest, WhatClimbsIsFlaggedWhole) {
+  load("<B><I><U>a<DIV>x<EM>y</EM></DIV>b");
+  doc_->getDocumentElement()->clearUpdateFlag();
+  doc_->correctError(nullptr);
+  EXPECT_TRUE(find("DIV")->getUpdateFlag() & Node::UPDATE_ADDED);
+  EXPECT_TRUE(find("EM")->getUpdateFlag() & Node::UPDATE_ADDED);
+}
+
 TEST_F(CorrectTest, RepairedTagsAreWrittenAnew) {
   load("<UL><I>x<B>y</B></I><LI>z</UL>");
   doc_->correctError(nullptr);
