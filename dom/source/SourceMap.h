@@ -78,8 +78,9 @@ class ZELDOM40_API SourceMap {
   Range getAttributeValue(const Element* element, unsigned long index) const;
   Range getAttributeValue(const Element* element, const char* name) const;
 
-  // What the element's begin tag states again, in its order, also of an element below a metadata pair, where nothing
-  // has a place. Directives repeat nothing: in them the last of a name counts. Reads the tag.
+  // What the element's begin tag states again, in its order; empty for null, and for a tag that is to be written anew.
+  // Below a metadata pair, where nothing has a place, the ranges are NOWHERE. Directives repeat nothing: in them the
+  // last of a name counts. Reads the tag anew; the caller owns what is returned.
   std::vector<Repeat> getRepeatedAttributes(const Element* element) const;
 
   // The innermost node that has the byte at `offset`. Null from the end of the text on. Borrowed from the tree.
