@@ -63,7 +63,7 @@ Page::Page(const Library& library, std::string_view bytes, Pairs pairs)
     : dom_(library.dom()), document_(dom_->createDocument("HTML")) {
   for (const auto& [name, type] : library.types().beans()) document_->addOutBoundBean(name.c_str(), type.c_str());
   root_ = document_->createNodes(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, /*adjust=*/false);
-  if (pairs == Pairs::kKeep) keepPairs();
+  if (root_ && pairs == Pairs::kKeep) keepPairs();
 }
 
 bool Page::usable(const std::string& path) const {
@@ -80,24 +80,6 @@ std::vector<Element*> Page::pairs() const {
     n = document_->findNextNode(n, root_, /*updatedOnly=*/false, /*skipChildren=*/isPair);
   }
   return found;
-}
-
-void Page::keepPairs() const {
-  for (Node* n = root_; n;) {
-    auto* element = n->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(n) : nullptr;
-    MetaData* metaData = element ? element->getMetaData() : nullptr;
-    const bool isPair = metaData && metaData->wasLoadedFromPage();
-    if (isPair && metaData->getType() == MetaData::DynamicData) {
-      // A copy does not count as loaded, so that nothing compares its text with a new one. No type generates nothing.
-      auto* copy = new MetaData(*metaData);
-      copy->addRef(false);
-      if (copy->getRuntimeText().empty()) copy->setType(MetaData::None);
-      element->setMetaData(copy);
-    } else if (metaData && !isPair && metaData->getType() != MetaData::AuthorTimeVisual) {
-      element->setMetaData(nullptr);
-    }
-    n = document_->findNextNode(n, root_, /*updatedOnly=*/false, /*skipChildren=*/isPair);
-  }
 }
 
 std::string_view Page::source(Node* node) const {

@@ -61,7 +61,7 @@ class Page {
   // The elements that are written as pairs, in document order, but for those inside of others.
   std::vector<Element*> pairs() const;
   // What Pairs::kKeep asks for, of a page that was parsed without.
-  void keepPairs() const;
+  void keepPairs() const { document_->keepRuntimeText(); }
 
  private:
   DOM* dom_;
