@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -424,19 +425,28 @@ class RepairCheck {
   // Each edit on its own: what is protected stays and keeps its order, what comes may come.
   Fault checkEdits() const {
     std::size_t i = 0, j = 0;
-    const bool skeleton = std::any_of(old_.parts.begin(), old_.parts.end(), [](const Part& part) {
-      return part.piece.kind == PieceKind::kBegin && part.piece.is(kSkeletonTag);
-    });
+    // Of HTML, HEAD, BODY and FRAMESET each stands once, where one of them stands at all.
+    std::set<std::string> skeleton;
+    for (const Part& part : old_.parts) {
+      if (part.piece.kind == PieceKind::kBegin && part.piece.is(kSkeletonTag))
+        skeleton.insert(tagName(old_.text(part)));
+    }
+    const auto mayCome = [&](const Part& part) {
+      const Piece& piece = part.piece;
+      if (piece.kind != PieceKind::kBegin || !piece.is(kBareTag) || piece.is(kVoidTag) || piece.is(kActingTag)) {
+        return false;
+      }
+      if (piece.is(kSkeletonTag)) return !skeleton.empty() && skeleton.insert(tagName(new_.text(part))).second;
+      return piece.is(kBlockTag);
+    };
     for (std::size_t edit = 0; edit < planned_.size(); ++edit) {
       const std::vector<const Part*> out = partsOf(old_, edit, &i), in = partsOf(new_, edit, &j);
       std::size_t next = 0;
       for (const Part* part : in) {
-        const Piece& piece = part->piece;
         if (next < out.size() && old_.text(*out[next]) == new_.text(*part)) {
           ++next;
-        } else if (piece.kind != PieceKind::kBegin || !piece.is(kBareTag) || piece.is(kVoidTag) ||
-                   !piece.is(kBlockTag) || piece.is(kActingTag) || (piece.is(kSkeletonTag) && !skeleton)) {
-          return changed(piece, planned_[edit].offset);
+        } else if (!mayCome(*part)) {
+          return changed(part->piece, planned_[edit].offset);
         }
       }
       if (next < out.size()) return changed(out[next]->piece, out[next]->piece.begin);

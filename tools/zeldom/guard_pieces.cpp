@@ -19,7 +19,7 @@ constexpr std::size_t kLongestTemplateCode = 1 << 12;
 // Tags with a prefix in the values of tags with a prefix ...
 constexpr std::size_t kDeepestTag = 8;
 // So many times the size of a page may be read in vain, in search of an end that is not there.
-constexpr std::size_t kPatience = 16;
+constexpr std::size_t kPatience = 4;
 
 // Tables of names are sorted, for a binary search.
 constexpr std::string_view kBlocks[] = {
