@@ -10,9 +10,38 @@ namespace zeldom40::tool {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
-constexpr std::string_view kSpaces = " \t\r\n\f";
+// A set of bytes, with the search for its members.
+class ByteSet {
+ public:
+  explicit constexpr ByteSet(std::string_view bytes) {
+    for (const char c : bytes) holds_[static_cast<unsigned char>(c)] = true;
+  }
+  constexpr bool has(char c) const { return holds_[static_cast<unsigned char>(c)]; }
+  // The first member from `at` on, or the end of the text.
+  std::size_t in(std::string_view text, std::size_t at) const { return find(text, at, true); }
+  // The first byte that is no member.
+  std::size_t notIn(std::string_view text, std::size_t at) const { return find(text, at, false); }
+
+ private:
+  std::size_t find(std::string_view text, std::size_t at, bool member) const {
+    const char* const bytes = text.data();
+    const std::size_t size = text.size();
+    while (at < size && holds_[static_cast<unsigned char>(bytes[at])] != member) ++at;
+    return std::min(at, size);
+  }
+
+  std::array<bool, 256> holds_ = {};
+};
+
+constexpr ByteSet kSpaces(" \t\r\n\f");
+constexpr ByteSet kSpacesAndSlash(" \t\r\n\f/");
+constexpr ByteSet kLineEnds("\r\n");
 // Where something else than a word may begin.
-constexpr std::string_view kOpeners = " \t\r\n\f<$#{";
+constexpr ByteSet kOpeners(" \t\r\n\f<$#{");
+constexpr ByteSet kNameEnds(" \t\r\n\f<>/\"'=");
+// What matters in a tag and in an expression.
+constexpr ByteSet kInTags("<>\"'$#{");
+constexpr ByteSet kInExpressions("\"'{}");
 
 constexpr std::size_t kLongestExpression = 1 << 16;
 constexpr std::size_t kLongestTemplateCode = 1 << 12;
@@ -60,7 +89,7 @@ bool has(const std::string_view (&names)[N], std::string_view name) {
 static_assert(isSorted(kBlocks) && isSorted(kUnseen) && isSorted(kInline) && isSorted(kRawElements) &&
               isSorted(kVoids) && isSorted(kOptionalEnds) && isSorted(kActing) && isSorted(kSkeleton));
 
-bool isSpace(char c) { return kSpaces.find(c) != kNone; }
+bool isSpace(char c) { return kSpaces.has(c); }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isNameByte(char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '.' || c == '-'; }
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -89,9 +118,7 @@ class Search {
   std::size_t found_ = 0;
 };
 
-std::size_t nameEnd(std::string_view page, std::size_t at) {
-  return std::min(page.find_first_of(" \t\r\n\f<>/\"'=", at), page.size());
-}
+std::size_t nameEnd(std::string_view page, std::size_t at) { return kNameEnds.in(page, at); }
 
 // Where the name of a tag begins that "<" at `at` opens, end tag or not; kNone if it opens none.
 std::size_t nameBegin(std::string_view page, std::size_t at) {
@@ -136,14 +163,16 @@ class Cutter {
 
   // Behind the server construct that begins at `at`; kNone if none does. What has no end goes to the end of the page.
   std::size_t serverEnd(std::size_t at) {
-    const std::string_view rest = page_.substr(at, 5);
-    if (startsWith(rest, "<%--")) return endOf(jspComment_, at + 4);
-    if (startsWith(rest, "<%")) return endOf(jspCode_, at + 2);
-    if (startsWith(rest, "<!--#")) return endOf(comment_, at + 5);
-    if (startsWith(rest, "<?")) return endOf(instruction_, at + 2);
-    if (startsWith(rest, "${") || startsWith(rest, "#{")) return expressionEnd(at);
-    if (startsWith(rest, "{{")) return templateEnd(mustache_, at);
-    if (startsWith(rest, "{%")) return templateEnd(statement_, at);
+    const char c = page_[at];
+    const char next = at + 1 < page_.size() ? page_[at + 1] : '\0';
+    if (c == '<' && next == '%') {
+      return page_.substr(at, 4) == "<%--" ? endOf(jspComment_, at + 4) : endOf(jspCode_, at + 2);
+    }
+    if (c == '<' && next == '?') return endOf(instruction_, at + 2);
+    if (c == '<' && next == '!' && page_.substr(at, 5) == "<!--#") return endOf(comment_, at + 5);
+    if ((c == '$' || c == '#') && next == '{') return expressionEnd(at);
+    if (c == '{' && next == '{') return templateEnd(mustache_, at);
+    if (c == '{' && next == '%') return templateEnd(statement_, at);
     return kNone;
   }
 
@@ -174,7 +203,7 @@ class Cutter {
     const std::size_t stop = std::min(page_.size(), at + kLongestExpression);
     const std::string_view window = page_.substr(0, stop);
     std::size_t depth = 1;
-    for (std::size_t i = window.find_first_of("\"'{}", at + 2); i != kNone; i = window.find_first_of("\"'{}", i + 1)) {
+    for (std::size_t i = kInExpressions.in(window, at + 2); i < stop; i = kInExpressions.in(window, i + 1)) {
       if (window[i] == '{') {
         ++depth;
       } else if (window[i] == '}') {
@@ -201,13 +230,13 @@ class Cutter {
   }
 
   void space() {
-    const std::size_t end = std::min(page_.find_first_not_of(kSpaces, at_), page_.size());
-    const bool breaks = page_.substr(at_, end - at_).find_first_of("\r\n") != kNone;
+    const std::size_t end = kSpaces.notIn(page_, at_);
+    const bool breaks = kLineEnds.in(page_.substr(0, end), at_) < end;
     push(end, PieceKind::kSpace, breaks ? kLineBreak : 0);
   }
 
   void word() {
-    const std::size_t end = std::min(page_.find_first_of(kOpeners, at_ + 1), page_.size());
+    const std::size_t end = kOpeners.in(page_, at_ + 1);
     if (!pieces_.empty() && pieces_.back().kind == PieceKind::kWord) {
       pieces_.back().end = at_ = end;
       return;
@@ -239,8 +268,8 @@ class Cutter {
   // Behind the declaration whose subset opens at `open`; `close` if the subset has no end.
   std::size_t subsetEnd(std::size_t open, std::size_t close) {
     for (std::size_t i = bracket_.from(page_, open); i != kNone; i = bracket_.from(page_, i + 1)) {
-      const std::size_t end = page_.find_first_not_of(kSpaces, i + 1);
-      if (end == kNone) break;
+      const std::size_t end = kSpaces.notIn(page_, i + 1);
+      if (end == page_.size()) break;
       if (page_[end] == '>') return end + 1;
     }
     return close;
@@ -270,7 +299,7 @@ class Cutter {
     std::array<char, kDeepestTag + 1> quotes = {};  // open at each depth; 0: none
     std::size_t depth = 0;
     *holdsServer = false;
-    for (std::size_t i = page_.find_first_of("<>\"'$#{", at_ + 1); i != kNone; i = page_.find_first_of("<>\"'$#{", i)) {
+    for (std::size_t i = kInTags.in(page_, at_ + 1); i < page_.size(); i = kInTags.in(page_, i)) {
       const char c = page_[i];
       char& quote = quotes[depth];
       if (c == '<' || c == '$' || c == '#' || c == '{') {
@@ -317,7 +346,7 @@ class Cutter {
     }
     unsigned traits = traitsOfName(name) | inside | (closed ? unsigned{kClosedTag} : 0u);
     if (isEnd) return push(end, PieceKind::kEnd, traits);
-    const std::size_t rest = page_.find_first_not_of(" \t\r\n\f/", nameAt + name.size());
+    const std::size_t rest = kSpacesAndSlash.notIn(page_, nameAt + name.size());
     if (rest == end - 1) traits |= kBareTag;
     if (!(traits & (kBlockTag | kUnseenTag | kInlineTag))) traits |= kVisible;
     if (!closed && has(kRawElements, name)) raw_ = name;
@@ -372,19 +401,21 @@ std::vector<std::string_view> serverCodeOf(std::string_view tag) {
 }
 
 bool namesSomething(std::string_view tag) {
-  std::size_t i = nameEnd(tag, 1);
-  while (i < tag.size()) {
-    const std::size_t begin = tag.find_first_not_of(" \t\r\n\f/>", i);
-    if (begin == kNone) return false;
-    std::size_t end = std::min(tag.find_first_of(" \t\r\n\f/>=", begin + 1), tag.size());
+  static constexpr ByteSet kBetween(" \t\r\n\f/>");
+  static constexpr ByteSet kAttributeEnds(" \t\r\n\f/>=");
+  static constexpr ByteSet kValueEnds(" \t\r\n\f>");
+  for (std::size_t i = nameEnd(tag, 1); i < tag.size();) {
+    const std::size_t begin = kBetween.notIn(tag, i);
+    if (begin == tag.size()) return false;
+    std::size_t end = kAttributeEnds.in(tag, begin + 1);
     std::string name(tag.substr(begin, end - begin));
     std::transform(name.begin(), name.end(), name.begin(), lower);
     if (name == "id" || name == "name") return true;
-    end = std::min(tag.find_first_not_of(kSpaces, end), tag.size());
+    end = kSpaces.notIn(tag, end);
     if (end < tag.size() && tag[end] == '=') {
-      end = std::min(tag.find_first_not_of(kSpaces, end + 1), tag.size());
+      end = kSpaces.notIn(tag, end + 1);
       const bool quoted = end < tag.size() && (tag[end] == '"' || tag[end] == '\'');
-      end = quoted ? tag.find(tag[end], end + 1) : tag.find_first_of(" \t\r\n\f>", end);
+      end = quoted ? tag.find(tag[end], end + 1) : kValueEnds.in(tag, end);
       end = end == kNone ? tag.size() : end + (quoted ? 1 : 0);
     }
     i = end;
