@@ -181,6 +181,7 @@ struct RepairPlanner::Data {
     return item.isElement && isPlacing(index) && !item.isInline && !item.isUnknown;
   }
   int skipped(int index, bool forward) const;
+  bool isBetweenWords(int index) const;
   std::string name(int index) const { return "<" + page[index].node->getName() + ">"; }
   std::string endTag(int index) const { return "</" + page.writtenName(index) + ">"; }
   void edit(std::size_t offset, std::size_t length, std::string replacement, int rank = 0) {
@@ -374,11 +375,21 @@ void RepairPlanner::Data::planStrayEnd(int index) {
     edit(item.all.begin, item.all.length(), "<" + tag.substr(2, 2) + (isXml ? " />" : ">"));
     return finish(SAFE, "writes " + tag + " as a begin tag, as browsers read it");
   }
+  if (isBetweenWords(index)) return giveUp("two words would become one");
   removeTag(item.all);
   const int around = scope[static_cast<std::size_t>(index)];
   const bool isPart = isCell(id) || isRowHolder(id) || id == ID_TR;
   const std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
   finishAcross(from, item.all.begin, "drops " + tag);
+}
+
+// Text stands right before and right behind it.
+bool RepairPlanner::Data::isBetweenWords(int index) const {
+  const int before = page.previousSibling(index);
+  const int behind = page.nextSibling(index);
+  if (before == kNone || behind == kNone || page[before].isElement || page[behind].isElement) return false;
+  const Range all = page[index].all;
+  return page.trimBack(all.begin, 0) == all.begin && page.skipSpace(all.end, page.source().size()) == all.end;
 }
 
 void RepairPlanner::Data::planMissingEnd(int index) {
@@ -609,6 +620,9 @@ const std::vector<RepairPlanner::Finding>& RepairPlanner::findings() const {
   return data_ ? data_->findings : kNothing.findings;
 }
 const std::vector<RepairPlanner::Plan>& RepairPlanner::plans() const { return data_ ? data_->plans : kNothing.plans; }
+bool RepairPlanner::isHalfPage(Document* document) {
+  return document && document->getDocumentElement() && RepairPage(*document).isHalf();
+}
 bool RepairPlanner::isHalfPage() const { return data_ && data_->page.isHalf(); }
 
 const RepairPlanner::Plan* RepairPlanner::planFor(const Node* node, unsigned long error) const {

@@ -68,6 +68,8 @@ class ZELDOM40_API RepairPlanner {
   // Whether the page is one that other files complete: it has no begin tag of HTML, HEAD, TITLE or BODY and no
   // document type, or it includes other files.
   bool isHalfPage() const;
+  // The same without a planner. Null or a document without a tree: false.
+  static bool isHalfPage(Document* document);
   // Makes the edits of the plans with these indices and parses the result once, in a new document of the same DOM. An
   // error is known by its bit and its place, followed through the edits. Indices that are none are passed over.
   Verdict verify(const std::vector<std::size_t>& plans) const;

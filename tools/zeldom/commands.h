@@ -67,6 +67,11 @@ struct RewriteOptions {
   int codepage = 0;
 };
 
+struct FixOptions {
+  RewriteOptions rewrite;
+  bool unsafe = false;
+};
+
 struct FormatOptions {
   RewriteOptions rewrite;
   int indent = 2;
@@ -96,7 +101,7 @@ ExitCode runDtd(const DtdOptions& options);
 // Prints what is wrong with each page. Findings: an error, a severe one with `severeOnly`.
 ExitCode runCheck(const CheckOptions& options, const Settings& settings);
 // Repairs each page. Findings: severe errors that remain; with `diff` or `dryRun`, a page that would change.
-ExitCode runFix(const RewriteOptions& options, const Settings& settings);
+ExitCode runFix(const FixOptions& options, const Settings& settings);
 // Lays each page out anew. Findings: as for runFix, and a page that must be repaired first.
 ExitCode runFormat(const FormatOptions& options, const Settings& settings);
 // Writes each page as a server gets it.

@@ -1,6 +1,7 @@
 // From the changed text of a page to the new bytes of its file.
 #include "tools/zeldom/fix_rewrite.h"
 
+#include <cstdio>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -118,7 +119,8 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
     const auto use = [&](const SourceFile& file, const Page& page) {
       const ChangeResult changed = change(library, page, file.text);
       if (!changed.left.empty()) complain(path, changed.left);
-      const ExitCode left = changed.left.empty() ? kFine : kFindings;
+      for (const std::string& note : changed.notes) std::fprintf(stderr, "%s:%s\n", path.c_str(), note.c_str());
+      const ExitCode left = changed.left.empty() && !changed.isLeft ? kFine : kFindings;
       const bool asks = options.diff || options.dryRun;
       if (changed.text == file.text) {
         if (!options.inPlace && !asks) out << file.bytes;

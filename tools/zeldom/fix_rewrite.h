@@ -3,8 +3,10 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tools/zeldom/commands.h"
+#include "tools/zeldom/guard.h"
 #include "tools/zeldom/page.h"
 
 namespace zeldom40::tool {
@@ -13,6 +15,11 @@ struct ChangeResult {
   std::string text;  // the page's new text, or its old one
   std::string done;  // what was done, for people: "3 repairs"
   std::string left;  // what is left to do; empty: nothing
+  // What the change did to the text, for the guard.
+  GuardMode mode = GuardMode::kNone;
+  std::vector<zeldom40::SourceEdit> edits;
+  std::vector<std::string> notes;  // for stderr: what is to be known of the change, a line each, behind the file's name
+  bool isLeft = false;             // something is left to do, and the notes say what
 };
 
 // Changes a page. `text` is the text that it was parsed from.

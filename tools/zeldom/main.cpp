@@ -111,9 +111,11 @@ int run(int argc, char** argv) {
   addCodepage(checkCommand, &check.codepage);
   checkCommand->callback([&] { command = [&] { return runCheck(check, settings); }; });
 
-  RewriteOptions fix;
-  CLI::App* fixCommand = app.add_subcommand("fix", "Repair pages; lines that need no repair keep their bytes");
-  addRewriteOptions(fixCommand, &fix);
+  FixOptions fix;
+  CLI::App* fixCommand = app.add_subcommand("fix", "Repair pages; what no error points at keeps its bytes");
+  addRewriteOptions(fixCommand, &fix.rewrite);
+  fixCommand->add_flag("--unsafe", fix.unsafe,
+                       "Also make repairs that may change what the page means; each is named on standard error");
   fixCommand->callback([&] { command = [&] { return runFix(fix, settings); }; });
 
   FormatOptions format;
