@@ -22,6 +22,8 @@ constexpr std::string_view kCarriable[] = {"A",     "ABBR", "ACRONYM", "B",     
                                            "DFN",   "EM",   "FONT",    "I",      "KBD", "S",    "SAMP",
                                            "SMALL", "SPAN", "STRIKE",  "STRONG", "TT",  "U",    "VAR"};
 
+constexpr std::string_view kVerbatim[] = {"PRE", "TEXTAREA", "SCRIPT", "STYLE", "XMP", "LISTING", "TITLE"};
+
 bool isCarriableName(std::string_view name) {
   return std::find(std::begin(kCarriable), std::end(kCarriable), name) != std::end(kCarriable);
 }
@@ -68,9 +70,10 @@ bool isInclude(std::string_view text) {
 
 }  // namespace
 
-RepairPage::RepairPage(Document& document) {
+RepairPage::RepairPage(Document& document, bool guardWide) {
   readTree(document);
-  findServerCode();
+  findServerCode(guardWide);
+  findVerbatim();
   judgeWhole();
 }
 
@@ -78,8 +81,8 @@ void RepairPage::readTree(Document& document) {
   Node* root = document.getDocumentElement();
   if (!root) return;
   const SourceMap map(&document);
-  source_.assign(document.getSourceBuf(root, Document::SOURCE_ALL, /*compact=*/false),
-                 document.getSourceBufLen(nullptr, Document::SOURCE_ALL, /*compact=*/false));
+  const char* source = document.getSourceBuf(root, Document::SOURCE_ALL, /*compact=*/false);
+  source_.assign(source, document.getSourceBufLen(nullptr, Document::SOURCE_ALL, /*compact=*/false));
   std::unordered_map<const ElementDefinition*, bool> inlines;
   std::vector<int> open;
   std::vector<int> lastChild;  // of each open node
@@ -125,7 +128,7 @@ void RepairPage::readTree(Document& document) {
 }
 
 // A `<%`, `<?`, SSI, `${`, `#{`, `{{`, `{%` or tag with a prefix, and the conditional comments of browsers.
-void RepairPage::findServerCode() {
+void RepairPage::findServerCode(bool guardWide) {
   const std::string_view text = source_;
   // In scripts braces are of the script.
   std::vector<Range> scripts;
@@ -139,10 +142,14 @@ void RepairPage::findServerCode() {
     while (script < scripts.size() && scripts[script].end <= at) ++script;
     return script < scripts.size() && scripts[script].begin <= at;
   };
-  for (std::size_t i = 0; (i = text.find_first_of("<$#{", i)) != std::string_view::npos; ++i) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isWide = guardWide && (text[i] & 0x80);
+    if (!isWide && text[i] != '<' && text[i] != '$' && text[i] != '#' && text[i] != '{') continue;
     const char next = i + 1 < text.size() ? text[i + 1] : '\0';
-    bool found = false;
-    if (text[i] != '<') {
+    bool found = isWide;
+    if (isWide) {
+      // nothing more to ask
+    } else if (text[i] != '<') {
       const bool opens = text[i] == '{' ? next == '{' || next == '%' : next == '{';
       found = opens && !inScript(i);
     } else if (next == '%' || next == '?') {
@@ -160,6 +167,39 @@ void RepairPage::findServerCode() {
     server_.push_back(i);
     isHalf_ = isHalf_ || isInclude(text.substr(i));
   }
+}
+
+// From a begin tag to the next end tag of its name, whatever stands between.
+void RepairPage::findVerbatim() {
+  std::size_t end = 0;
+  for (int i = 0; i < count(); ++i) {
+    const Item& item = (*this)[i];
+    if (!item.isElement || !item.begin.isKnown() || item.begin.isEmpty() || item.begin.begin < end) continue;
+    const std::string& name = item.node->getName();
+    if (std::find(std::begin(kVerbatim), std::end(kVerbatim), name) == std::end(kVerbatim)) continue;
+    end = item.begin.end;
+    while (end < source_.size() && !startsFolded(std::string_view(source_).substr(end), "</" + name)) {
+      end = std::min(source_.find("</", end + 1), source_.size());
+    }
+    verbatim_.push_back({item.begin.end, end});
+  }
+}
+
+bool RepairPage::isVerbatim(std::size_t offset) const {
+  const auto behind = std::upper_bound(verbatim_.begin(), verbatim_.end(), offset,
+                                       [](std::size_t o, const Range& range) { return o < range.begin; });
+  return behind != verbatim_.begin() && offset <= (behind - 1)->end;
+}
+
+bool RepairPage::isPlainTag(Range tag) const {
+  const std::string_view text = at(tag);
+  if (text.size() < 3 || text.back() != '>') return false;
+  for (std::size_t i = 1; (i = text.find('<', i)) != std::string_view::npos;) {
+    const std::size_t end = text.substr(i, 2) == "<%" ? text.find("%>", i) : std::string_view::npos;
+    if (end == std::string_view::npos) return false;
+    i = end + 2;
+  }
+  return true;
 }
 
 void RepairPage::judgeWhole() {

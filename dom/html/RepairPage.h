@@ -45,7 +45,9 @@ class RepairPage {
     bool isInline;     // stands in a line of text
   };
 
-  explicit RepairPage(Document& document);
+  // With `guardWide` bytes above 127 count as server code: in the escaped form that such a page may have in its file
+  // they look like anything.
+  explicit RepairPage(Document& document, bool guardWide = false);
 
   const std::string& source() const { return source_; }
   const std::vector<Item>& items() const { return items_; }
@@ -73,7 +75,11 @@ class RepairPage {
   std::string likeName(int index, const char* upperName) const;
   // Whether a server construct, or what switches markup on and off, begins in the stretch.
   bool hasServerCode(std::size_t begin, std::size_t end) const;
-  bool hasServerCode() const { return !server_.empty(); }
+  // Whether the text of the page keeps its line breaks and blanks around that place, or is no text at all: inside of
+  // PRE, TEXTAREA, SCRIPT and the like, however deep.
+  bool isVerbatim(std::size_t offset) const;
+  // A begin tag in which no other tag begins, as far as its reader could tell.
+  bool isPlainTag(SourceMap::Range tag) const;
   bool isHalf() const { return isHalf_; }
   // The page opens HTML or BODY and does not close them: another file may go on where it ends.
   bool isOpenAtEnd() const { return isOpenAtEnd_; }
@@ -94,14 +100,16 @@ class RepairPage {
 
  private:
   void readTree(Document& document);
-  void findServerCode();
+  void findServerCode(bool guardWide);
+  void findVerbatim();
   void judgeWhole();
 
   std::string source_;
   std::vector<Item> items_;
   std::unordered_map<const Node*, int> places_;
-  std::vector<std::size_t> server_;  // where constructs begin, sorted
-  std::vector<int> previous_;        // sibling before each item
+  std::vector<std::size_t> server_;         // where constructs begin, sorted
+  std::vector<SourceMap::Range> verbatim_;  // sorted
+  std::vector<int> previous_;               // sibling before each item
   std::size_t bodyEnd_ = 0;
   bool isHalf_ = false;
   bool isOpenAtEnd_ = false;

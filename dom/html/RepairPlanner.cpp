@@ -33,9 +33,9 @@ constexpr char kHalfPage[] = "its other tag may stand in another file";
 constexpr char kServerBetween[] = ", though server code stands in between";
 
 // Their end tag may be added and dropped: what they hold ends where the page shows it to end.
-constexpr int kClosable[] = {ID_DIV, ID_CENTER,  ID_BLOCKQUOTE, ID_TABLE, ID_UL,      ID_OL, ID_DL,
-                             ID_DIR, ID_MENU,    ID_H1,         ID_H2,    ID_H3,      ID_H4, ID_H5,
-                             ID_H6,  ID_ADDRESS, ID_CAPTION,    ID_PRE,   ID_FIELDSET};
+constexpr int kClosable[] = {ID_DIV, ID_CENTER, ID_BLOCKQUOTE, ID_TABLE,   ID_UL,      ID_OL,
+                             ID_DL,  ID_DIR,    ID_MENU,       ID_H1,      ID_H2,      ID_H3,
+                             ID_H4,  ID_H5,     ID_H6,         ID_ADDRESS, ID_CAPTION, ID_FIELDSET};
 
 template <std::size_t N>
 bool isOneOf(int id, const int (&ids)[N]) {
@@ -150,7 +150,8 @@ class OffsetMap {
 }  // namespace
 
 struct RepairPlanner::Data {
-  explicit Data(Document& document) : dom(document.getDOM()), page(document), findings(listFindings(page)) {
+  Data(Document& document, bool guardWide)
+      : dom(document.getDOM()), page(document, guardWide), findings(listFindings(page)) {
     indexFindings();
     lookAround();
     planOf.assign(findings.size(), kNoPlan);
@@ -294,6 +295,12 @@ void RepairPlanner::Data::claim(int index, unsigned long bits) {
 }
 
 void RepairPlanner::Data::finish(Kind kind, std::string reason) {
+  const auto isVerbatim = [this](const PlannedEdit& edit) {
+    return page.isVerbatim(edit.offset) || page.isVerbatim(edit.offset + edit.length);
+  };
+  if (kind != UNREPAIRED && std::any_of(edits.begin(), edits.end(), isVerbatim)) {
+    return giveUp("it stands in preformatted text or in a script");
+  }
   Plan plan;
   plan.kind = kind;
   plan.reason = std::move(reason);
@@ -396,7 +403,7 @@ void RepairPlanner::Data::planMissingEnd(int index) {
   const RepairPage::Item& item = page[index];
   const int id = page.id(index);
   if (page.isHalf()) return giveUp(kHalfPage);
-  if (item.error & ERR_ELEMENT_PARSE_ERROR) return giveUp("its begin tag is broken");
+  if ((item.error & ERR_ELEMENT_PARSE_ERROR) || !page.isPlainTag(item.begin)) return giveUp("its begin tag is broken");
   if (!item.isCarriable && !isOneOf(id, kClosable)) return giveUp("where it ends is not told by the page");
   const auto* element = static_cast<const Element*>(item.node);
   std::size_t offset = item.end.begin;
@@ -609,8 +616,8 @@ void RepairPlanner::Data::planCase(int index) {
 // --- the planner
 // ------------------------------------------------------------------------------------------------------
 
-RepairPlanner::RepairPlanner(Document* document) {
-  if (document && document->getDocumentElement()) data_ = std::make_unique<Data>(*document);
+RepairPlanner::RepairPlanner(Document* document, bool guardWide) {
+  if (document && document->getDocumentElement()) data_ = std::make_unique<Data>(*document, guardWide);
 }
 
 RepairPlanner::~RepairPlanner() = default;

@@ -51,8 +51,9 @@ class ZELDOM40_API RepairPlanner {
   };
 
   // Looks at the page of `document`, which must not change as long as the planner lives; null or a document without a
-  // tree has no findings. Costs one pass over the tree.
-  explicit RepairPlanner(Document* document);
+  // tree has no findings. Costs one pass over the tree. With `guardWide` bytes above 127 are taken for server code: for
+  // a text that its file has under ISO-2022-JP, where other programs may see `<%` in the middle of a word.
+  explicit RepairPlanner(Document* document, bool guardWide = false);
   RepairPlanner(const RepairPlanner&) = delete;
   RepairPlanner& operator=(const RepairPlanner&) = delete;
   ~RepairPlanner();
@@ -95,8 +96,9 @@ class ZELDOM40_API SourceRepair {
     bool isHint;  // of half a page: nobody can tell from this file whether it is an error
   };
 
-  // Parses `source` in documents of `dom`, which are deleted again. With `unsafe` plans of that kind are made too.
-  SourceRepair(DOM* dom, const std::string& source, bool unsafe);
+  // Parses `source` in documents of `dom`, which are deleted again. With `unsafe` plans of that kind are
+  // made too; `guardWide` as for a planner.
+  SourceRepair(DOM* dom, const std::string& source, bool unsafe, bool guardWide = false);
 
   const std::string& text() const { return edited_.text(); }
   // Of the source that was given; sorted.
@@ -105,7 +107,7 @@ class ZELDOM40_API SourceRepair {
   const std::vector<Entry>& left() const { return left_; }
 
  private:
-  bool pass(DOM* dom, bool unsafe);
+  bool pass(DOM* dom, bool unsafe, bool guardWide);
 
   EditedText edited_;
   std::vector<Entry> settled_;

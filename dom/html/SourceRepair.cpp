@@ -37,15 +37,15 @@ RepairPlanner::Verdict sound(const RepairPlanner& planner, std::vector<std::size
 
 }  // namespace
 
-SourceRepair::SourceRepair(DOM* dom, const std::string& source, bool unsafe) : edited_(source) {
-  for (int i = 0; i < kMostPasses && pass(dom, unsafe); ++i) {
+SourceRepair::SourceRepair(DOM* dom, const std::string& source, bool unsafe, bool guardWide) : edited_(source) {
+  for (int i = 0; i < kMostPasses && pass(dom, unsafe, guardWide); ++i) {
   }
 }
 
 // True if something was repaired.
-bool SourceRepair::pass(DOM* dom, bool unsafe) {
+bool SourceRepair::pass(DOM* dom, bool unsafe, bool guardWide) {
   const ParsedPage parsed(dom, edited_.text());
-  const RepairPlanner planner(parsed.document());
+  const RepairPlanner planner(parsed.document(), guardWide);
   std::vector<std::size_t> wanted;
   const std::vector<RepairPlanner::Plan>& plans = planner.plans();
   for (std::size_t i = 0; i < plans.size(); ++i) {

@@ -43,10 +43,10 @@ ExitCode runFix(const FixOptions& options, const Settings& settings) {
   const Library library(settings);
   if (!library.usable()) return kFailed;
   const bool shows = options.rewrite.diff || options.rewrite.dryRun;
-  return rewriteFiles(options.rewrite, library, [&](const Library& lib, const Page& page, const std::string& text) {
+  return rewriteFiles(options.rewrite, library, [&](const Library& lib, const Page& page, const SourceFile& file) {
     ChangeResult result;
     result.mode = options.unsafe ? GuardMode::kFixUnsafe : GuardMode::kFix;
-    const SourceRepair repair(lib.dom(), text, options.unsafe);
+    const SourceRepair repair(lib.dom(), file.text, options.unsafe, file.charset == CodeConv::CHARSET_JIS);
     result.text = repair.text();
     result.edits = repair.edits();
     result.done = summary(repair.settled());

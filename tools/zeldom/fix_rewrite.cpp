@@ -117,7 +117,7 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
       continue;
     }
     const auto use = [&](const SourceFile& file, const Page& page) {
-      const ChangeResult changed = change(library, page, file.text);
+      const ChangeResult changed = change(library, page, file);
       if (!changed.left.empty()) complain(path, changed.left);
       for (const std::string& note : changed.notes) std::fprintf(stderr, "%s:%s\n", path.c_str(), note.c_str());
       const ExitCode left = changed.left.empty() && !changed.isLeft ? kFine : kFindings;

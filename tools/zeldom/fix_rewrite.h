@@ -22,8 +22,8 @@ struct ChangeResult {
   bool isLeft = false;             // something is left to do, and the notes say what
 };
 
-// Changes a page. `text` is the text that it was parsed from.
-using PageChange = std::function<ChangeResult(const Library& library, const Page& page, const std::string& text)>;
+// Changes a page. `file.text` is the text that it was parsed from.
+using PageChange = std::function<ChangeResult(const Library& library, const Page& page, const SourceFile& file)>;
 
 // Runs `change` on each file and does with the result what the options say. `pairs` is for the page that it is given.
 ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change,

@@ -13,9 +13,9 @@ ExitCode runFormat(const FormatOptions& options, const Settings& settings) {
   DocumentStyle* style = library.dom()->getDocumentStyle();
   style->SetIndent(options.indent);
   style->SetColumnLimit(options.columns);
-  return rewriteFiles(options.rewrite, library, [](const Library&, const Page& page, const std::string& text) {
+  return rewriteFiles(options.rewrite, library, [](const Library&, const Page& page, const SourceFile& file) {
     ChangeResult result;
-    result.text = text;
+    result.text = file.text;
     result.done = "formatted";
     // Writing a tag anew completes it: a broken page would change its meaning unseen.
     if (page.document()->getError() & ERR_DOC_SEVERE_PARSE_ERROR) {
