@@ -103,7 +103,9 @@ bool Carrier::enter(int index) {
   if (item.error & ERR_ELEMENT_PARSE_ERROR) return fail("it holds a broken tag");
   if (spans(index)) {
     if (item.error & ERR_ELEMENT_END_TAG_MISSING) return fail("an inline element around it has no end tag");
-    if (page_.hasServerCode(item.begin.begin, item.begin.end)) return fail("server code stands in a tag around it");
+    if (page_.isHtml5() && page_.id(index) == ID_A) return fail("HTML 5 lets an anchor stand around blocks");
+    if (!page_.isPlainTag(item.begin)) return fail("a tag around it is broken");
+    if (page_.hasServerCode(item.begin.begin + 1, item.begin.end)) return fail("server code stands in a tag around it");
     if (around_.size() >= kMostAround) return fail("too many inline elements stand around it");
     around_.push_back({index, true, false, 0});
     return true;

@@ -24,6 +24,15 @@ constexpr std::string_view kCarriable[] = {"A",     "ABBR", "ACRONYM", "B",     
 
 constexpr std::string_view kVerbatim[] = {"PRE", "TEXTAREA", "SCRIPT", "STYLE", "XMP", "LISTING", "TITLE"};
 
+// Elements that tell a page of HTML 5 where no document type does.
+constexpr std::string_view kNewer[] = {"SECTION", "ARTICLE", "NAV",   "HEADER", "FOOTER", "MAIN",
+                                       "ASIDE",   "FIGURE",  "VIDEO", "AUDIO",  "CANVAS", "TEMPLATE"};
+
+bool hasWord(std::string_view text, std::string_view upper) {
+  const auto same = [](char a, char b) { return upperByte(a) == b; };
+  return std::search(text.begin(), text.end(), upper.begin(), upper.end(), same) != text.end();
+}
+
 bool isCarriableName(std::string_view name) {
   return std::find(std::begin(kCarriable), std::end(kCarriable), name) != std::end(kCarriable);
 }
@@ -169,6 +178,11 @@ void RepairPage::findServerCode(bool guardWide) {
   }
 }
 
+bool RepairPage::hasOddTag(std::size_t begin, std::size_t end) const {
+  const auto found = std::lower_bound(oddTags_.begin(), oddTags_.end(), begin);
+  return found != oddTags_.end() && *found < end;
+}
+
 // From a begin tag to the next end tag of its name, whatever stands between.
 void RepairPage::findVerbatim() {
   std::size_t end = 0;
@@ -210,7 +224,17 @@ void RepairPage::judgeWhole() {
   for (int i = 0; i < count(); ++i) {
     const Item& item = items_[static_cast<std::size_t>(i)];
     if (item.node->getNodeType() == Node::NODE_PI && item.all.isKnown()) {
-      isWhole = isWhole || startsFolded(at(item.all), "<!doctype");
+      const bool isType = startsFolded(at(item.all), "<!doctype");
+      isWhole = isWhole || isType;
+      const std::string type(at(item.all));
+      isHtml5_ = isHtml5_ || (startsFolded(type, "<!doctype html") && !hasWord(type, "PUBLIC"));
+    }
+    if (item.isUnknown) {
+      const std::string& name = item.node->getName();
+      isHtml5_ = isHtml5_ || std::find(std::begin(kNewer), std::end(kNewer), name) != std::end(kNewer);
+    }
+    if (item.isElement && item.begin.isKnown() && !item.begin.isEmpty() && !isPlainTag(item.begin)) {
+      oddTags_.push_back(item.begin.begin);
     }
     if (!item.isElement || !item.begin.isKnown()) continue;
     const bool page = id(i) == ID_HTML || id(i) == ID_BODY;

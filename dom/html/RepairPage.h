@@ -80,6 +80,10 @@ class RepairPage {
   bool isVerbatim(std::size_t offset) const;
   // A begin tag in which no other tag begins, as far as its reader could tell.
   bool isPlainTag(SourceMap::Range tag) const;
+  // Whether a begin tag that is none of those begins in the stretch: it may have swallowed what stood behind it.
+  bool hasOddTag(std::size_t begin, std::size_t end) const;
+  // The page says that it is HTML 5, where an anchor may stand around blocks.
+  bool isHtml5() const { return isHtml5_; }
   bool isHalf() const { return isHalf_; }
   // The page opens HTML or BODY and does not close them: another file may go on where it ends.
   bool isOpenAtEnd() const { return isOpenAtEnd_; }
@@ -111,7 +115,9 @@ class RepairPage {
   std::vector<SourceMap::Range> verbatim_;  // sorted
   std::vector<int> previous_;               // sibling before each item
   std::size_t bodyEnd_ = 0;
+  std::vector<std::size_t> oddTags_;  // where they begin, sorted
   bool isHalf_ = false;
+  bool isHtml5_ = false;
   bool isOpenAtEnd_ = false;
 };
 

@@ -29,6 +29,7 @@ constexpr int kMostPassed = 8;
 // Document types stand in so many bytes.
 constexpr std::size_t kDeclarations = 1024;
 
+constexpr char kOddTag[] = "a tag before it is broken, which may hold the other tag";
 constexpr char kHalfPage[] = "its other tag may stand in another file";
 constexpr char kServerBetween[] = ", though server code stands in between";
 
@@ -383,10 +384,11 @@ void RepairPlanner::Data::planStrayEnd(int index) {
     return finish(SAFE, "writes " + tag + " as a begin tag, as browsers read it");
   }
   if (isBetweenWords(index)) return giveUp("two words would become one");
-  removeTag(item.all);
   const int around = scope[static_cast<std::size_t>(index)];
   const bool isPart = isCell(id) || isRowHolder(id) || id == ID_TR;
   const std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
+  if (page.hasOddTag(from, item.all.begin)) return giveUp(kOddTag);
+  removeTag(item.all);
   finishAcross(from, item.all.begin, "drops " + tag);
 }
 
@@ -425,6 +427,7 @@ void RepairPlanner::Data::planMissingEnd(int index) {
       claim(inner, kPlacing);
     }
   }
+  if (page.hasOddTag(item.begin.end, offset)) return giveUp(kOddTag);
   insertEndTag(index, offset);
   const std::string reason = "adds " + endTag(index);
   if (page.isOpenAtEnd() && page.skipSpace(offset, page.source().size()) == page.source().size()) {
