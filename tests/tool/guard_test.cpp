@@ -22,7 +22,7 @@ using namespace zeldom40::tool;
 struct Change {
   std::string before;
   std::string after;
-  std::vector<SourceEdit> edits;
+  std::vector<PlannedEdit> edits;
 
   explicit Change(std::string_view text) {
     while (!text.empty()) {
@@ -50,7 +50,7 @@ struct Change {
 };
 
 std::string verdict(const std::string& before, const std::string& after, GuardMode mode,
-                    const std::vector<SourceEdit>& edits = {}) {
+                    const std::vector<PlannedEdit>& edits = {}) {
   const std::optional<GuardFault> fault = compareWrites(before, after, mode, edits);
   return fault ? std::to_string(fault->offset) + ": " + fault->reason : "fine";
 }
@@ -159,7 +159,7 @@ TEST(Guard, StopsWrongRepairs) {
 
 TEST(Guard, StopsWhatThePlanDoesNotSay) {
   const std::string page = "<body><p>one <b>two</p>\n<p>three</p>";
-  const std::vector<SourceEdit> plan = {{19, 0, "</b>"}};
+  const std::vector<PlannedEdit> plan = {{19, 0, "</b>"}};
   const std::string good = "<body><p>one <b>two</b></p>\n<p>three</p>";
   EXPECT_EQ(verdict(page, good, GuardMode::kFix, plan), "fine");
   EXPECT_EQ(verdict(page, page, GuardMode::kFix), "fine");
@@ -167,7 +167,7 @@ TEST(Guard, StopsWhatThePlanDoesNotSay) {
   EXPECT_EQ(verdict(page, page, GuardMode::kFix, plan), "19: the new text is not the one that was planned");
   EXPECT_EQ(verdict(page, good + "\n", GuardMode::kFix, plan), "36: text would come behind the end");
   EXPECT_NE(verdict(page, "", GuardMode::kFix, plan), "fine");
-  for (const std::vector<SourceEdit>& wrong : std::vector<std::vector<SourceEdit>>{
+  for (const std::vector<PlannedEdit>& wrong : std::vector<std::vector<PlannedEdit>>{
            {{37, 0, ""}}, {{36, 1, ""}}, {{19, 0, "</b>"}, {18, 0, ""}}, {{5, std::string::npos, ""}}}) {
     EXPECT_NE(verdict(page, good, GuardMode::kFix, wrong), "fine");
   }
@@ -200,6 +200,7 @@ TEST(Guard, PassesSoundLayouts) {
       {"\n\n<p>a", "<p>a"},
       {"<p>a  \n\n  b</p>", "<p>a\nb</p>"},
       {"<p> a <br> b </p>", "<p>a<br>b</p>"},
+      {"<p>a <b>b c</b></p>", "<p>a\n  <b>b\n  c</b></p>"},
       {"<% a\n %>\n<% b %>", "<% a\n %>\n\n  <% b %>"},
       {"<!DOCTYPE html><html><head><script>a</script></head></html>",
        "<!DOCTYPE html>\n<html>\n<head>\n  <script>a</script>\n</head>\n</html>"},
@@ -221,8 +222,11 @@ TEST(Guard, StopsWrongLayouts) {
       // white space that counts
       {"<b>a</b> <i>b</i>", "<b>a</b><i>b</i>"},
       {"<b>a</b>b", "<b>a</b> b"},
-      {"<p>a b</p>", "<p>a\nb</p>"},
+      {"<p>a b</p>", "<p>a  b</p>"},
+      {"<p>a b</p>", "<p>ab</p>"},
       {"<p>a\nb</p>", "<p>ab</p>"},
+      {"<p><% x %> b</p>", "<p><% x %>\nb</p>"},
+      {"<c:if test='x'>\na b</c:if>", "<c:if test='x'>\na\nb</c:if>"},
       {"<p>x <!-- c -->y</p>", "<p>x\n<!-- c -->y</p>"},
       {"<p>x\n<!-- c -->y</p>", "<p>x <!-- c -->y</p>"},
       {"a<script>f()</script>b", "a\n<script>f()</script>b"},
@@ -320,7 +324,7 @@ class Damage {
   }
 
   // Deletes, doubles, moves or changes a piece: the edits that do so.
-  std::vector<SourceEdit> edits(const std::string& page) {
+  std::vector<PlannedEdit> edits(const std::string& page) {
     const auto [begin, length] = piece(page);
     const std::string text = page.substr(begin, length);
     switch (below(4)) {
@@ -349,7 +353,7 @@ class Damage {
   std::uint64_t state_;
 };
 
-std::string apply(const std::string& page, const std::vector<SourceEdit>& edits) {
+std::string apply(const std::string& page, const std::vector<PlannedEdit>& edits) {
   std::string text = page;
   for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit)
     text.replace(edit->offset, edit->length, edit->replacement);
@@ -357,11 +361,11 @@ std::string apply(const std::string& page, const std::vector<SourceEdit>& edits)
 }
 
 // End tags and bare begin tags may come and go if that is planned.
-bool mayBePlanned(const std::string& page, const std::vector<SourceEdit>& edits) {
+bool mayBePlanned(const std::string& page, const std::vector<PlannedEdit>& edits) {
   const auto isPlain = [](const std::string& text) {
     return text.empty() || (text.front() == '<' && text.find_first_of(" =%") == std::string::npos);
   };
-  return std::all_of(edits.begin(), edits.end(), [&](const SourceEdit& edit) {
+  return std::all_of(edits.begin(), edits.end(), [&](const PlannedEdit& edit) {
     return isPlain(page.substr(edit.offset, edit.length)) && isPlain(edit.replacement);
   });
 }
@@ -378,7 +382,7 @@ TEST(Guard, StopsRandomDamage) {
   std::string missed;
   for (std::size_t round = 0; round < 1500; ++round) {
     const std::string& page = pages[round % pages.size()];
-    const std::vector<SourceEdit> edits = damage.edits(page);
+    const std::vector<PlannedEdit> edits = damage.edits(page);
     const std::string hurt = apply(page, edits);
     if (hurt == page) continue;
     const bool layout = compareWrites(page, hurt, GuardMode::kFormat, {}).has_value();
@@ -418,7 +422,7 @@ TEST(Guard, TakesLinearTimeForHostilePages) {
   // As many edits as tags.
   const int count = 10000;
   std::string page = "<body>", repaired = page;
-  std::vector<SourceEdit> edits;
+  std::vector<PlannedEdit> edits;
   for (int i = 0; i < count; ++i) {
     edits.push_back({page.size() + 2, 4, ""});
     page += "x </i> ";

@@ -14,6 +14,7 @@
 #include "tools/zeldom/output.h"
 #include "tools/zeldom/page.h"
 #include "tools/zeldom/source_file.h"
+#include "tools/zeldom/source_form.h"
 
 namespace zeldom40::tool {
 
@@ -206,6 +207,10 @@ ExitCode runCheck(const CheckOptions& options, const Settings& settings) {
   ExitCode result = kFine;
   for (const std::string& path : options.files) {
     const auto use = [&](SourceFile& file, const Page& page) {
+      if (const std::string form = wideForm(file.bytes); !form.empty()) {
+        complain(path, "seems to be " + form + ", which cannot be checked; convert it to UTF-8");
+        return kFailed;
+      }
       // Some pairs come back otherwise than they were read. Findings then stand where a save will put them.
       if (const std::string_view now = page.source(); now != file.text) file.bytes = file.text = now;
       const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);

@@ -10,6 +10,7 @@
 #include "tools/zeldom/fix_replace.h"
 #include "tools/zeldom/output.h"
 #include "tools/zeldom/source_file.h"
+#include "tools/zeldom/source_form.h"
 
 namespace zeldom40::tool {
 
@@ -97,6 +98,25 @@ Versions compare(const Library& library, const SourceFile& file, const std::stri
   return versions;
 }
 
+// Why the change must not be written, with its place in the page; empty if it may.
+std::string faultOf(const Library& library, const SourceFile& file, const ChangeResult& changed) {
+  if (changed.text == file.text) return {};
+  std::vector<PlannedEdit> planned;
+  planned.reserve(changed.edits.size());
+  for (const SourceEdit& edit : changed.edits) planned.push_back({edit.offset, edit.length, edit.replacement});
+  const std::optional<GuardFault> fault = compareWrites(file.text, changed.text, changed.mode, planned);
+  if (!fault) return {};
+  const TextMap known(library, file);
+  const SourceMap::Position at = known.map().getPosition(fault->offset);
+  return "line " + std::to_string(at.line) + ", column " + std::to_string(at.column) + ": " + fault->reason;
+}
+
+// Says that nothing is written, and why.
+ExitCode refuse(const std::string& path, const std::string& why) {
+  complain(path, why + "; nothing is written");
+  return kFailed;
+}
+
 }  // namespace
 
 std::size_t severeErrors(const Page& page) {
@@ -117,7 +137,9 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
       continue;
     }
     const auto use = [&](const SourceFile& file, const Page& page) {
+      if (const std::string form = foreignForm(file.bytes); !form.empty()) return refuse(path, "seems to be " + form);
       const ChangeResult changed = change(library, page, file);
+      if (const std::string fault = faultOf(library, file, changed); !fault.empty()) return refuse(path, fault);
       if (!changed.left.empty()) complain(path, changed.left);
       for (const std::string& note : changed.notes) std::fprintf(stderr, "%s:%s\n", path.c_str(), note.c_str());
       const ExitCode left = changed.left.empty() && !changed.isLeft ? kFine : kFindings;
@@ -127,12 +149,16 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
         return left;
       }
       const Versions versions = compare(library, file, changed.text);
+      // The bytes are the text, whatever was made of its lines.
+      if (changed.mode != GuardMode::kNone && importText(file, versions.bytes()) != changed.text) {
+        return refuse(path, "the charset cannot hold what would be written");
+      }
       if (options.diff) {
         out << unifiedDiff(path, versions.before, versions.after, versions.matches);
       } else if (!options.dryRun && !options.inPlace) {
         out << versions.bytes();
       } else {
-        if (!options.dryRun && !replaceFile(path, versions.bytes())) return kFailed;
+        if (!options.dryRun && !replaceFile(path, versions.bytes(), file.stamp)) return kFailed;
         out.paint(Colour::kName, path) << ": " << changed.done << ", " << versions.changedLines
                                        << (versions.changedLines == 1 ? " line" : " lines")
                                        << (options.dryRun ? " would change\n" : " changed\n");

@@ -25,7 +25,9 @@ struct ChangeResult {
 // Changes a page. `file.text` is the text that it was parsed from.
 using PageChange = std::function<ChangeResult(const Library& library, const Page& page, const SourceFile& file)>;
 
-// Runs `change` on each file and does with the result what the options say. `pairs` is for the page that it is given.
+// Runs `change` on each file and does with the result what the options say, once the guard has compared both: what it
+// stops is written nowhere, and kFailed. So are files of a form that cannot be written back. `pairs` is for the page
+// that it is given.
 ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change,
                       Pairs pairs = Pairs::kKeep);
 

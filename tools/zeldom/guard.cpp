@@ -185,7 +185,7 @@ class LayoutCheck {
     const bool free = edge || isFree(*last) || isFree(*next);
     const bool guarded = inBody || (last && isGuarded(*last)) || (next && isGuarded(*next));
     if (free && !inBody) return std::nullopt;
-    if (broke && newGap && (breaks || !guarded)) return std::nullopt;
+    if (guarded ? broke && breaks : oldGap && newGap && (broke || breaks)) return std::nullopt;
     return fault(place, "white space would change where it counts");
   }
 
@@ -328,7 +328,7 @@ bool includesFiles(std::string_view page) {
 
 class RepairCheck {
  public:
-  RepairCheck(std::string_view before, std::string_view after, std::span<const SourceEdit> planned)
+  RepairCheck(std::string_view before, std::string_view after, std::span<const PlannedEdit> planned)
       : planned_(planned) {
     old_.bytes = before;
     new_.bytes = after;
@@ -350,7 +350,7 @@ class RepairCheck {
   // The edits are in order and give the new page; that alone.
   Fault checkPlan() {
     std::size_t from = 0, to = 0;
-    for (const SourceEdit& edit : planned_) {
+    for (const PlannedEdit& edit : planned_) {
       if (edit.offset < from || edit.offset > old_.bytes.size() || edit.length > old_.bytes.size() - edit.offset) {
         return fault(std::min(edit.offset, old_.bytes.size()), "planned edits overlap or lie outside of the page");
       }
@@ -636,7 +636,7 @@ class RepairCheck {
     return edit == kNone ? 0 : planned_[edit].offset;
   }
 
-  std::span<const SourceEdit> planned_;
+  std::span<const PlannedEdit> planned_;
   Version old_, new_;
   std::vector<Stretch> oldEdits_, newEdits_;  // what the edits take out, what they put in
 };
@@ -656,11 +656,11 @@ void gather(std::string_view text, Things* all) {
 }
 
 // What may be said of repairs that move and drop tags: they are the planned ones, and no words are lost.
-Fault checkUnsafe(std::string_view before, std::string_view after, std::span<const SourceEdit> planned) {
+Fault checkUnsafe(std::string_view before, std::string_view after, std::span<const PlannedEdit> planned) {
   if (Fault found = RepairCheck(before, after, planned).checkPlan()) return found;
   Things kept;
-  for (const SourceEdit& edit : planned) gather(edit.replacement, &kept);
-  for (const SourceEdit& edit : planned) {
+  for (const PlannedEdit& edit : planned) gather(edit.replacement, &kept);
+  for (const PlannedEdit& edit : planned) {
     Things taken;
     gather(before.substr(edit.offset, edit.length), &taken);
     for (const auto& [thing, count] : taken) {
@@ -677,7 +677,7 @@ Fault checkUnsafe(std::string_view before, std::string_view after, std::span<con
 }  // namespace
 
 std::optional<GuardFault> compareWrites(std::string_view before, std::string_view after, GuardMode mode,
-                                        std::span<const SourceEdit> planned) {
+                                        std::span<const PlannedEdit> planned) {
   switch (mode) {
     case GuardMode::kFix:
       return RepairCheck(before, after, planned).run();

@@ -17,9 +17,10 @@
 //   stands between two words without white space can therefore be neither added nor dropped.
 // Everything else keeps its bytes and its order, and what stands first stays first.
 //
-// A new layout changes white space only: beside tags of blocks and declarations, and where a gap held a line break and
-// still separates. Beside comments and server code a line break must have been there and stay; so it must in the body
-// of a custom action, whatever stands beside it. The body of an action that uses it as a value stays.
+// A new layout changes white space only: beside tags of blocks and declarations, and where a gap holds a line break
+// before or after, and separates in both. Beside comments and server code a line break must have been there and stay;
+// so it must in the body of a custom action, whatever stands beside it. The body of an action that uses it as a value
+// stays.
 #pragma once
 
 #include <cstddef>
@@ -31,8 +32,8 @@
 
 namespace zeldom40::tool {
 
-// A planned change: `length` bytes at `offset` of the text before become `replacement`.
-struct SourceEdit {
+// A planned change: `length` bytes at the 0-based `offset` of the text before become `replacement`.
+struct PlannedEdit {
   std::size_t offset = 0;
   std::size_t length = 0;
   std::string replacement;
@@ -55,6 +56,6 @@ struct GuardFault {
 // repair does; a layout plans nothing and passes none. Returns nothing where nothing is wrong, else the first fault
 // that was found. The time grows in proportion to the size of both (and its logarithm), whatever they hold.
 std::optional<GuardFault> compareWrites(std::string_view before, std::string_view after, GuardMode mode,
-                                        std::span<const SourceEdit> planned);
+                                        std::span<const PlannedEdit> planned);
 
 }  // namespace zeldom40::tool
