@@ -127,9 +127,9 @@ std::size_t repair(const Library& library, const Page& page, std::string* text) 
 ExitCode runFix(const RewriteOptions& options, const Settings& settings) {
   const Library library(settings);
   if (!library.usable()) return kFailed;
-  return rewriteFiles(options, library, [&options](const Library& lib, const Page& page, const std::string& text) {
+  return rewriteFiles(options, library, [&options](const Library& lib, const Page& page, const SourceFile& file) {
     ChangeResult result;
-    result.text = text;
+    result.text = file.text;
     // A page without severe errors stays as it is: a repair also tidies up what no error points at.
     if (!hasSevereErrors(page)) return result;
     result.left = swallowed(page);

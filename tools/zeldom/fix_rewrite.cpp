@@ -96,6 +96,17 @@ Versions compare(const Library& library, const SourceFile& file, const std::stri
   return versions;
 }
 
+// The same for new bytes of the whole file.
+Versions compareBytes(const SourceFile& file, const std::string& bytes) {
+  Versions versions;
+  versions.before = splitLines(file.bytes);
+  versions.after = splitLines(bytes);
+  versions.matches = matchLines(versions.before, versions.after);
+  versions.changedLines = versions.after.size();
+  for (const LineMatch& match : versions.matches) versions.changedLines -= match.length;
+  return versions;
+}
+
 }  // namespace
 
 std::size_t severeErrors(const Page& page) {
@@ -116,15 +127,16 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
       continue;
     }
     const auto use = [&](const SourceFile& file, const Page& page) {
-      const ChangeResult changed = change(library, page, file.text);
+      const ChangeResult changed = change(library, page, file);
       if (!changed.left.empty()) complain(path, changed.left);
       const ExitCode left = changed.left.empty() ? kFine : kFindings;
       const bool asks = options.diff || options.dryRun;
-      if (changed.text == file.text) {
+      if (changed.bytes ? *changed.bytes == file.bytes : changed.text == file.text) {
         if (!options.inPlace && !asks) out << file.bytes;
         return left;
       }
-      const Versions versions = compare(library, file, changed.text);
+      const Versions versions =
+          changed.bytes ? compareBytes(file, *changed.bytes) : compare(library, file, changed.text);
       if (options.diff) {
         out << unifiedDiff(path, versions.before, versions.after, versions.matches);
       } else if (!options.dryRun && !options.inPlace) {
