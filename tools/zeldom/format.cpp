@@ -1,6 +1,7 @@
 // `zeldom format`: lays out the source of pages anew, by edits of their white space.
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,8 +20,29 @@ namespace {
 // A page whose layout changes when it is laid out again stays as it was after so many rounds.
 constexpr int kRounds = 4;
 
-Layout layOut(const Page& page, const SourceMap& map, std::string_view text, const FormatOptions& options) {
-  return layOut(cutLayout(page.root(), map, text), options, CodeConv::GetCodepage());
+// `rest` bytes at the end of the text are left alone.
+Layout layOut(const Page& page, const SourceMap& map, std::string_view text, std::size_t rest,
+              const FormatOptions& options) {
+  return layOut(cutLayout(page.root(), map, text, text.size() - rest), options, CodeConv::GetCodepage());
+}
+
+// How many bytes stand at the end of the text from the first one on that, in the file, looks like the begin of server
+// code and is half of a character. ISO-2022-JP writes characters with the bytes of ASCII, and many a server, or another
+// program that reads the page, does not know.
+std::size_t misreadRest(const SourceFile& file, const SourceMap& map) {
+  if (file.charset != CodeConv::CHARSET_JIS || !map.hasFile()) return 0;
+  constexpr std::string_view kOpeners[] = {"<%", "<?", "<!", "${", "#{", "{{", "{%"};
+  const std::string_view bytes = file.bytes;
+  for (std::size_t i = bytes.find_first_of("<$#{"); i != std::string_view::npos;
+       i = bytes.find_first_of("<$#{", i + 1)) {
+    const std::string_view two = bytes.substr(i, 2);
+    if (std::find(std::begin(kOpeners), std::end(kOpeners), two) == std::end(kOpeners)) continue;
+    const std::size_t at = map.fromFile(i);
+    if (at >= file.text.size() || static_cast<unsigned char>(file.text[at]) > 127)
+      return file.text.size() - std::min(at, file.text.size());
+    if (file.text[at] != bytes[i]) return file.text.size() - at;
+  }
+  return 0;
 }
 
 // The edits that turn `before` into `after`, which differ in white space and in the case of letters; nothing if they
@@ -46,11 +68,12 @@ std::optional<std::vector<SourceEdit>> editsBetween(std::string_view before, std
 }
 
 // The text laid out so that it stays when it is laid out again. Nothing if that does not come about.
-std::optional<std::string> settle(const Library& library, std::string text, const FormatOptions& options) {
+std::optional<std::string> settle(const Library& library, std::string text, std::size_t rest,
+                                  const FormatOptions& options) {
   for (int round = 0; round < kRounds; ++round) {
     const Page page(library, text, Pairs::kKeep);
     if (!page.root()) return std::nullopt;
-    const Layout next = layOut(page, SourceMap(page.document()), text, options);
+    const Layout next = layOut(page, SourceMap(page.document()), text, rest, options);
     if (next.edits.empty()) return text;
     text = applyEdits(text, next.edits);
   }
@@ -84,10 +107,11 @@ ChangeResult format(const Library& library, const Page& page, const SourceFile& 
     return result;
   }
   const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
-  const Layout layout = layOut(page, map, file.text, options);
+  const std::size_t rest = misreadRest(file, map);
+  const Layout layout = layOut(page, map, file.text, rest, options);
   if (options.verbose) tell(file.path, map, layout.leftAlone);
   if (layout.edits.empty()) return result;
-  const std::optional<std::string> text = settle(library, applyEdits(file.text, layout.edits), options);
+  const std::optional<std::string> text = settle(library, applyEdits(file.text, layout.edits), rest, options);
   const auto edits = text ? editsBetween(file.text, *text) : std::nullopt;
   if (!edits) {
     result.left = "stays as it is: its layout does not settle";

@@ -81,7 +81,8 @@ enum class Reading : std::uint8_t {
 
 class Cutter {
  public:
-  Cutter(const SourceMap& map, std::string_view text) : map_(map), patience_(kPatience * text.size() + (1 << 20)) {
+  Cutter(const SourceMap& map, std::string_view text, std::size_t limit)
+      : map_(map), limit_(limit), patience_(kPatience * text.size() + (1 << 20)) {
     page_.text = text;
   }
 
@@ -142,6 +143,10 @@ class Cutter {
   // False for a piece without bytes, or that is part of the token before; what sticks out of that becomes opaque.
   bool begins(SourceMap::Range piece) {
     if (!piece.isKnown() || piece.end <= at_) return false;
+    if (piece.end > limit_) {
+      stop(std::max(piece.begin, at_), "bytes that look like server code to who does not know the charset");
+      return false;
+    }
     if (piece.begin >= at_) return true;
     push(at_, piece.end, TokenKind::kOpaque);
     return false;
@@ -266,6 +271,10 @@ class Cutter {
           *code = true;
           i = end;
           continue;
+        }
+        if (serverEnd(i) == kNone) {
+          *code = true;
+          return kNone;
         }
         if (c == '<') {
           const std::size_t name = i + (charAt(i + 1) == '/' ? 2 : 1);
@@ -416,9 +425,10 @@ class Cutter {
   }
 
   void textPiece(SourceMap::Range piece, Text::TextType type) {
-    if (!piece.isKnown() || piece.end <= at_) return;
     if (type == Text::TEXT_LITERAL) return opaque(piece, "text that is taken literally");
+    if (!piece.isKnown() || piece.end <= at_) return;
     std::size_t i = std::max(piece.begin, at_);
+    if (piece.end > limit_) return stop(i, "bytes that look like server code to who does not know the charset");
     std::size_t word = kNone;  // where an open word began
     const auto close = [&](std::size_t end) {
       if (word != kNone) push(word, end, TokenKind::kWord);
@@ -472,6 +482,7 @@ class Cutter {
   }
 
   const SourceMap& map_;
+  const std::size_t limit_;
   LayoutPage page_;
   std::size_t at_ = 0;  // all before is in tokens, or is white space
   Node* inPair_ = nullptr;
@@ -486,6 +497,8 @@ class Cutter {
 
 }  // namespace
 
-LayoutPage cutLayout(Node* root, const SourceMap& map, std::string_view text) { return Cutter(map, text).run(root); }
+LayoutPage cutLayout(Node* root, const SourceMap& map, std::string_view text, std::size_t limit) {
+  return Cutter(map, text, limit).run(root);
+}
 
 }  // namespace zeldom40::tool

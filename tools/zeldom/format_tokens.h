@@ -50,9 +50,9 @@ struct LayoutPage {
 };
 
 // Cuts a page whose source is `text`, which must live as long as the result. Tags and texts are those of the tree; each
-// is read again as a browser or a server would, and where they do not agree the rest of the page is one opaque token.
-// Time and memory are linear.
-LayoutPage cutLayout(Node* root, const SourceMap& map, std::string_view text);
+// is read again as a browser or a server would, and where they do not agree the rest of the page is one opaque token;
+// so is what goes beyond `limit`. Time and memory are linear.
+LayoutPage cutLayout(Node* root, const SourceMap& map, std::string_view text, std::size_t limit);
 
 inline bool isLayoutSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
