@@ -15,9 +15,10 @@ struct ChangeResult {
   std::string text;  // the page's new text, or its old one
   std::string done;  // what was done, for people: "3 repairs"
   std::string left;  // what is left to do; empty: nothing
-  // What the change did to the text, for the guard.
+  // How the guard compares the file with what is to be written, and the edits that made `text` of the page's text:
+  // all bytes of the file beside them stay. Without a guard the lines of the text that differ are written anew.
   GuardMode mode = GuardMode::kNone;
-  std::vector<zeldom40::SourceEdit> edits;
+  std::vector<SourceEdit> edits;
   std::vector<std::string> notes;  // for stderr: what is to be known of the change, a line each, behind the file's name
   bool isLeft = false;             // something is left to do, and the notes say what
 };
@@ -30,8 +31,5 @@ using PageChange = std::function<ChangeResult(const Library& library, const Page
 // that it is given.
 ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change,
                       Pairs pairs = Pairs::kKeep);
-
-// How many severe errors a page has.
-std::size_t severeErrors(const Page& page);
 
 }  // namespace zeldom40::tool

@@ -32,6 +32,8 @@ const std::map<std::string, CheckFormat> kFormats = {{"text", CheckFormat::kText
                                                      {"json", CheckFormat::kJson},
                                                      {"sarif", CheckFormat::kSarif},
                                                      {"github", CheckFormat::kGitHub}};
+const std::map<std::string, TagCase> kTagCases = {
+    {"keep", TagCase::kKeep}, {"lower", TagCase::kLower}, {"upper", TagCase::kUpper}};
 const std::map<std::string, bool> kSeverities = {{"any", false}, {"severe", true}};
 const std::map<std::string, DOM::JSPVersion> kVersions = {{"0", DOM::JSP_VERSION_0}, {"1", DOM::JSP_VERSION_1}};
 
@@ -130,14 +132,19 @@ int run(int argc, char** argv) {
   fixCommand->callback([&] { command = [&] { return runFix(fix, settings); }; });
 
   FormatOptions format;
-  CLI::App* formatCommand = app.add_subcommand("format", "Lay out the source of pages anew");
+  CLI::App* formatCommand = app.add_subcommand(
+      "format", "Lay out the source of pages anew: white space only, where no reader of a page sees it");
   addRewriteOptions(formatCommand, &format.rewrite);
   formatCommand->add_option("--indent", format.indent, "Blanks for each level")
       ->capture_default_str()
       ->check(CLI::Range(0, 100));
-  formatCommand->add_option("--columns", format.columns, "Column from which the next blank becomes a line break")
+  formatCommand
+      ->add_option("--columns", format.columns,
+                   "Lines that are longer break between blocks, and at blanks of running text")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
+  addChoice(formatCommand, "--tags", &format.tags, kTagCases, "Case of the names of HTML tags (keep)");
+  formatCommand->add_flag("--verbose", format.verbose, "Say on stderr what was left alone, and why");
   formatCommand->callback([&] { command = [&] { return runFormat(format, settings); }; });
 
   RuntimeOptions runtime;
