@@ -496,6 +496,8 @@ int Text::splice(Element* element, int offset, int count, bool moveCursor) {
     if (getTextType() != TEXT_LITERAL && part->getData() == std::string_view(before).substr(begin, end - begin)) {
       part->ownRaw() = cutSource(sourceView(), before, begin, end, references());
     }
+    // Nothing of it is new.
+    if (keepsSource()) part->resetUpdateFlag(UPDATE_CREATED);
     return part;
   };
   Text* tail = createPart(from + length, before.size());
