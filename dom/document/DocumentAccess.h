@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "dom/document/DOM.h"
 #include "dom/document/Document.h"
 
 namespace zeldom40 {
@@ -12,6 +13,10 @@ class ElementDefinition;
 struct NameEntry;
 
 struct DocumentAccess {
+  // Whether edited nodes of `document`, which may be null, are written with as few changes as there can be.
+  static bool keepsSource(const Document* document) {
+    return document && document->getDOM() && document->getDOM()->getRewriting() == DOM::Rewriting::KEEP;
+  }
   // Whether `document`, which may be dead memory, is one of the process.
   static bool isLive(const Document* document);
   // A node that a cursor or selection stands at is about to die.

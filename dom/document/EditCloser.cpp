@@ -4,11 +4,13 @@
 
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/document/NodeLayout.h"
 #include "dom/document/PointlessElements.h"
 #include "dom/document/TextMerge.h"
 #include "dom/document/TreeAdjuster.h"
 #include "dom/document/TreeWalker.h"
+#include "dom/tree/ElementAccess.h"
 
 namespace zeldom40 {
 
@@ -22,7 +24,11 @@ Element* asElement(Node* node) {
 class EditCloser {
  public:
   EditCloser(Document& document, Node* top, bool full)
-      : document_(document), full_(full), walk_(top), pointless_(document) {}
+      : document_(document),
+        full_(full),
+        keeps_(DocumentAccess::keepsSource(&document)),
+        walk_(top),
+        pointless_(document) {}
 
   bool run() {
     walk_.next(!full_, false);
@@ -56,7 +62,7 @@ class EditCloser {
     }
     formatWaiting();
     if (group & GROUP_SKELETON) {
-      if (Element* first = firstOfID(element)) {
+      if (Element* first = staysApart(element) ? nullptr : firstOfID(element)) {
         walk_.toSibling(first);
         mergeLater(first);
         return;
@@ -65,6 +71,9 @@ class EditCloser {
     }
     format(element);
   }
+
+  // Skeleton elements that are made for others become one with those; tags that the page has stay under KEEP.
+  bool staysApart(const Element* element) const { return keeps_ && ElementAccess::hasSourceTag(element); }
 
   void visitText(Node* text) {
     if (text == waiting_) waiting_ = nullptr;
@@ -140,7 +149,7 @@ class EditCloser {
     for (Node* n = NodeAccess::childAfter(element); n;) {
       Element* later = asElement(n);
       n = NodeAccess::childAfter(n);
-      if (!later || later->getElementID() != element->getElementID()) continue;
+      if (!later || later->getElementID() != element->getElementID() || staysApart(later)) continue;
       mergeElements(document_, element, later);
       changed_ = true;
     }
@@ -159,6 +168,7 @@ class EditCloser {
 
   Document& document_;
   bool full_;
+  bool keeps_;
   TreeWalker walk_;
   PointlessElements pointless_;
   Node* formattedParent_ = nullptr;

@@ -1,6 +1,7 @@
 // Node factories and simple questions about the tree.
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/document/NameLookup.h"
 #include "dom/document/TextMerge.h"
 #include "dom/dtd/DocumentType.h"
@@ -27,6 +28,13 @@ bool hasNoContentOfItsOwn(const Node* node) {
   const auto* element = static_cast<const Element*>(node);
   const unsigned long group = element->getElementGroup();
   return (group & GROUP_TEXT_LEVEL) && !((group & GROUP_ANCHOR) && ElementAccess::hasAttribute(element, "NAME"));
+}
+
+// An element that the page has without content: an icon, a target of a script.
+bool standsEmpty(const Node* node) {
+  if (node->getNodeType() != Node::NODE_ELEMENT) return false;
+  const auto* element = static_cast<const Element*>(node);
+  return ElementAccess::hasSourceTag(element) && ElementAccess::wasEmpty(element);
 }
 
 }  // namespace
@@ -164,7 +172,9 @@ bool Document::isPlace(const Node* node) const {
          (selections_.size() == 1 && (node == selections_.front()->startNode || node == selections_.front()->endNode));
 }
 
-bool Document::isEmptyByItself(const Node* node) const { return !isPlace(node) && hasNoContentOfItsOwn(node); }
+bool Document::isEmptyByItself(const Node* node) const {
+  return !isPlace(node) && hasNoContentOfItsOwn(node) && !(DocumentAccess::keepsSource(this) && standsEmpty(node));
+}
 
 bool Document::isEmptyNode(Node* node, bool ignoreCursor) {
   if (!node || !(ignoreCursor ? hasNoContentOfItsOwn(node) : isEmptyByItself(node))) return false;

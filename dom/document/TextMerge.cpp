@@ -2,6 +2,7 @@
 #include "dom/document/TextMerge.h"
 
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/TextAccess.h"
 
@@ -15,6 +16,12 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   if (!parent || parent != second->getParentNode()) return nullptr;
   auto* a = static_cast<Text*>(first);
   auto* b = static_cast<Text*>(second);
+  if (DocumentAccess::keepsSource(&document)) {
+    // White space that stands in the source stays there.
+    for (const Text* text : {a, b}) {
+      if (text->getTextType() == Text::TEXT_FORMATTING && !TextAccess::rawData(text).empty()) return nullptr;
+    }
+  }
   if (b->getTextType() == Text::TEXT_FORMATTING) {
     document.deleteNodes(b);
     return a;

@@ -288,12 +288,12 @@ void ErrorCorrector::repairTags(Element* element) {
     ++count_;
   }
   if (element->getError() & ERR_ELEMENT_PARSE_ERROR) {
-    element->setBeginTagDirty();
+    ElementAccess::remakeBeginTag(element);
     element->resetError(ERR_ELEMENT_PARSE_ERROR);
     ++count_;
   }
   if (element->getError() & ERR_ELEMENT_INVALID_CASE_BEGIN) {
-    element->setBeginTagDirty();
+    ElementAccess::respellBeginTag(element);
     element->resetError(ERR_ELEMENT_INVALID_CASE_BEGIN);
     ++count_;
   }

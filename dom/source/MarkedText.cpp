@@ -133,6 +133,22 @@ void appendMarkedCode(unsigned code, std::string& out) {
   }
 }
 
+size_t readReference(std::string_view text, size_t amp, const EntityTable* table, std::string& meaning) {
+  meaning.clear();
+  if (startsAt(text, amp + 1, "#")) {
+    int digits = 0;
+    const int code = parseCharRef(text, amp + 2, &digits);
+    if (code == 0) return 0;
+    appendMarkedCode(static_cast<unsigned>(code), meaning);
+    return 2 + static_cast<size_t>(digits);
+  }
+  const size_t end = nameEnd(text, amp + 1);
+  EntityText entity;
+  if (!findEntity(table, text.substr(amp + 1, end - amp - 1), entity)) return 0;
+  meaning = entity.text;
+  return (startsAt(text, end, ";") ? end + 1 : end) - amp;
+}
+
 int expandReferences(std::string& text, int start, int length, const EntityTable* table) {
   // The input is raw text, in which bytes 27 and 28 mean nothing: it is walked byte by byte.
   const size_t from = std::min(static_cast<size_t>(std::max(start, 0)), text.size());

@@ -91,12 +91,15 @@ class ZELDOM40_API Element : public Node {
   void setHidden(bool) {}
   bool canHaveATV() const;
 
-  // A changed name or attribute shows in both tags; setEndTagDirty concerns the end tag alone. As all edits, both make
-  // the metadata of this element and of all around it stale.
+  // A changed name or attribute shows in both tags (under DOM::Rewriting::KEEP the end tag changes with the name
+  // alone); setEndTagDirty concerns the end tag alone. As all edits, both make the metadata of this element and of all
+  // around it stale.
   void setBeginTagDirty();
   void setEndTagDirty();
-  // The source text; a dirty tag is written anew first, which raises UPDATE_CONTENT_MODIFIED. KEPT: tags unknown to the
-  // DTD and <% %> forms of an HTML document keep their text for ever. Lives until the next read or change of this tag.
+  // The source text; a dirty tag is written anew first, as DOM::getRewriting says, which raises
+  // UPDATE_CONTENT_MODIFIED. Server code that stands between the attributes ends the tag: it stays last, and the tag
+  // gets no ">" that it did not have. An end tag with server code is not written anew. KEPT: tags unknown to the DTD
+  // and <% %> forms of an HTML document keep their text for ever. Lives until the next read or change of this tag.
   const std::string& getRawBeginTag() const;
   const std::string& getRawEndTag() const;
   // Store a text as it stands; the dirty marks stay.
@@ -152,6 +155,11 @@ class ZELDOM40_API Element : public Node {
   void refreshEndTag();
   void checkContentChange();
   bool rebuildsAlways() const;
+  std::string writtenName() const;
+  bool keepsTags() const;
+  void dirtyTags();
+  void storeBeginTag(std::string tag);
+  std::string rebuildBeginTag() const;
   std::string buildBeginTag() const;
   std::string buildEndTag() const;
   bool isHtmlOrLost() const;

@@ -12,11 +12,14 @@
 namespace zeldom40 {
 
 class Element;
+struct ReferenceTables;
 struct TextStrings;
 
 // Holds two forms: the raw source with entity references, and the plain form that the layout works in, where a
 // character given by a reference is marked by a byte 27 (two bytes in all) or 28 (four bytes in all). One form is
-// authoritative at a time. Offsets are bytes of the plain form unless stated.
+// authoritative at a time. What an edit of the plain form does not touch keeps its meaning in the source: a reference
+// that the library cannot read comes back as it stood, the same characters set by a host come out escaped. Offsets are
+// bytes of the plain form unless stated.
 class ZELDOM40_API Text : public Node {
  public:
   enum TextType {
@@ -47,7 +50,7 @@ class ZELDOM40_API Text : public Node {
   // The source form, made anew if dirty. Lives until the text changes.
   const std::string& getRawData() const;
   // Sets the text from source: for type 1 white space is collapsed (not in preformatted text) and references become
-  // marks; other types keep their plain form.
+  // marks, unknown ones stay as they are; other types keep their plain form.
   void setRawData(const char* text);
   void setRawData(const std::string& text);
 
@@ -84,8 +87,15 @@ class ZELDOM40_API Text : public Node {
   Node* cloneSelf() const override;
   TextStrings& strings() const { return ownStrings(); }
   std::string& editData();
+  std::string& ownRaw();
+  bool keepsSource() const;
+  ReferenceTables references() const;
+  void changeData(std::string now);
+  void carryTo(const std::string& now);
   void dataChanged();
+  void writeSource();
   std::string_view rawView() const;
+  std::string_view sourceView() const;
   void record();
 
   std::uint8_t textType_ : 2 = TEXT_NORMAL;
