@@ -57,7 +57,8 @@ class ZELDOM40_API Document : public Node {
   Element* getDocumentElement() { return documentElement_; }
   // Takes `node` out of its tree and drops one reference of its whole subtree; nodes that nobody else holds are
   // deleted. Null or the root: the whole tree goes, with cursor and selections. What lives on carries UPDATE_REMOVED; a
-  // host's own setUpdateFlag is not called for it. Always returns null.
+  // host's own setUpdateFlag is not called for it. A node below one that lives on stays with it, unless somebody holds
+  // that node and not its parent: then it loses its parent. Always returns null.
   Node* deleteNodes(Node* node);
   // Clears the tree's flags, then the document's own.
   void clearUpdateFlag() override;
@@ -146,7 +147,8 @@ class ZELDOM40_API Document : public Node {
   void clearErrors() const;
   // Repairs the subtree of `node` (null: the whole page) and brings it to normal form; returns the number of repairs.
   // Takes no undo record: a host calls record() before. What cannot be repaired keeps its error bits. KEPT: recording
-  // is on afterwards, whatever it was.
+  // is on afterwards, whatever it was. A node that is not in the tree is left alone, and 0 returned: so a host may
+  // repair the entries of an error list one by one, though the repair of one deletes the nodes of others.
   int correctError(Node* node);
   // Makes one misplaced node fit by creating the elements that it lacks around it. Returns its new parent, or null if
   // nothing could be done.
@@ -183,7 +185,8 @@ class ZELDOM40_API Document : public Node {
   // --- closing an edit ----------------------------------------------------------------------------------------------
   // Ends an edit below `node` (null: anywhere): removes elements that became pointless, merges neighbouring skeleton
   // elements and texts, and lays out new and changed nodes under the DOM's style; only nodes with update flags are
-  // visited unless `full`. Ends an undo step. Returns whether anything changed.
+  // visited unless `full`. Ends an undo step. Returns whether anything changed. For a node that is not in the tree the
+  // call does nothing and returns false.
   bool adjustNodes(Node* node, bool full);
   // Makes the next adjustNodes(nullptr, ...) do nothing.
   void skipAdjust();

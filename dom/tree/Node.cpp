@@ -99,13 +99,16 @@ int Node::releaseRef(bool deep) {
 }
 
 // The nodes of a subtree that lives on learn that they left their tree, as setUpdateFlag would tell them, and lose a
-// reference each. No parent is asked twice.
+// reference each. No parent is asked twice. A node that is held below one that nobody holds is on its own from now on:
+// that one is no more than memory of what is held around it.
 void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
+  std::vector<Node*> orphans;
   for (Node* n = top; n; n = nextInSubtree(n, top)) {
     if (n != top || alsoTop) {
       if (n->refCount_ > 0 && !n->edited_) noteEdit(n);
       addFlags(n, Node::UPDATE_REMOVED);
       --n->refCount_;
+      if (n != top && n->refCount_ > 0 && n->parent_->refCount_ < 1) orphans.push_back(n);
     }
     if (!n->getFirstChild() || (n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) continue;
     if (n->nodeType_ == Node::NODE_META_DATA) {
@@ -114,6 +117,7 @@ void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
       addFlags(n, Node::UPDATE_CHILD_MODIFIED);
     }
   }
+  for (Node* n : orphans) detachRange(n->parent_, n, n);
 }
 
 void NodeAccess::releaseRemoved(Node* top) {
