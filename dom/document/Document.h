@@ -210,9 +210,10 @@ class ZELDOM40_API Document : public Node {
   // Between suspend and its end a group of changes gets one record. KEPT: adjustNodes ends suspension and disabling.
   void suspendRecord(bool suspend);
   void enableRecord(bool enable);
-  // Drops the newest state, unless something was undone since; the count falls in any case.
+  // Drops the newest state, unless something was undone since; the count falls in any case. If a state was dropped, the
+  // next change saves one again, also within the same edit or group.
   void cancelRecord();
-  // Frees the history; the count stays.
+  // Frees the history; the count stays. The next change saves a state again, also within the same edit or group.
   void clearRecord();
   // Step back, step forth, by `count` states or as many as there are. All nodes of the tree are replaced. Return how
   // many steps remain in that direction. KEPT: a count below 1 takes no step but still changes getRecordCount.
@@ -236,6 +237,7 @@ class ZELDOM40_API Document : public Node {
   void recordChange(const Node* node) {
     if (!(recordFlags_ & (kRecordTaken | kRecordDisabled)) && isInTree(node)) record();
   }
+  void forgetRecord();
   bool isInTree(const Node* node) const;
   bool hasSevereError() const { return (getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
   Element* prepareScratchElement(const char* name);
