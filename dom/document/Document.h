@@ -58,7 +58,8 @@ class ZELDOM40_API Document : public Node {
   // Takes `node` out of its tree and drops one reference of its whole subtree; nodes that nobody else holds are
   // deleted. Null or the root: the whole tree goes, with cursor and selections. What lives on carries UPDATE_REMOVED; a
   // host's own setUpdateFlag is not called for it. A node below one that lives on stays with it, unless somebody holds
-  // that node and not its parent: then it loses its parent. Always returns null.
+  // that node and not its parent: then it loses its parent. The visual of an element goes as by setATV(nullptr). A node
+  // of another document's tree is deleted there, but nothing happens to the root of one. Always returns null.
   Node* deleteNodes(Node* node);
   // Clears the tree's flags, then the document's own.
   void clearUpdateFlag() override;
@@ -82,7 +83,7 @@ class ZELDOM40_API Document : public Node {
   Text* createTextNode(const std::string& data);
   Comment* createComment(const char* data);
   Comment* createComment(const std::string& data);
-  // KEPT: carries no document.
+  // KEPT: carries no document, in a tree neither.
   PI* createPI(const char* target, const char* data);
   // Not counted: owned by the caller until they join a list or an element.
   Attribute* createAttribute(const char* name, const char* value);
@@ -93,7 +94,7 @@ class ZELDOM40_API Document : public Node {
   MetaData* createMetaData();
   NodeIterator getElementsByTagName(const char* name);
   // Deletes the element and keeps its children in its place; `mergeTexts` joins texts that meet. An element without
-  // parent is returned untouched, else null.
+  // parent is returned untouched, else null. The visual of an element goes with its children, as by setATV(nullptr).
   Element* removeElement(Element* element, bool mergeTexts);
   // True for a text without data, and for a text-level element that holds nothing but such; the place of the cursor
   // and of a single selection counts as content unless `ignoreCursor` (for the node itself).
@@ -111,7 +112,7 @@ class ZELDOM40_API Document : public Node {
   // Parses `length` bytes of any content, NUL bytes included, below `parent`, and returns it. A null parent replaces
   // the whole tree. A fragment's parent is an element without children, usually from createTemporaryElement; errors of
   // a fragment stay on its nodes and never reach the document's word. With `adjust` a page without severe errors is
-  // brought to normal form. Text of 2 GiB or more gives null and changes nothing.
+  // brought to normal form. Text of 2 GiB or more gives null and changes nothing; so does a parent of another document.
   // Parsed nodes carry update flags (CREATED, ADDED): a host clears them with clearUpdateFlag before its first edit,
   // or adjustNodes takes every tag for new and writes it anew.
   Node* createNodes(const char* text, unsigned int length, Node* parent, bool adjust);
