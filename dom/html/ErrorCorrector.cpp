@@ -248,8 +248,8 @@ bool ErrorCorrector::correctElement(Element* element, Node** next) {
   }
   if ((element->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) && element->getParentNode()) {
     if (element->getName() == "TR") endAdaptedRow(element);
-    // A host may have put something into it.
-    if (element->hasChildNodes()) {
+    // A host may have put something into it. Behind a visual there is no place.
+    if (element->hasChildNodes() && element->getParentNode()->getNodeType() != Node::NODE_META_DATA) {
       containment_.forget(element);
       insertBehind(element->getParentNode(), element->removeChildren(nullptr, nullptr), element);
     }
