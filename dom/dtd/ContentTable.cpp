@@ -137,6 +137,14 @@ const ContentTable::Bits& ContentTable::ownSets(const ElementDefinition& definit
   return bits;
 }
 
+// All sets of a table have one length.
+bool ContentTable::BitsLess::operator()(const Bits& a, const Bits& b) const {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return a[i] < b[i];
+  }
+  return false;
+}
+
 const ContentTable::OpenSets* ContentTable::intern(const Bits& bits) {
   const auto [place, isNew] = openSets_.try_emplace(bits);
   if (isNew) {

@@ -96,6 +96,11 @@ class ContentTable {
   enum SetKind { EXCLUDED, EXCLUDED_DIRECTLY, INCLUDED };
   using Bits = std::vector<std::uint64_t>;  // three sets of `words_` words each, in the order of SetKind
   using Slot = const Answer*;               // null while it was not asked for
+  // Told word by word: the comparison of vectors in the library of GCC 12 looks at a part of the bytes only where the
+  // processor stores the highest first, so that sets which differ were one.
+  struct BitsLess {
+    bool operator()(const Bits& a, const Bits& b) const;
+  };
 
   std::vector<Slot>& rowOf(const ElementDefinition& parent);
   Slot& slot(const ElementDefinition& parent, const ElementDefinition* child, NameId name);
@@ -113,7 +118,7 @@ class ContentTable {
   std::map<std::pair<const ElementDefinition*, std::intptr_t>, Slot> otherSlots_;  // without an ordinal
   std::deque<Answer> answers_;
   std::unordered_map<const ElementDefinition*, Bits> ownSets_;
-  std::map<Bits, OpenSets> openSets_;
+  std::map<Bits, OpenSets, BitsLess> openSets_;
   const OpenSets* noSets_ = nullptr;
 };
 

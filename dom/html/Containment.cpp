@@ -129,7 +129,7 @@ Containment::Step Containment::stepOf(Element* element) {
   Step step{nullptr, table_->noSets(), nullptr, nullptr, nullptr};
   // What is in no tree, or in another one, is not kept.
   const bool keep = e || missing.back() == root_;
-  levelsWalked_ += static_cast<long>(missing.size());
+  levelsWalked_ += static_cast<std::int64_t>(missing.size());
   if (e) step = path_[*place];
   if (keep && !missing.empty()) dropPath(e ? *place + 1 : 0);
   for (auto it = missing.rbegin(); it != missing.rend(); ++it) {

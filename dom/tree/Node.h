@@ -254,7 +254,8 @@ class ZELDOM40_API Node {
 
   static const Branch kNoBranch;
 
-  NodeKind* kind_ = nullptr;
+  // Aligns the node: saved states keep a tag in the lowest three bits of its address.
+  alignas(8) NodeKind* kind_ = nullptr;
   Node* parent_ = nullptr;
   Node* next_ = nullptr;
   Node* prev_ = nullptr;
