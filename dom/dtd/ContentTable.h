@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <string_view>
 #include <unordered_map>
@@ -89,6 +88,8 @@ class ContentTable {
   // Whether an inclusion that is in force names it.
   static bool included(const OpenSets* sets, NameId name);
 
+  // How many different sets there are.
+  std::size_t setCount() const { return openSets_.size(); }
   // Differs from what it was before once elements were declared.
   unsigned generation() const { return generation_; }
 
@@ -116,7 +117,9 @@ class ContentTable {
   std::size_t words_;
   std::vector<std::vector<Slot>> elementRows_;                                     // by the ordinal of the parent
   std::map<std::pair<const ElementDefinition*, std::intptr_t>, Slot> otherSlots_;  // without an ordinal
-  std::deque<Answer> answers_;
+  // Answers that say the same are one: a pair of elements costs a pointer, however long the way between them is. By
+  // the flags and the records of the names.
+  std::map<std::pair<int, std::vector<const void*>>, Answer> answers_;
   std::unordered_map<const ElementDefinition*, Bits> ownSets_;
   std::map<Bits, OpenSets, BitsLess> openSets_;
   const OpenSets* noSets_ = nullptr;

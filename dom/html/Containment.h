@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "dom/dtd/ContentTable.h"
+#include "dom/dtd/DTDFrame.h"
 #include "dom/tree/NodeMap.h"
 
 namespace zeldom40 {
@@ -56,6 +57,7 @@ class Containment {
 
   Document& document_;
   const Node* root_;
+  TableUse tableUse_;
   ContentTable* table_;
   std::vector<Step> path_;
   NodeMap places_;  // in the path
