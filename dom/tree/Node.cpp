@@ -18,6 +18,7 @@
 
 namespace zeldom40 {
 
+static_assert(alignof(Node) <= NodePool::kGrain);
 void* Node::operator new(std::size_t size) { return NodePool::allocate(size); }
 void Node::operator delete(void* memory, std::size_t size) { NodePool::release(memory, size); }
 

@@ -40,6 +40,8 @@ constexpr unsigned long ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST = 0x8000;
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE = 0x10000;
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE_ATTR = 0x20000;
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE_END = 0x40000;
+// Of a document type declaration: some of what its subset declares was not read; see DocumentType::isCut. A warning.
+constexpr unsigned long ERR_PI_SUBSET_CUT = 0x80000;
 // Not a bit of its own: the two case bits of a begin tag together.
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE_BEGIN = 0x30000;
 // The mask of all bits that call for a repair; a document carries it whole or not at all.
@@ -262,7 +264,8 @@ class ZELDOM40_API Node {
 
   static const Branch kNoBranch;
 
-  NodeKind* kind_ = nullptr;
+  // Aligns the node: saved states keep a tag in the lowest three bits of its address.
+  alignas(8) NodeKind* kind_ = nullptr;
   Node* parent_ = nullptr;
   Node* next_ = nullptr;
   Node* prev_ = nullptr;
