@@ -184,11 +184,18 @@ TEST_F(Write, NoPageChangesWhatIsSaidOfAnother) {
   write("b", body);
   for (const std::string command :
        {"check", "check --format gnu", "fix --diff", "tree", "tree -a", "cat", "format --diff"}) {
-    const std::string a = run(command + " a 2>&1").out, b = run(command + " b 2>&1").out;
-    EXPECT_FALSE(a.empty() || b.empty()) << command;
-    EXPECT_EQ(run(command + " a b 2>&1").out, a + b) << command;
-    EXPECT_EQ(run(command + " b a 2>&1").out, b + a) << command;
-    EXPECT_EQ(run(command + " b a b a a b 2>&1").out, b + a + b + a + a + b) << command;
+    const Result a = run(command + " a"), b = run(command + " b");
+    EXPECT_NE(a.out + a.err, b.out + b.err) << command;
+    const auto expect = [&](const std::string& files, const std::vector<Result>& pages) {
+      const Result all = run(command + files);
+      std::string out, err;
+      for (const Result& page : pages) out += page.out, err += page.err;
+      EXPECT_EQ(all.out, out) << command << files;
+      EXPECT_EQ(all.err, err) << command << files;
+    };
+    expect(" a b", {a, b});
+    expect(" b a", {b, a});
+    expect(" b a b a a b", {b, a, b, a, a, b});
   }
 }
 
