@@ -134,6 +134,9 @@ class ZELDOM40_API Document : public Node {
   void runtimeTextWasSynchronized() const { runtimeTextState_ = kRuntimeTextSynchronized; }
   // For a host that loads another page into this document.
   void resetRuntimeTextStateOnReload() const { runtimeTextState_ = kRuntimeTextNotCompared; }
+  // For a host that writes a page back without a save: pairs of the page that was just parsed keep the run-time text
+  // that they have, and nothing else that is dynamic becomes a pair.
+  void keepRuntimeText();
   // Without effect once the document is marked or synchronized.
   void markRuntimeTextDifferent() const {
     if (runtimeTextState_ == kRuntimeTextNotCompared) runtimeTextState_ = kRuntimeTextDifferent;

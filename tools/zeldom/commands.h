@@ -67,6 +67,11 @@ struct RewriteOptions {
   int codepage = 0;
 };
 
+struct FixOptions {
+  RewriteOptions rewrite;
+  bool unsafe = false;
+};
+
 enum class TagCase { kKeep, kLower, kUpper };
 
 struct FormatOptions {
@@ -100,7 +105,7 @@ ExitCode runDtd(const DtdOptions& options);
 // Prints what is wrong with each page. Findings: an error, a severe one with `severeOnly`.
 ExitCode runCheck(const CheckOptions& options, const Settings& settings);
 // Repairs each page. Findings: severe errors that remain; with `diff` or `dryRun`, a page that would change.
-ExitCode runFix(const RewriteOptions& options, const Settings& settings);
+ExitCode runFix(const FixOptions& options, const Settings& settings);
 // Lays each page out anew. Findings: with `diff` or `dryRun` a page that would change, and a page that stays as it is.
 ExitCode runFormat(const FormatOptions& options, const Settings& settings);
 // Writes each page as a server gets it.

@@ -107,7 +107,6 @@ std::size_t charsetsInSight(std::string_view bytes) {
 ChangeResult format(const Library& library, const Page& page, const SourceFile& file, const FormatOptions& options) {
   ChangeResult result;
   result.text = file.text;
-  result.bytes = file.bytes;
   result.done = "formatted";
   if (page.source() != file.text) {
     result.left = "stays as it is: it would not be written as it was read";
@@ -129,17 +128,14 @@ ChangeResult format(const Library& library, const Page& page, const SourceFile& 
     result.left = "stays as it is: its layout does not settle";
     return result;
   }
-  std::optional<std::string> bytes = editFile(file, map, *edits);
-  if (!bytes) {
-    result.left = "stays as it is: its charset does not tell where its blanks are";
-    return result;
-  }
-  if (charsetsInSight(*bytes) < charsetsInSight(file.bytes)) {
+  const auto inFile = editsOfFile(file, map, *edits);
+  if (inFile && charsetsInSight(applyEdits(file.bytes, *inFile)) < charsetsInSight(file.bytes)) {
     result.left = "stays as it is: browsers would no longer see its charset";
     return result;
   }
   result.text = *text;
-  result.bytes = std::move(*bytes);
+  result.edits = *edits;
+  result.mode = options.tags == TagCase::kKeep ? GuardMode::kFormat : GuardMode::kFormatNames;
   return result;
 }
 

@@ -1,11 +1,19 @@
-// Applies edits to a text, and to the file that the text was imported from.
+// Finds the places of edits in a file, and the bytes that its charset and line ends ask for.
 #include "tools/zeldom/source_edit.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
 
 namespace zeldom40::tool {
 
 namespace {
 
 constexpr char kEscape = 0x1B;  // opens the sequences of ISO-2022-JP
+
+bool isAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
 
 // The line end at `at`, empty if there is none.
 std::string_view lineEndAt(std::string_view bytes, std::size_t at) {
@@ -61,25 +69,12 @@ class LineEnds {
 
 }  // namespace
 
-std::string applyEdits(std::string_view text, std::span<const SourceEdit> edits) {
-  std::string out;
-  out.reserve(text.size());
-  std::size_t at = 0;
-  for (const SourceEdit& edit : edits) {
-    out += text.substr(at, edit.offset - at);
-    out += edit.replacement;
-    at = edit.offset + edit.length;
-  }
-  out += text.substr(at);
-  return out;
-}
-
-std::optional<std::string> editFile(const SourceFile& file, const SourceMap& map, std::span<const SourceEdit> edits) {
+std::optional<std::vector<SourceEdit>> editsOfFile(const SourceFile& file, const SourceMap& map,
+                                                   std::span<const SourceEdit> edits) {
   if (!map.hasFile()) return std::nullopt;
   const std::string_view bytes = file.bytes;
   LineEnds lineEnds(file);
-  std::string out;
-  out.reserve(bytes.size());
+  std::vector<SourceEdit> out;
   std::size_t at = 0;
   for (const SourceEdit& edit : edits) {
     SourceMap::Range place = map.toFile(SourceMap::Range{edit.offset, edit.offset + edit.length});
@@ -87,13 +82,12 @@ std::optional<std::string> editFile(const SourceFile& file, const SourceMap& map
     if (!place.isKnown() || place.begin < at || place.end < place.begin) return std::nullopt;
     const std::string_view replaced = bytes.substr(place.begin, place.length());
     if (replaced.find(kEscape) != std::string_view::npos) return std::nullopt;
-    const std::string_view kept = bytes.substr(at, place.begin - at);
-    out += kept;
-    lineEnds.pass(kept);
-    lineEnds.append(edit.replacement, replaced, &out);
+    lineEnds.pass(bytes.substr(at, place.begin - at));
+    SourceEdit& own = out.emplace_back(SourceEdit{place.begin, place.length(), {}});
+    lineEnds.append(isAscii(edit.replacement) ? edit.replacement : exportText(file, edit.replacement), replaced,
+                    &own.replacement);
     at = place.end;
   }
-  out += bytes.substr(at);
   return out;
 }
 
