@@ -20,6 +20,8 @@ namespace {
 // A page whose layout changes when it is laid out again stays as it was after so many rounds.
 constexpr int kRounds = 4;
 
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 // `rest` bytes at the end of the text are left alone.
 Layout layOut(const Page& page, const SourceMap& map, std::string_view text, std::size_t rest,
               const FormatOptions& options) {
@@ -48,7 +50,6 @@ std::size_t misreadRest(const SourceFile& file, const SourceMap& map) {
 // The edits that turn `before` into `after`, which differ in white space and in the case of letters; nothing if they
 // differ otherwise.
 std::optional<std::vector<SourceEdit>> editsBetween(std::string_view before, std::string_view after) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
   std::vector<SourceEdit> edits;
   std::size_t a = 0, b = 0;
   while (a < before.size() || b < after.size()) {
@@ -92,6 +93,17 @@ void tell(const std::string& path, const SourceMap& map, std::vector<LeftAlone> 
   }
 }
 
+// How many words "charset=", with a name behind them, stand in the first kilobyte, where browsers look for it.
+std::size_t charsetsInSight(std::string_view bytes) {
+  constexpr std::string_view kWord = "charset=";
+  constexpr std::size_t kLookedAt = 1024, kLongestName = 40;
+  std::string start(bytes.substr(0, kLookedAt - kLongestName));
+  std::transform(start.begin(), start.end(), start.begin(), lower);
+  std::size_t count = 0;
+  for (std::size_t at = start.find(kWord); at != std::string::npos; at = start.find(kWord, at + 1)) ++count;
+  return count;
+}
+
 ChangeResult format(const Library& library, const Page& page, const SourceFile& file, const FormatOptions& options) {
   ChangeResult result;
   result.text = file.text;
@@ -114,6 +126,11 @@ ChangeResult format(const Library& library, const Page& page, const SourceFile& 
   const auto edits = text ? editsBetween(file.text, *text) : std::nullopt;
   if (!edits) {
     result.left = "stays as it is: its layout does not settle";
+    return result;
+  }
+  const auto inFile = editsOfFile(file, map, *edits);
+  if (inFile && charsetsInSight(applyEdits(file.bytes, *inFile)) < charsetsInSight(file.bytes)) {
+    result.left = "stays as it is: browsers would no longer see its charset";
     return result;
   }
   result.text = *text;

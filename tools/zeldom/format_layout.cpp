@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr int kUtf8 = 65001;
 // Deep nests would grow a page with the square of their depth.
-constexpr std::size_t kWidestIndent = 160;
+constexpr std::size_t kWidestIndent = 80;
 // So many tags are looked through for the character that text meets behind them.
 constexpr unsigned kTagsLookedThrough = 16;
 // Words that begin so may be orders of a template language that go to the end of their line.
@@ -47,19 +47,20 @@ class Liner {
     const std::size_t end = page.text.find_first_of("\r\n");
     if (end != kNone)
       lineEnd_ = page.text[end] == '\r' && page.text.substr(end + 1, 1) == "\n" ? "\r\n" : page.text.substr(end, 1);
-    caseChanges_ = options.tags != TagCase::kKeep && !(options.tags == TagCase::kUpper && isXhtml());
+    const bool barred = options.tags == TagCase::kUpper && isXhtml();
+    if (barred) leaveAlone(0, 0, "tag names: XHTML has them in lower case");
+    caseChanges_ = options.tags != TagCase::kKeep && !barred;
   }
 
   Layout run() {
-    result_.leftAlone = page_.leftAlone;
+    result_.leftAlone.insert(result_.leftAlone.end(), page_.leftAlone.begin(), page_.leftAlone.end());
     if (tokens_.empty() || !page_.isMarkup) {
-      if (!page_.isMarkup)
-        result_.leftAlone.push_back({0, size(page_.text), "the page: what the server sends is no HTML"});
+      if (!page_.isMarkup) leaveAlone(0, size(page_.text), "the page: what the server sends is no HTML");
       return std::move(result_);
     }
     leadingGap();
-    beginLine(0);
-    for (std::uint32_t i = 0; i < tokens_.size(); ++i) {
+    if (first_ < tokens_.size()) beginLine(first_);
+    for (std::uint32_t i = first_; i < tokens_.size(); ++i) {
       token(i);
       if (i + 1 < tokens_.size()) gap(i);
     }
@@ -76,6 +77,9 @@ class Liner {
   std::string_view gapBehind(std::uint32_t i) const {
     const std::size_t end = i + 1 < tokens_.size() ? tokens_[i + 1].begin : page_.text.size();
     return page_.text.substr(tokens_[i].end, end - tokens_[i].end);
+  }
+  void leaveAlone(std::uint32_t begin, std::uint32_t end, const char* reason) {
+    result_.leftAlone.push_back({begin, end, reason});
   }
   static bool breaks(std::string_view text) { return text.find_first_of("\r\n") != kNone; }
   bool isTag(std::uint32_t i) const {
@@ -111,21 +115,24 @@ class Liner {
     if (old != text) result_.edits.push_back({offset, old.size(), std::move(text)});
   }
 
-  // "No blank first line": what stands before the page shows nothing, unless text comes first in a part of a page.
+  // What stands before the page shows nothing, unless text comes first in a part of a page.
   void leadingGap() {
-    const bool marked = textOf(0) == "\xEF\xBB\xBF";
-    if (marked && tokens_.size() == 1) return;
-    const std::uint32_t first = marked ? 1 : 0;
-    const std::size_t begin = marked ? tokens_[0].end : 0;
-    const std::string_view old = page_.text.substr(begin, tokens_[first].begin - begin);
-    const TokenKind kind = tokens_[first].kind;
-    const bool silent = kind == TokenKind::kCode || kind == TokenKind::kComment || isBlockTag(first);
-    if (!marked && (silent || (page_.isWhole && kind == TokenKind::kBegin))) replace(begin, old, {});
-    advance(old);
+    if (textOf(0) == "\xEF\xBB\xBF") first_ = 1;
+    if (first_ == tokens_.size()) return;
+    const std::size_t begin = first_ ? tokens_[0].end : 0;
+    const std::string_view old = page_.text.substr(begin, tokens_[first_].begin - begin);
+    const TokenKind kind = tokens_[first_].kind;
+    const bool silent = kind == TokenKind::kCode || kind == TokenKind::kComment || isBlockTag(first_);
+    if (silent || (page_.isWhole && kind == TokenKind::kBegin)) {
+      replace(begin, old, {});
+    } else {
+      advance(old);
+    }
   }
 
   // The last line end stays the only one.
   void trailingGap() {
+    if (first_ == tokens_.size()) return;
     const auto last = static_cast<std::uint32_t>(tokens_.size() - 1);
     const std::string_view old = gapBehind(last);
     if (old.empty() || top().counts || stopped_ || tokens_[last].kind == TokenKind::kOpaque || swallowsLineEnd(last))
@@ -196,8 +203,7 @@ class Liner {
       const std::uint32_t end = ends ? tokens_[nests_[i].partner].begin : size(page_.text);
       if (!ends) stopped_ = true;
       const bool lines = breaks(page_.text.substr(token.end, end - token.end));
-      if (lines && !(token.traits & kRawName))
-        result_.leftAlone.push_back({token.end, end, "content whose white space counts"});
+      if (lines && !(token.traits & kRawName)) leaveAlone(token.end, end, "content whose white space counts");
     }
   }
 
@@ -223,10 +229,11 @@ class Liner {
     return tokens_[i].kind == TokenKind::kDeclaration || (isTag(i) && (tokens_[i].traits & kBlockName)) ||
            isHeadPart(i);
   }
-  // Whether a token is no text and will not become any.
+  // Whether a token is no text and will not become any: between two of these lines matter to nobody.
   bool isSilent(std::uint32_t i) const {
     const TokenKind kind = tokens_[i].kind;
-    return isTag(i) || kind == TokenKind::kCode || kind == TokenKind::kComment || kind == TokenKind::kDeclaration;
+    return (isTag(i) && !(tokens_[i].traits & kProseName)) || kind == TokenKind::kCode || kind == TokenKind::kComment ||
+           kind == TokenKind::kDeclaration;
   }
   // Whether some processor takes the line end behind the token away.
   bool swallowsLineEnd(std::uint32_t i) const {
@@ -316,9 +323,9 @@ class Liner {
     const LayoutToken& token = tokens_[i];
     if (!isTag(i)) return token.kind != TokenKind::kDeclaration && breaks(textOf(i));
     const std::uint32_t partner = nests_[i].partner;
+    if (token.kind != TokenKind::kBegin || partner == Nest::kNone) return false;
     const bool value = isAction(i) && bodyOf(nameOf(i)) == ActionBody::kValue;
-    if (token.kind != TokenKind::kBegin || partner == Nest::kNone || !(value || (token.traits & kAnchorName)))
-      return false;
+    if (!value && !token.keeps && !(token.traits & (kKeptName | kCodeName))) return false;
     return breaks(page_.text.substr(token.begin, tokens_[partner].end - token.begin));
   }
 
@@ -440,6 +447,7 @@ class Liner {
   Layout result_;
   const Open outside_;
   std::vector<Open> open_;
+  std::uint32_t first_ = 0;      // the first token behind a byte order mark
   std::uint32_t level_ = 0;      // of the line
   std::size_t column_ = 0;       // 0-based, behind what was laid out
   char lastByte_ = '\0';         // of the text before; NUL if it is no ASCII or something else than text

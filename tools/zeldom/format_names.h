@@ -8,20 +8,19 @@ namespace zeldom40::tool {
 
 // Bits of an element. HTML 4.0 and HTML 5 together: a page may hold elements that no DTD here declares.
 enum NameTrait : std::uint32_t {
-  kKnownName = 1,       // an element of HTML
-  kBlockName = 2,       // begins and ends lines: layout ignores white space beside its tags
-  kUnseenName = 4,      // shows nothing itself: text goes on across it
-  kProseName = 8,       // part of running text
-  kVoidName = 16,       // has no content and no end tag
-  kRawName = 32,        // what stands in it is no markup, at least to some readers
-  kKeptName = 64,       // white space in it counts, or has rules of its own
-  kCodeName = 128,      // shows code: its lines are meant
-  kBarrierName = 256,   // end tags inside of it close nothing outside
-  kOpenName = 512,      // its end tag may be missing, and its end is known nevertheless
-  kHolderName = 1024,   // holds other blocks only
-  kFlatName = 2048,     // does not indent its content
-  kForeignName = 4096,  // a tag that ends in "/>" has no content
-  kAnchorName = 8192    // its lines stay where they are, so its tags stay with them
+  kKnownName = 1,      // an element of HTML
+  kBlockName = 2,      // begins and ends lines: layout ignores white space beside its tags
+  kUnseenName = 4,     // shows nothing itself: text goes on across it
+  kProseName = 8,      // part of running text
+  kVoidName = 16,      // has no content and no end tag
+  kRawName = 32,       // what stands in it is no markup, at least to some readers
+  kKeptName = 64,      // white space in it counts, or has rules of its own
+  kCodeName = 128,     // shows code: its lines are meant
+  kBarrierName = 256,  // end tags inside of it close nothing outside
+  kOpenName = 512,     // its end tag may be missing, and its end is known nevertheless
+  kHolderName = 1024,  // holds other blocks only
+  kFlatName = 2048,    // does not indent its content
+  kForeignName = 4096  // a tag that ends in "/>" has no content
 };
 
 // The bits of an element, by its name in lower case; 0 for what is none of HTML.
