@@ -216,6 +216,29 @@ TEST_F(Hosting, RepairsFindingByFinding) {
   EXPECT_EQ(document->getErrorList().size(), 4u);
 }
 
+TEST_F(Hosting, PlansRepairsOfAFile) {
+  const std::string page = "<html><body><p>one <b>two</p><table>three</table></body></html>";
+  load(document, page);
+  std::string fixes, quickFix;
+  {
+    const RepairPlanner planner(document);
+    for (const _dom_error_packet* packet : document->getErrorList()) {
+      const RepairPlanner::Plan* plan = planner.planFor(packet->node, packet->error);
+      if (plan && plan->kind == RepairPlanner::SAFE) fixes += plan->reason + "\n";
+      if (plan) quickFix = applyEdits(planner.source(), plan->edits);
+    }
+  }
+  EXPECT_EQ(fixes, "adds </b>\n");
+  EXPECT_EQ(quickFix, page);  // the last error has no repair
+
+  std::string left;
+  const SourceRepair repair(dom, page, {});
+  for (const SourceRepair::Entry& entry : repair.left()) left += entry.name + ": " + entry.reason + "\n";
+  const std::string written = applyEdits(page, repair.edits());
+  EXPECT_EQ(left, "TEXT: it would have to move\n");
+  EXPECT_EQ(written, "<html><body><p>one <b>two</b></p><table>three</table></body></html>");
+}
+
 TEST_F(Hosting, TakesNodesOfAnotherDocument) {
   load(document, "<BODY><P>a </P></BODY>");
   Document* other = dom->createDocument("HTML");
