@@ -188,7 +188,7 @@ TEST_F(Write, NoPageChangesWhatIsSaidOfAnother) {
             body);
   write("b", body);
   for (const std::string command :
-       {"check", "check --format gnu", "fix --diff", "tree", "tree -a", "cat", "format --diff --columns 20"}) {
+       {"check", "check --format gnu", "fix --diff", "tree", "tree -a", "cat", "format --diff --tags lower"}) {
     const Result a = run(command + " a"), b = run(command + " b");
     EXPECT_NE(a.out + a.err, b.out + b.err) << command;
     const auto expect = [&](const std::string& files, const std::vector<Result>& pages) {
