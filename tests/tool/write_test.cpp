@@ -40,14 +40,14 @@ class Write : public ToolTest {
     return {code, out, testing::internal::GetCapturedStderr()};
   }
 
-  // A change that puts `by` in the place of `what`, and tells the guard so if it is `planned`.
-  static PageChange change(GuardMode mode, const std::string& what, const std::string& by, bool planned) {
+  // A change that puts `by` in the place of `what`.
+  static PageChange change(GuardMode mode, const std::string& what, const std::string& by) {
     return [=](const Library&, const Page&, const SourceFile& file) {
       ChangeResult result;
       result.mode = mode;
       result.text = replaced(file.text, what, by);
       result.done = "changed";
-      if (planned) result.edits = {{file.text.find(what), what.size(), by}};
+      result.edits = {{file.text.find(what), what.size(), by}};
       return result;
     };
   }
@@ -65,7 +65,7 @@ TEST_F(Write, WhatTheGuardStopsIsWrittenNowhere) {
   dryRun.dryRun = true;
   const std::string page = replaced(kPage, "one", "<i>one</i>");
   for (const GuardMode mode : {GuardMode::kFormat, GuardMode::kFix}) {
-    const PageChange wrong = change(mode, "<i>one</i>", "<i>on</i>", /*planned=*/mode == GuardMode::kFix);
+    const PageChange wrong = change(mode, "<i>one</i>", "<i>on</i>");
     for (const RewriteOptions& options : {RewriteOptions{}, inPlace(), diff, dryRun}) {
       write("a", page);
       const Outcome outcome = rewrite(options, wrong);
@@ -80,13 +80,18 @@ TEST_F(Write, WhatTheGuardStopsIsWrittenNowhere) {
 
 TEST_F(Write, WhatTheGuardPassesIsWritten) {
   write("a", kPage);
-  const Outcome outcome = rewrite(inPlace(), change(GuardMode::kFormat, "\r\n  two", "\r\n    two", false));
+  const Outcome outcome = rewrite(inPlace(), change(GuardMode::kFormat, "\r\n  two", "\r\n    two"));
   EXPECT_EQ(outcome.code, kFine) << outcome.err;
   EXPECT_EQ(readFile(path("a")), replaced(kPage, "  two", "    two"));
-  EXPECT_EQ(rewrite(inPlace(), change(GuardMode::kFix, "</P>", "</P>", true)).code, kFine);
-  // Unplanned, though sound.
-  EXPECT_EQ(rewrite(inPlace(), change(GuardMode::kFix, "</P>", "", false)).code, kFailed);
-  EXPECT_EQ(rewrite(inPlace(), change(GuardMode::kFix, "</P>", "", true)).code, kFine);
+  const PageChange sound = change(GuardMode::kFix, "</P>", "");
+  // A text that is not what the edits make of the page.
+  const PageChange untrue = [&](const Library& library, const Page& page, const SourceFile& file) {
+    ChangeResult result = sound(library, page, file);
+    result.text += "\r\n";
+    return result;
+  };
+  EXPECT_EQ(rewrite(inPlace(), untrue).code, kFailed);
+  EXPECT_EQ(rewrite(inPlace(), sound).code, kFine);
 }
 
 TEST_F(Write, WhatAnotherProgramWritesMeanwhileStays) {
@@ -95,7 +100,7 @@ TEST_F(Write, WhatAnotherProgramWritesMeanwhileStays) {
   for (const std::string& other : {theirs, sameSize}) {
     write("a", kPage);
     std::filesystem::last_write_time(path("a"), std::filesystem::last_write_time(path("a")) - std::chrono::hours(1));
-    const PageChange sound = change(GuardMode::kFormat, "\r\n  two", "\r\n    two", false);
+    const PageChange sound = change(GuardMode::kFormat, "\r\n  two", "\r\n    two");
     const Outcome outcome = rewrite(inPlace(), [&](const Library& lib, const Page& page, const SourceFile& file) {
       write("a", other);
       return sound(lib, page, file);
@@ -183,7 +188,7 @@ TEST_F(Write, NoPageChangesWhatIsSaidOfAnother) {
             body);
   write("b", body);
   for (const std::string command :
-       {"check", "check --format gnu", "fix --diff", "tree", "tree -a", "cat", "format --diff"}) {
+       {"check", "check --format gnu", "fix --diff", "tree", "tree -a", "cat", "format --diff --tags lower"}) {
     const Result a = run(command + " a"), b = run(command + " b");
     EXPECT_NE(a.out + a.err, b.out + b.err) << command;
     const auto expect = [&](const std::string& files, const std::vector<Result>& pages) {
