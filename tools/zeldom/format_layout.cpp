@@ -441,7 +441,7 @@ class Liner {
   const FormatOptions& options_;
   const bool utf8_;
   const std::vector<Nest> nests_;
-  std::string_view lineEnd_ = "\n";
+  std::string_view lineEnd_ = "\r\n";  // of new lines; an import gives these
   bool caseChanges_ = false;
 
   Layout result_;

@@ -322,6 +322,7 @@ class Cutter {
     if (charAt(at) != '<') return opaque(piece, "a tag without begin");
     if (const std::size_t end = serverEnd(at); end != 0) return serverPiece(piece, end);
     if (startsAt(at, "<!--")) return commentPiece(piece);
+    if (startsAt(at, "<![CDATA[")) return sectionPiece(piece);
     if (next == '!') return declarationPiece(piece);
     if (isLetter(next) || (next == '/' && isLetter(charAt(at + 2)))) return tag(piece);
     stop(at, "markup that a browser reads otherwise");
@@ -353,6 +354,13 @@ class Cutter {
     end = std::min(end, endBehind(oddComment_, at + 4));
     if (end != piece.end) return stop(at, "a comment that readers end at different places");
     push(at, end, TokenKind::kComment);
+  }
+
+  void sectionPiece(SourceMap::Range piece) {
+    const std::size_t end = endBehind(section_, piece.begin);
+    if (end == kNone) return stop(piece.begin, "a CDATA section without end");
+    push(piece.begin, std::max(end, piece.end), TokenKind::kOpaque);
+    leaveAlone(piece.begin, std::max(end, piece.end), "a CDATA section");
   }
 
   void declarationPiece(SourceMap::Range piece) {
@@ -492,7 +500,7 @@ class Cutter {
   bool server_ = false;
   std::size_t patience_;
   Terminator jspComment_{"--%>"}, jspCode_{"%>"}, comment_{"-->"}, oddComment_{"--!>"}, instruction_{"?>"},
-      greater_{">"};
+      greater_{">"}, section_{"]]>"};
 };
 
 }  // namespace

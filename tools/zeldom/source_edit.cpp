@@ -37,9 +37,9 @@ std::string_view lastLineEnd(std::string_view bytes) {
 // Hands out the line ends of an edit: those of the bytes that it replaces, then the one that stood last before it.
 class LineEnds {
  public:
-  explicit LineEnds(const SourceFile& file) : last_(nextLineEnd(file.bytes, 0)) {
-    if (last_.empty())
-      last_ = file.newline == CodeConv::NEWLINE_LF ? "\n" : file.newline == CodeConv::NEWLINE_CR ? "\r" : "\r\n";
+  explicit LineEnds(std::string_view bytes) : last_(nextLineEnd(bytes, 0)) {
+    // CHOICE: a file of one line gets the line ends that most files have today.
+    if (last_.empty()) last_ = "\n";
   }
   // Goes over what stays.
   void pass(std::string_view bytes) {
@@ -73,7 +73,7 @@ std::optional<std::vector<SourceEdit>> editsOfFile(const SourceFile& file, const
                                                    std::span<const SourceEdit> edits) {
   if (!map.hasFile()) return std::nullopt;
   const std::string_view bytes = file.bytes;
-  LineEnds lineEnds(file);
+  LineEnds lineEnds(bytes);
   std::vector<SourceEdit> out;
   std::size_t at = 0;
   for (const SourceEdit& edit : edits) {
