@@ -377,7 +377,9 @@ class EditHost {
     }
     for (Node* node : found) {
       document_->correctError(node);
+      forgetTaken();
       if (choices_.chance(3)) document_->adjustNodes(node, choices_.chance(2));
+      forgetTaken();
     }
   }
 
@@ -392,9 +394,7 @@ class EditHost {
     other_->clearUpdateFlag();
   }
   Node* pickOf(Document* document) {
-    std::vector<Node*> nodes;
-    Node* root = document->getDocumentElement();
-    for (Node* n = root; n; n = document->findNextNode(n, root, false, false)) nodes.push_back(n);
+    const std::vector<Node*> nodes = nodesOf(document);
     return nodes.size() < 2 ? nullptr : nodes[1 + choices_.below(nodes.size() - 1)];
   }
 
@@ -437,6 +437,7 @@ class EditHost {
       place->insertLast(node);
     }
     if (!node->getParentNode()) return hold(node);
+    forgetTaken();
     if (node->getDocument() && node->getDocument() != other_) fault_ = "a node of this document in the other";
     if (choices_.chance(3)) other_->adjustNodes(nullptr, choices_.chance(2));
     // It refuses the one and leaves the other to its document.
@@ -643,8 +644,7 @@ class EditHost {
     }
     fault = treeHolds(other_->getDocumentElement(), alive);
     if (!fault.empty()) return "the other document: " + fault;
-    // A stray is taken along by a run that it is linked to.
-    std::erase_if(held_, [](const Node* top) { return top->getParentNode() != nullptr; });
+    forgetTaken();
     for (Node* top : held_) {
       fault = treeHolds(top, alive);
       if (!fault.empty()) return "held: " + fault;
@@ -672,9 +672,10 @@ class EditHost {
   // --- nodes --------------------------------------------------------------------------------------------------------
 
   // By the lists: the links lead to strays of replaceChild as well.
-  std::vector<Node*> treeNodes() const {
+  std::vector<Node*> treeNodes() const { return nodesOf(document_); }
+  static std::vector<Node*> nodesOf(Document* document) {
     std::vector<Node*> nodes;
-    if (Node* root = document_->getDocumentElement()) nodes.push_back(root);
+    if (Node* root = document->getDocumentElement()) nodes.push_back(root);
     for (std::size_t i = 0; i < nodes.size(); ++i) {
       const int count = static_cast<int>(nodes[i]->getNumOfChildNodes());
       for (int k = 0; k < count; ++k) nodes.push_back(nodes[i]->getChildNode(k));
@@ -756,6 +757,10 @@ class EditHost {
     Node* node = held_[i];
     held_.erase(held_.begin() + static_cast<std::ptrdiff_t>(i));
     return node;
+  }
+  // A stray is taken along by a run that it is linked to.
+  void forgetTaken() {
+    std::erase_if(held_, [](const Node* top) { return top->getParentNode() != nullptr; });
   }
   void releaseRun(Node* node) {
     if (choices_.chance(2)) {
