@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/document/TreeWalker.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/source/DocumentStyle.h"
@@ -62,6 +64,7 @@ class Layout {
   }
 
   bool formatOwnText(Text* text, unsigned long flags) {
+    if (TextAccess::isByteOrderMark(text)) return false;
     bool before = false;
     bool behind = false;
     if (flags & kChanged) {
@@ -114,7 +117,7 @@ class Layout {
     std::string copy(TextAccess::rawData(text));
     bool changed = wrapLines(copy, style_.GetColumnLimit(), indent) > 0;
     if (!breakBefore && !breakAfter) {
-      if (changed) TextAccess::setRaw(text, std::move(copy));
+      if (changed) setRaw(text, std::move(copy));
       return changed;
     }
     trimRaw(copy, breakBefore, breakAfter);
@@ -126,8 +129,13 @@ class Layout {
       const bool last = closing && !NodeAccess::childAfter(text);
       copy += "\r\n" + std::string(static_cast<std::size_t>(last ? std::max(indent - step, 0) : indent), ' ');
     }
-    TextAccess::setRaw(text, std::move(copy));
+    setRaw(text, std::move(copy));
     return true;
+  }
+
+  void setRaw(Text* text, std::string raw) {
+    DocumentAccess::keepCursor(&document_, text);
+    TextAccess::setRaw(text, std::move(raw));
   }
 
   int indentOf(int depth) const {

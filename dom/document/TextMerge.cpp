@@ -17,6 +17,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   if (!parent || parent != second->getParentNode()) return nullptr;
   auto* a = static_cast<Text*>(first);
   auto* b = static_cast<Text*>(second);
+  if (TextAccess::isByteOrderMark(a) || TextAccess::isByteOrderMark(b)) return nullptr;
   if (b->getTextType() == Text::TEXT_FORMATTING) {
     document.deleteNodes(b);
     return a;
