@@ -218,6 +218,8 @@ class EditHost {
     Node* parent = pickParent();
     Node* ref = parent && choices_.chance(4) ? nullptr : childOf(parent);
     if (parent) {
+      // An index that is asked for keeps the list of the children alive.
+      if (choices_.chance(3)) parent->getChildNode(offset());
       switch (choices_.below(4)) {
         case 0:
           parent->insertFirst(run);
@@ -312,8 +314,9 @@ class EditHost {
   void editText() {
     Text* text = pickText();
     if (!text) return;
-    static constexpr const char* kTexts[] = {"a", " ", "two words", "\t", "<&>\"", "", "\r\nx\r\n", "\x1b\xa0", "\xff"};
-    const char* typed = kTexts[choices_.below(9)];
+    static constexpr const char* kTexts[] = {"a", " ",         "two words", "\t",   "<&>\"",
+                                             "",  "\r\nx\r\n", "\x1b\xa0",  "\xff", "\x1c<b>"};
+    const char* typed = kTexts[choices_.below(10)];
     const bool cursor = choices_.chance(2);
     switch (choices_.below(9)) {
       case 0:

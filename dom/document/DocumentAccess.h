@@ -31,6 +31,13 @@ struct DocumentAccess {
   static void replaceDocumentElement(Document* document, Element* root) { document->replaceDocumentElement(root); }
   // Whether the cursor or an end of a single selection stands right at the node.
   static bool isPlace(const Document* document, const Node* node) { return document->isPlace(node); }
+  // The source of a text changes and its plain form stays: a cursor in it that counts in the source counts in the plain
+  // form from now on.
+  static void keepCursor(Document* document, const Node* text) {
+    if (document->cursorNode_ != text || document->sourceOffset_ < 0) return;
+    if (document->layoutOffset_ < 0) document->getLayoutCursor(nullptr, &document->layoutOffset_);
+    document->sourceOffset_ = -1;
+  }
   static bool inClassify(const Document* document) { return document->inClassify_; }
   static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
   static const BeanList& outBoundBeans(const Document* document) { return *document->outBoundBeans_; }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
@@ -94,6 +95,7 @@ class Layout {
   }
 
   bool formatOwnText(Text* text, unsigned long flags) {
+    if (TextAccess::isByteOrderMark(text)) return false;
     bool before = false;
     bool behind = false;
     if (keeps_ && !(flags & kNew)) return false;
@@ -148,14 +150,14 @@ class Layout {
     bool changed = wrapLines(copy, style_.GetColumnLimit(), indent) > 0;
     if (changed && lineEnd() == "\n") std::erase(copy, '\r');
     if (!breakBefore && !breakAfter) {
-      if (changed) TextAccess::setRaw(text, std::move(copy));
+      if (changed) setRaw(text, std::move(copy));
       return changed;
     }
     trimRaw(copy, breakBefore, breakAfter);
     const bool wasEmpty = copy.empty();
     if (breakBefore && !wasEmpty) copy.insert(0, lineBreak(indent));
     if (breakAfter || (breakBefore && wasEmpty)) copy += lineBreak(indentBehind(text));
-    TextAccess::setRaw(text, std::move(copy));
+    setRaw(text, std::move(copy));
     return true;
   }
 
@@ -172,12 +174,12 @@ class Layout {
     std::string copy(raw);
     if (copy.empty()) {
       copy = lineBreak(indentBehind(text));
-      TextAccess::setRaw(text, std::move(copy));
+      setRaw(text, std::move(copy));
       return true;
     }
     if (atStart) copy.insert(0, lineBreak(indentOf(depth_)));
     if (atEnd) copy += lineBreak(indentBehind(text));
-    TextAccess::setRaw(text, std::move(copy));
+    setRaw(text, std::move(copy));
     return true;
   }
 
@@ -197,6 +199,11 @@ class Layout {
     std::string text(lineEnd());
     text.append(static_cast<std::size_t>(indent), ' ');
     return text;
+  }
+
+  void setRaw(Text* text, std::string raw) {
+    DocumentAccess::keepCursor(&document_, text);
+    TextAccess::setRaw(text, std::move(raw));
   }
 
   int indentOf(int depth) const {

@@ -18,6 +18,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   if (!parent || parent != second->getParentNode()) return nullptr;
   auto* a = static_cast<Text*>(first);
   auto* b = static_cast<Text*>(second);
+  if (TextAccess::isByteOrderMark(a) || TextAccess::isByteOrderMark(b)) return nullptr;
   if (DocumentAccess::keepsSource(&document)) {
     // White space that stands in the source stays there.
     for (const Text* text : {a, b}) {

@@ -83,6 +83,7 @@ void PageParser::popNode() {
 
 int PageParser::parse(Token stop) {
   if (nodes_->empty()) return -1;
+  if (stop == LexerType::LEX_EOF) readByteOrderMark();
   while (true) {
     if (stop == LexerType::LEX_EOF && lexer_.queued() == 0) {
       if (!standsAtTag()) readTextRun();

@@ -137,6 +137,7 @@ class PageParser {
   static bool isUnknown(const Node* node);
 
   // --- running text (TextCollector.cpp) -----------------------------------------------------------------------------
+  void readByteOrderMark();
   void readTextRun();
   void placeText(Text* text, bool isSpace);
   void placeTextByQuestion(Text* text, bool isSpace);

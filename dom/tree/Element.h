@@ -50,7 +50,8 @@ class ZELDOM40_API Element : public Node {
     noteChange();
     elementType_ = static_cast<std::uint8_t>(type) & 3;
   }
-  // The tag name, upper case for elements of a page. Lives until setName.
+  // The tag name, upper case for elements of a page. Lives until setName, which is the one way to change it: many nodes
+  // share one name, so there is on purpose no form of this that a host could write through.
   const std::string& getTagName() const { return getName(); }
   // The live list, made on first need; owned by the element. Null while there are no attributes.
   AttributeList* getAttributes() const;

@@ -1,7 +1,6 @@
 // Child list, reference counts, update flags and tree questions of the node base.
 #include "dom/tree/Node.h"
 
-#include <algorithm>
 #include <cassert>
 #include <typeinfo>
 
@@ -158,11 +157,13 @@ inline std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
 std::pair<Node*, Node*> NodeAccess::takeListedChildren(Node* node) {
   if (node->listIsTruth_) {
     Node* before = nullptr;
-    for (Node* child : listOf(node)->list) {
-      setPrev(child, nullptr);
-      setNext(child, nullptr);
+    const ChildIndex& list = listOf(node)->list;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      setPrev(list[i], nullptr);
+      setNext(list[i], nullptr);
     }
-    for (Node* child : listOf(node)->list) {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      Node* child = list[i];
       child->prev_ = before;
       if (before) before->next_ = child;
       before = child;
@@ -407,18 +408,23 @@ Node::Branch& NodeAccess::ownBranchOfLeaf(const Node* node) { return node->ownSt
 ChildListHolder* NodeAccess::holder(const Node* node) {
   if (node->hasList_) return node->branch().list;
   auto* holder = new ChildListHolder;
-  for (Node* child = node->getFirstChild(); child; child = child->next_) holder->list.push_back(child);
+  std::vector<Node*> children;
+  for (Node* child = node->getFirstChild(); child; child = child->next_) children.push_back(child);
+  holder->list.insert(0, children);
+  holder->list.settle();
   holder->last = node->getLastChild();
   ownBranch(node).list = holder;
   node->hasList_ = true;
   return holder;
 }
 
-// A change before the end of a list that nobody else looks at drops it: keeping it in step would cost its length each
-// time, and the next question about an index makes it again.
-void NodeAccess::forgetList(Node* parent) {
+// A change before the end of a list comes. A list that nobody has asked for an index since changes to it took about the
+// effort of making it goes: the next question makes it again.
+void NodeAccess::tireOfList(Node* parent) {
+  constexpr std::size_t kLeastEffort = 64;
   ChildListHolder* list = listOf(parent);
   if (!list || list->count != 1 || parent->listIsTruth_) return;
+  if (list->list.effort() < kLeastEffort + list->list.size()) return;
   parent->hasList_ = false;
   setLast(parent, list->last);
   delete list;
@@ -430,17 +436,14 @@ void NodeAccess::trustList(Node* parent) {
   parent->listIsTruth_ = true;
 }
 
-std::size_t NodeAccess::indexInList(const Node* child) {
-  const std::vector<Node*>& list = listOf(child->parent_)->list;
-  return static_cast<std::size_t>(std::find(list.begin(), list.end(), child) - list.begin());
-}
+std::size_t NodeAccess::indexInList(const Node* child) { return listOf(child->parent_)->list.find(child); }
 
 // Two children that know one another are neighbours in the list too, so that only the broken places cost a search.
 Node* NodeAccess::childAfterByList(const Node* child) {
   Node* next = child->next_;
   if (next && next->parent_ == child->parent_ && next->prev_ == child) return next;
   if (child == child->parent_->getLastChild()) return nullptr;
-  const std::vector<Node*>& list = listOf(child->parent_)->list;
+  const ChildIndex& list = listOf(child->parent_)->list;
   const std::size_t index = indexInList(child) + 1;
   return index < list.size() ? list[index] : nullptr;
 }
@@ -493,14 +496,17 @@ NodeIterator Node::getChildNodes() const { return NodeIterator(NodeAccess::holde
 int Node::getChildIndex(Node* child) {
   if (!child || child->parent_ != this) return -1;
   if (child == getFirstChild()) return 0;
-  const std::vector<Node*>& list = NodeAccess::childList(this);
+  const ChildIndex& list = NodeAccess::childList(this);
   if (child == getLastChild()) return static_cast<int>(list.size()) - 1;
-  return static_cast<int>(NodeAccess::indexInList(child));
+  const auto index = static_cast<int>(list.find(child));
+  // The effort of the question is no reason to give the list up.
+  NodeAccess::childList(this);
+  return index;
 }
 
 Node* Node::getChildNode(int index) {
   if (!hasChildNodes()) return nullptr;
-  const std::vector<Node*>& list = NodeAccess::childList(this);
+  const ChildIndex& list = NodeAccess::childList(this);
   // KEPT: callers step one past either end and count on getting the last child.
   if (index < 0 || static_cast<std::size_t>(index) >= list.size()) return list.back();
   return list[static_cast<std::size_t>(index)];
@@ -581,7 +587,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   link(left, head);
   link(end, right);
 
-  if (!(ref ? behindRef && ref == parent->getLastChild() : behindRef)) forgetList(parent);
+  if (!(ref ? behindRef && ref == parent->getLastChild() : behindRef)) tireOfList(parent);
   std::size_t index = 0;
   if (listOf(parent)) {
     const std::size_t size = listOf(parent)->list.size();
@@ -598,8 +604,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
       run.push_back(n);
       if (n == end) break;
     }
-    std::vector<Node*>& list = listOf(parent)->list;
-    list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), run.begin(), run.end());
+    listOf(parent)->list.insert(index, run);
   }
   parent->noteChange();
   // What comes may have been edited before, and would not climb any more.
@@ -668,7 +673,7 @@ void NodeAccess::append(Node* parent, Node* child) {
   parent->noteChange();
   child->noteChange();
   attachRestored(parent, child);
-  if (listOf(parent)) listOf(parent)->list.push_back(child);
+  if (listOf(parent)) listOf(parent)->list.append(child);
   if (parent->updateFlags_ & Node::UPDATE_ADDED) {
     child->noteUpdate(Node::UPDATE_ADDED);
     addFlags(child, Node::UPDATE_ADDED);
@@ -693,16 +698,11 @@ void NodeAccess::unlinkChild(Node* parent, Node* child) {
   noteLoss(parent, before, child);
   if (parent->getFirstChild() == child) setFirst(parent, after);
   if (parent->getLastChild() == child) setLast(parent, before);
-  if (after) forgetList(parent);
+  if (after) tireOfList(parent);
   if (listOf(parent)) {
-    std::vector<Node*>& list = listOf(parent)->list;
-    if (!list.empty() && list.back() == child) {
-      list.pop_back();
-    } else if (!list.empty() && list.front() == child) {
-      list.erase(list.begin());
-    } else {
-      list.erase(list.begin() + static_cast<std::ptrdiff_t>(indexInList(child)));
-    }
+    const std::size_t index = indexInList(child);
+    assert(index < listOf(parent)->list.size());
+    listOf(parent)->list.erase(index, 1);
   }
   if (parent->listIsTruth_) {
     // A neighbour that was isolated by hand may still point here.
@@ -755,26 +755,25 @@ Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
   Node* before = childBefore(first);
   Node* after = childAfter(last);
   noteLoss(parent, before, first);
-  if (after) forgetList(parent);
+  if (after) tireOfList(parent);
   if (listOf(parent)) {
-    std::vector<Node*>& list = listOf(parent)->list;
-    const auto from = static_cast<std::ptrdiff_t>(first == list.front() ? 0 : indexInList(first));
-    const auto to = last == list.back() ? static_cast<std::ptrdiff_t>(list.size())
-                                        : static_cast<std::ptrdiff_t>(indexInList(last)) + 1;
+    ChildIndex& list = listOf(parent)->list;
+    const std::size_t from = indexInList(first);
+    const std::size_t to = indexInList(last) + 1;
     if (parent->listIsTruth_) {
       // The links inside the range may be anything; what leaves is a proper run.
       for (auto i = from; i < to; ++i) {
-        setPrev(list[static_cast<std::size_t>(i)], nullptr);
-        setNext(list[static_cast<std::size_t>(i)], nullptr);
+        setPrev(list[i], nullptr);
+        setNext(list[i], nullptr);
       }
       for (auto i = from + 1; i < to; ++i) {
-        Node* left = list[static_cast<std::size_t>(i) - 1];
-        Node* right = list[static_cast<std::size_t>(i)];
+        Node* left = list[i - 1];
+        Node* right = list[i];
         left->next_ = right;
         right->prev_ = left;
       }
     }
-    list.erase(list.begin() + from, list.begin() + to);
+    list.erase(from, to - from);
   }
   setPrev(first, nullptr);
   setNext(last, nullptr);

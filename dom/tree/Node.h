@@ -122,6 +122,7 @@ class ZELDOM40_API Node {
   // Adds `bits` to the error word. A severe bit gives the document the whole ERR_DOC_SEVERE_PARSE_ERROR mask.
   virtual void setError(unsigned long bits);
   // Raises one UPDATE_* flag here; ancestors learn of it as UPDATE_CHILD_MODIFIED, up to the first that has that flag.
+  // A node keeps the lower 16 bits of flags; bits above are not kept.
   virtual void setUpdateFlag(unsigned long flag);
   virtual unsigned long getUpdateFlag() const;
   // Zeroes the flags of this node and of its subtree. A node without flags counts as clean and is not descended into.

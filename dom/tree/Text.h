@@ -25,7 +25,7 @@ class ZELDOM40_API Text : public Node {
   enum TextType {
     TEXT_LITERAL = 0,    // taken literally: script, style, CDATA content
     TEXT_NORMAL = 1,     // entity conversion applies
-    TEXT_FORMATTING = 2  // white space that only formats the source; it has no layout presence
+    TEXT_FORMATTING = 2  // has no layout presence: white space of the source, or the byte order mark before a page
   };
   // How `insert` treats a blank next to white space.
   enum SpaceMode { SPACE_NORMAL = 0, SPACE_KEEP = 1, SPACE_NBSP = 2 };
