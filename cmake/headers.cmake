@@ -19,6 +19,8 @@ set(ZELDOM40_HEADERS
     dom/dynamic/JavaTypeLookupIF.h
     dom/dynamic/MetaData.h
     dom/html/HTMLParser.h
+    dom/html/RepairPlanner.h
+    dom/html/SourceEdit.h
     dom/source/CodeConv.h
     dom/source/DocumentStyle.h
     dom/source/MappedFile.h

@@ -16,6 +16,8 @@
 #include "dom/dynamic/JavaTypeLookupIF.h"
 #include "dom/dynamic/MetaData.h"
 #include "dom/html/HTMLParser.h"
+#include "dom/html/RepairPlanner.h"
+#include "dom/html/SourceEdit.h"
 #include "dom/source/CodeConv.h"
 #include "dom/source/DocumentStyle.h"
 #include "dom/source/MappedFile.h"

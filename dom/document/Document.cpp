@@ -8,6 +8,8 @@
 #include "dom/dtd/DocumentType.h"
 #include "dom/dynamic/BeanInfo.h"
 #include "dom/dynamic/JavaTypes.h"
+#include "dom/dynamic/MetaData.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 
@@ -67,6 +69,17 @@ bool Document::isInTree(const Node* node) const {
 }
 
 Node* Document::deleteNodes(Node* node) {
+  Document* const owner = node ? node->getDocument() : nullptr;
+  if (owner && owner != this && DocumentAccess::isLive(owner)) {
+    // The other document could not know that its tree is gone, nor where its cursor goes.
+    if (node == owner->documentElement_) return nullptr;
+    if (owner->isInTree(node)) return owner->deleteNodes(node);
+  }
+  if (MetaData* md = MetaDataAccess::ofVisual(node)) {
+    forgetCursorInside(node);
+    MetaDataAccess::dropVisual(*md);
+    return nullptr;
+  }
   if (!node || node == documentElement_) {
     node = documentElement_;
     if (!node) return nullptr;
@@ -150,6 +163,24 @@ Node* Document::findClonedNode(Node* node, Node* sourceTop, Node* cloneTop) {
     if (!found) return nullptr;
   }
   return found;
+}
+
+void Document::keepRuntimeText() {
+  for (Node* n = documentElement_; n;) {
+    auto* element = n->getNodeType() == NODE_ELEMENT ? static_cast<Element*>(n) : nullptr;
+    MetaData* metaData = element ? element->getMetaData() : nullptr;
+    const bool isPair = metaData && metaData->wasLoadedFromPage();
+    if (isPair && metaData->getType() == MetaData::DynamicData) {
+      // A copy does not count as loaded, so that nothing compares its text with a new one. No type generates nothing.
+      auto* copy = new MetaData(*metaData);
+      copy->addRef(false);
+      if (copy->getRuntimeText().empty()) copy->setType(MetaData::None);
+      element->setMetaData(copy);
+    } else if (metaData && !isPair && metaData->getType() != MetaData::AuthorTimeVisual) {
+      element->setMetaData(nullptr);
+    }
+    n = findNextNode(n, nullptr, /*updatedOnly=*/false, /*skipChildren=*/isPair);
+  }
 }
 
 }  // namespace zeldom40

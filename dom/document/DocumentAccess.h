@@ -21,6 +21,8 @@ struct DocumentAccess {
   static bool isLive(const Document* document);
   // A node that a cursor or selection stands at is about to die.
   static void forgetPlace(const Node* node);
+  // The node goes to another document.
+  static void forgetPlaceIn(Document* document, const Node* node) { document->forgetPlace(node); }
   static bool isInTree(const Document* document, const Node* node) { return document->isInTree(node); }
   static void recordChange(Document* document, const Node* node) { document->recordChange(node); }
   // Neither content of its own nor the place of the cursor or of a single selection; children are not looked at.

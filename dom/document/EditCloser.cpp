@@ -190,20 +190,18 @@ bool Document::adjustNodes(Node* node, bool full) {
       return false;
     }
     node = documentElement_;
-    if (!node) return false;
   }
-  if (!dom_->getDocumentStyle()) return false;
+  if (!isInTree(node) || !dom_->getDocumentStyle()) return false;
   enableRecord(false);
   bool changed = false;
   // What the cursor has left may hold the start.
   const HeldNode held(node);
-  const bool hadParent = node->getParentNode() != nullptr;
   if (retainedCursorNode_ && retainedCursorNode_ != cursorNode_) {
     changed = dropLeftBehind(retainedCursorNode_);
     retainedCursorNode_->releaseRef(false);
     retainedCursorNode_ = nullptr;
   }
-  if (!hadParent || node->getParentNode()) changed |= EditCloser(*this, node, full).run();
+  if (isInTree(node)) changed |= EditCloser(*this, node, full).run();
   if (cursorNode_ != retainedCursorNode_) {
     if (retainedCursorNode_) retainedCursorNode_->releaseRef(false);
     retainedCursorNode_ = cursorNode_;

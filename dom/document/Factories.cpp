@@ -6,7 +6,7 @@
 #include "dom/document/TextMerge.h"
 #include "dom/dtd/DocumentType.h"
 #include "dom/dtd/ElementDefinition.h"
-#include "dom/dynamic/MetaData.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/AttributeList.h"
@@ -156,6 +156,7 @@ Element* Document::removeElement(Element* element, bool joinTexts) {
   if (!element) return nullptr;
   Node* parent = element->getParentNode();
   if (!parent) return element;
+  if (MetaDataAccess::ofVisual(element)) return static_cast<Element*>(deleteNodes(element));
   Node* before = element->getPreviousSibling();
   Node* behind = element->getNextSibling();
   if (element->hasChildNodes())

@@ -2,6 +2,7 @@
 #include "dom/document/NodeLayout.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -199,8 +200,8 @@ class Layout {
   }
 
   int indentOf(int depth) const {
-    const long wide = static_cast<long>(std::max(style_.GetIndent(), 0)) * depth;
-    return static_cast<int>(std::min<long>(wide, kMostIndent));
+    const std::int64_t wide = std::int64_t{std::max(style_.GetIndent(), 0)} * depth;
+    return static_cast<int>(std::min<std::int64_t>(wide, kMostIndent));
   }
 
   static void trimRaw(std::string& raw, bool left, bool right) {

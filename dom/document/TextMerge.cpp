@@ -1,6 +1,8 @@
 // The merge of two neighbouring texts.
 #include "dom/document/TextMerge.h"
 
+#include <cstdint>
+
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/tree/NodeAccess.h"
@@ -40,7 +42,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   const int index = document.countsIn(parent) ? parent->getChildIndex(b) : -1;
   TextAccess::append(a, b);
 
-  auto moved = [&](Node* node, long offset, long* to) {
+  auto moved = [&](Node* node, std::int64_t offset, std::int64_t* to) {
     if (node == b) {
       *to = offset + lenA;
       return true;
@@ -51,7 +53,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
     }
     return false;
   };
-  long to = 0;
+  std::int64_t to = 0;
   if (document.cursorNode_ && moved(document.cursorNode_, document.layoutOffset_, &to)) {
     document.cursorNode_ = a;
     NodeAccess::markAsPlace(a);

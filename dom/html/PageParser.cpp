@@ -55,6 +55,7 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
                        Document* document)
     : lexer_(lexer),
       frame_(frame),
+      tableUse_(frame),
       table_(frame ? &contentTable(*frame) : nullptr),
       textPlace_(table_ ? table_->textPlace(Text::TEXT_NORMAL) : -1),
       document_(document),

@@ -191,7 +191,7 @@ class PageParser {
 
   // --- declarations, server content ---------------------------------------------------------------------------------
   void readDeclaration();
-  void readSubset(Slice subset);
+  bool readSubset(Slice subset);
   // A server tag or an include, and the stretch that its attributes stand in.
   struct Directive {
     int id = 0;
@@ -279,6 +279,7 @@ class PageParser {
 
   HTMLLexer& lexer_;
   ParserType::_dtd_frame* frame_;
+  TableUse tableUse_;
   ContentTable* table_;
   int textPlace_;  // of a normal text in a row of answers; -1 without a table
   Document* document_;

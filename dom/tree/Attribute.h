@@ -66,6 +66,7 @@ class ZELDOM40_API Attribute {
   char quote_ = 0;  // 0: not decided
   Element* owner_ = nullptr;
   bool specified_ = false;
+  bool listed_ = false;
   std::uint32_t error_ = 0;
   AttributeType type_ = ATTRIBUTE_UNDECLARED;
 };

@@ -10,6 +10,11 @@ namespace zeldom40 {
 
 struct AttributeAccess {
   static void setOwner(Attribute* a, Element* owner) { a->owner_ = owner; }
+  static void setDocument(Attribute* a, Document* document) { a->document_ = document; }
+  static Document* document(const Attribute* a) { return a->document_; }
+  // Whether it stands in a list, which deletes it.
+  static bool isListed(const Attribute* a) { return a->listed_; }
+  static void setListed(Attribute* a, bool listed) { a->listed_ = listed; }
   // The quote to write with.
   static char quote(const Attribute* a) { return a->getQuote(); }
   // What a value that stands in a source is stored as.

@@ -245,7 +245,7 @@ AttributeList& Element::list() {
       AttributeAccess::setDefinition(attribute, entry.definition);
       attribute->setType(entry.definition ? Attribute::ATTRIBUTE_DECLARED : Attribute::ATTRIBUTE_UNDECLARED);
       AttributeAccess::setError(attribute, entry.error);
-      made->vec().push_back(attribute);
+      made->add(attribute);
     }
     attributesInBlock_ = false;
     attributes().list = made;

@@ -120,7 +120,8 @@ class ZELDOM40_API Element : public Node {
   // Null for an element that is saved as it stands. Owned by the element.
   MetaData* getMetaData() const;
   // Takes over one reference of `md`; the present one is unlinked and released. One that belongs to another element is
-  // copied, and keeps its reference. Null: none.
+  // copied, and keeps its reference. Null: none. One of another DOM, one that stands in a child list, and one whose
+  // visual holds this element are not taken: nothing changes.
   void setMetaData(MetaData* md);
   // Whether the server makes the element: one of ZELX:TEXT, ZELX:LOOP and ZELX:PROPERTY, or an element that is declared
   // to have DYNAMICELEMENT and has it.
@@ -134,7 +135,8 @@ class ZELDOM40_API Element : public Node {
   // The ZELX:ATV element that shows this one to the author; null if there is none.
   Element* getATV() const;
   // Takes over one reference of `atv`, or drops the visual for null. False, with nothing changed, for another element,
-  // for metadata of another type, and without a document.
+  // for one that has a parent, that shows another element, that this one stands in, or that is of another DOM, for
+  // metadata of another type, and without a document.
   bool setATV(Element* atv);
 
  private:

@@ -130,6 +130,10 @@ struct ElementAccess {
     element->noteChange();
     element->endTagDirty_ = true;
   }
+  // The attributes learn of the element's new document.
+  static void adoptAttributes(Element* element, Document* to) {
+    if (!element->attributesInBlock_ && element->attributes().list) element->attributes().list->setDocument(to);
+  }
   // Moves all attributes of `from` to the element.
   static void takeAttributes(Element* element, AttributeList* from) { element->list().merge(from); }
   // Ors the attributes' errors together and shows the result as ERR_ELEMENT_INVALID_ATTR on the element. A tag that

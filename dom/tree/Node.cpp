@@ -5,9 +5,11 @@
 #include <cassert>
 #include <typeinfo>
 
+#include "dom/document/Adoption.h"
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/document/SnapshotChunk.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/NodeIterator.h"
@@ -16,6 +18,7 @@
 
 namespace zeldom40 {
 
+static_assert(alignof(Node) <= NodePool::kGrain);
 void* Node::operator new(std::size_t size) { return NodePool::allocate(size); }
 void Node::operator delete(void* memory, std::size_t size) { NodePool::release(memory, size); }
 
@@ -57,6 +60,7 @@ void NodeAccess::cutLoose(Node* node) {
     if (--list->count == 0) delete list;
   }
   // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
+  if (MetaData* md = MetaDataAccess::ofVisual(node)) md->takeATV();
   if (node->parent_) unlinkChild(node->parent_, node);
   // Who still points here is given a living neighbour.
   Node* left = node->prev_;
@@ -85,7 +89,15 @@ int Node::dropRef(bool deep) {
   return --refCount_;
 }
 
+// The tree's own reference of its root goes with the tree alone, for the document would not know.
+bool NodeAccess::isLastOfRoot(const Node* node) {
+  if (node->refCount_ != 1 || node->parent_ || node->nodeType_ != Node::NODE_ELEMENT) return false;
+  Document* const document = node->getDocument();
+  return DocumentAccess::isLive(document) && document->getDocumentElement() == node;
+}
+
 int Node::releaseRef(bool deep) {
+  if (NodeAccess::isLastOfRoot(this)) return refCount_;
   const int left = dropRef(deep);
   if (left > 0) return left;
   if (parent_ && parent_->getDocument() && !DocumentAccess::isLive(parent_->getDocument())) {
@@ -99,13 +111,16 @@ int Node::releaseRef(bool deep) {
 }
 
 // The nodes of a subtree that lives on learn that they left their tree, as setUpdateFlag would tell them, and lose a
-// reference each. No parent is asked twice.
+// reference each. No parent is asked twice. A node that is held below one that nobody holds is on its own from now on:
+// that one is no more than memory of what is held around it.
 void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
+  std::vector<Node*> orphans;
   for (Node* n = top; n; n = nextInSubtree(n, top)) {
     if (n != top || alsoTop) {
       if (n->refCount_ > 0 && !n->edited_) noteEdit(n);
       addFlags(n, Node::UPDATE_REMOVED);
       --n->refCount_;
+      if (n != top && n->refCount_ > 0 && n->parent_->refCount_ < 1) orphans.push_back(n);
     }
     if (!n->getFirstChild() || (n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) continue;
     if (n->nodeType_ == Node::NODE_META_DATA) {
@@ -114,6 +129,7 @@ void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
       addFlags(n, Node::UPDATE_CHILD_MODIFIED);
     }
   }
+  for (Node* n : orphans) detachRange(n->parent_, n, n);
 }
 
 void NodeAccess::releaseRemoved(Node* top) {
@@ -492,6 +508,27 @@ Node* Node::getChildNode(int index) {
 
 // --- insertion -------------------------------------------------------------------------------------------------------
 
+// Whether a node may be a child at all: a document holds a tree and stands in none, and metadata that belongs to an
+// element is held by that.
+bool NodeAccess::isChildKind(Node* node) {
+  if (node->nodeType_ == Node::NODE_META_DATA) return !static_cast<MetaData*>(node)->getElement();
+  return node->nodeType_ != Node::NODE_NONE || !dynamic_cast<Document*>(node);
+}
+
+// Whether `node`, which has no parent, is `parent` or holds it, in a visual too. `top` is the topmost node over
+// `parent`, null until it was asked for.
+bool NodeAccess::isTopAbove(const Node* node, const Node* parent, const Node*& top) {
+  const bool holdsVisual =
+      node->nodeType_ == Node::NODE_META_DATA ||
+      (node->nodeType_ == Node::NODE_ELEMENT && ElementAccess::metaData(static_cast<const Element*>(node)));
+  if (!node->getFirstChild() && !holdsVisual) return node == parent;
+  if (!top) {
+    top = parent;
+    while (const Node* up = above(top)) top = up;
+  }
+  return node == top;
+}
+
 // A call of the library's own brings one node that is known to be no ancestor, and its record is taken care of.
 // `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
 // the end that has no neighbour).
@@ -501,21 +538,20 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
   // a node that would come to stand below itself.
   if (head->parent_ || head == parent) return head;
+  // So does one before a node of another DOM; one of another document becomes one of this.
   const Node* top = nullptr;
-  auto holdsParent = [&](const Node* node) {
-    if (!node->getFirstChild()) return node == parent;
-    if (!top) {
-      for (top = parent; top->parent_;) top = top->parent_;
-    }
-    return node == top;
+  Document* const document = byHost ? documentAround(parent) : nullptr;
+  auto isTaken = [&](Node* node) {
+    return isChildKind(node) && !isTopAbove(node, parent, top) &&
+           (node->getDocument() == document || adoptNodes(node, document));
   };
-  if (byHost && holdsParent(head)) return head;
+  if (byHost && !isTaken(head)) return head;
 
   if (byHost && parent->getDocument()) parent->getDocument()->recordChange(parent);
 
   Node* end = head;
   while (how != OF_ONE && how != AGAIN && end->next_ && !end->next_->parent_ && end->next_ != head &&
-         !(byHost && holdsParent(end->next_))) {
+         (!byHost || isTaken(end->next_))) {
     end = end->next_;
   }
 
@@ -709,6 +745,7 @@ Node* Node::removeChild(Node* child) {
   if (!child) return nullptr;
   if (child->parent_ && child->parent_ != this) return child;
   if (getDocument()) getDocument()->recordChange(this);
+  if (MetaData* md = MetaDataAccess::ofVisual(child)) return MetaDataAccess::giveVisualUp(*md);
   if (NodeAccess::movesPlaces(this)) getDocument()->adjustCursorOnRemove(child);
   NodeAccess::detach(child);
   return child;
@@ -783,7 +820,10 @@ Node* Node::replaceChild(Node* oldChild, Node* newChild) {
   Node* prev = oldChild->prev_;
   Node* next = oldChild->next_;
   // CHOICE: a node that hangs in a tree, or an ancestor of this one, is not linked in: its own list would break.
-  const bool linkable = newChild && !newChild->parent_ && !isOffspringOf(newChild) && oldChild->parent_ == this;
+  // Nor is a node of another DOM, or what can be nobody's child.
+  const bool linkable = newChild && !newChild->parent_ && !isOffspringOf(newChild) && oldChild->parent_ == this &&
+                        NodeAccess::isChildKind(newChild) &&
+                        (!documentAround(this) || isOfSameDOM(newChild->getDocument(), documentAround(this)));
   removeChild(oldChild);
   if (!linkable) return oldChild;
   if (prev == newChild) prev = newChild->prev_;

@@ -66,6 +66,11 @@ struct NodeAccess {
   static Node* above(const Node* node) {
     return node->nodeType_ == Node::NODE_META_DATA ? aboveMetaData(node) : node->parent_;
   }
+  // Whether `ancestor` is `node` or holds it, in a visual too.
+  static bool isAtOrAbove(const Node* ancestor, const Node* node) {
+    while (node && node != ancestor) node = above(node);
+    return node != nullptr;
+  }
   // The metadata of `element`, which has some, is stale, unless a parse is sorting out its nodes.
   static void makeStale(Element* element);
   // Raises a flag as setUpdateFlag does, for a change that is no edit of the page.
@@ -194,6 +199,9 @@ struct NodeAccess {
   static bool movesPlaces(const Node* parent);
   static void drain(Node* top, bool removed);
   static void tellRemoved(Node* top, bool alsoTop);
+  static bool isLastOfRoot(const Node* node);
+  static bool isChildKind(Node* node);
+  static bool isTopAbove(const Node* node, const Node* parent, const Node*& top);
   static std::pair<Node*, Node*> takeChildren(Node* node);
   static std::pair<Node*, Node*> takeListedChildren(Node* node);
   static bool ownsMore(const Node* node);

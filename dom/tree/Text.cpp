@@ -481,9 +481,11 @@ int Text::replace(int offset, int count, const char* text, bool moveCursor) {
 int Text::splice(Element* element, int offset, int count, bool moveCursor) {
   Document* document = getDocument();
   Node* parent = getParentNode();
-  // CHOICE: an element that stands in a tree already, or that this text stands in, could not be put here, and the texts
-  // would be lost.
-  if (!element || !document || !parent || element->getParentNode() || isOffspringOf(element)) return -1;
+  // CHOICE: an element that cannot be put here, because it stands in a tree already, holds this text or is of another
+  // DOM, would lose the texts.
+  if (!element || !document || !parent || element->getParentNode()) return -1;
+  parent->insertAfter(element, this);
+  if (element->getParentNode() != parent) return -1;
   const std::string before = getData();
   const std::size_t from = std::min(clampOffset(offset), before.size());
   const std::size_t length = std::min(clampOffset(count), before.size() - from);
@@ -501,7 +503,6 @@ int Text::splice(Element* element, int offset, int count, bool moveCursor) {
     return part;
   };
   Text* tail = createPart(from + length, before.size());
-  parent->insertAfter(element, this);
   parent->insertAfter(tail, element);
   Text* middle = nullptr;
   // KEPT: an element that cannot hold this text swallows the middle; the caller asks first.

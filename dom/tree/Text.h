@@ -65,7 +65,7 @@ class ZELDOM40_API Text : public Node {
   int replace(int offset, int count, const char* text, bool moveCursor);
   // Wraps `count` bytes at `offset` in `element`, the rest moves to a new text behind it. KEPT: if the element cannot
   // contain this text the wrapped bytes are gone; ask canContain first. Returns the clamped count, -1 without an
-  // element, document or parent.
+  // element, document or parent, and for an element that cannot be inserted here.
   int splice(Element* element, int offset, int count, bool moveCursor);
   // Collapses white-space runs; the layout cursor stays at its character. Returns the change in length (0 or negative).
   int compact();

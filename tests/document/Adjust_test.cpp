@@ -219,5 +219,17 @@ TEST_F(AdjustTest, InsertedTextsMoveTheCursorOfTheParent) {
   expectCursor(find("BODY"), 5);
 }
 
+// The cursor left an element that holds the start; both go, but for what the list of errors holds.
+TEST_F(AdjustTest, AStartThatTheCursorTookAlongIsLeftAlone) {
+  load("<P>x<U><B><I>");
+  doc_->setLayoutCursor(find("I"), 0);
+  adjust();
+  doc_->getErrorList();
+  doc_->setLayoutCursor(text(), 0);
+  EXPECT_TRUE(adjust(find("B"), true));
+  EXPECT_EQ(dumpTree(find("BODY")), "BODY(P(\"x\"))");
+  EXPECT_TRUE(doc_->getErrorList().empty());
+}
+
 }  // namespace
 }  // namespace zeldom40

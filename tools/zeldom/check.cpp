@@ -1,5 +1,6 @@
 // `zeldom check`: what is wrong with pages, with exact places, for readers and for programs.
 #include <algorithm>
+#include <array>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include "tools/zeldom/output.h"
 #include "tools/zeldom/page.h"
 #include "tools/zeldom/source_file.h"
+#include "tools/zeldom/source_form.h"
 
 namespace zeldom40::tool {
 
@@ -61,7 +63,7 @@ class Printer {
     if (options_.format == CheckFormat::kSarif) sarif_.add(file, map, findings);
     const bool utf8 = isUtf8(file.text);
     for (const Finding& finding : findings) {
-      ++(finding.severe ? severe_ : warnings_);
+      ++counts_[static_cast<std::size_t>(finding.severity)];
       switch (options_.format) {
         case CheckFormat::kText:
           printText(file.path, finding);
@@ -69,7 +71,8 @@ class Printer {
           break;
         case CheckFormat::kGnu:
           out_ << file.path << ":" << place(finding.from, ".") << "-" << place(last(finding), ".") << ": "
-               << level(finding, "error") << ": " << finding.message << " [" << finding.rule->id << "]\n";
+               << level(finding, {"note", "warning", "error"}) << ": " << finding.message << " [" << finding.rule->id
+               << "]\n";
           break;
         case CheckFormat::kJson:
           printJson(file, map, finding);
@@ -87,8 +90,11 @@ class Printer {
     if (options_.format == CheckFormat::kJson) out_ << (first_ ? "]\n" : "\n]\n");
     if (options_.format == CheckFormat::kSarif) out_ << sarif_.text();
     if (excerpts_) {
-      out_ << pages_ << (pages_ == 1 ? " page: " : " pages: ") << severe_ << " severe, " << warnings_
-           << (warnings_ == 1 ? " warning\n" : " warnings\n");
+      const auto [hints, warnings, severe] = counts_;
+      out_ << pages_ << (pages_ == 1 ? " page: " : " pages: ") << severe << " severe, " << warnings
+           << (warnings == 1 ? " warning" : " warnings");
+      if (hints > 0) out_ << ", " << hints << (hints == 1 ? " hint" : " hints");
+      out_ << "\n";
     }
   }
 
@@ -101,11 +107,17 @@ class Printer {
     const bool inside = !finding.range.isEmpty() && finding.to.column > 1;
     return {finding.to.line, finding.to.column - (inside ? 1 : 0)};
   }
-  static const char* level(const Finding& finding, const char* severe) { return finding.severe ? severe : "warning"; }
+  // The word of a form for hints, warnings and severe errors.
+  using Levels = std::array<const char*, 3>;
+  static constexpr Levels kOwn = {"hint", "warning", "severe"};
+  static const char* level(const Finding& finding, const Levels& levels) {
+    return levels[static_cast<std::size_t>(finding.severity)];
+  }
 
   void printText(const std::string& path, const Finding& finding) {
     out_.paint(Colour::kName, path + ":" + place(finding.from, ":")) << ": ";
-    out_.paint(finding.severe ? Colour::kError : Colour::kText, level(finding, "severe")) << ": " << finding.message;
+    out_.paint(finding.severity == Severity::kSevere ? Colour::kError : Colour::kText, level(finding, kOwn))
+        << ": " << finding.message;
     out_.paint(Colour::kFaint, std::string(" [") + finding.rule->id + "]") << "\n";
   }
 
@@ -135,7 +147,7 @@ class Printer {
                                       {"endColumn", finding.to.column},
                                       {"offset", bytes.begin},
                                       {"length", bytes.length()},
-                                      {"severity", level(finding, "severe")},
+                                      {"severity", level(finding, kOwn)},
                                       {"id", finding.rule->id},
                                       {"message", jsonText(finding.message, true)}};
     out_ << (first_ ? "\n" : ",\n") << json.dump();
@@ -170,16 +182,18 @@ class Printer {
   }
 
   void printGitHub(const std::string& path, const Finding& finding) {
-    out_ << "::" << level(finding, "error") << " file=" << escaped(path, true) << ",line=" << finding.from.line
-         << ",col=" << finding.from.column << ",endLine=" << finding.to.line << ",endColumn=" << finding.to.column
-         << ",title=" << finding.rule->id << "::" << escaped(finding.message, false) << "\n";
+    out_ << "::" << level(finding, {"notice", "warning", "error"}) << " file=" << escaped(path, true)
+         << ",line=" << finding.from.line << ",col=" << finding.from.column << ",endLine=" << finding.to.line
+         << ",endColumn=" << finding.to.column << ",title=" << finding.rule->id
+         << "::" << escaped(finding.message, false) << "\n";
   }
 
   const CheckOptions& options_;
   Output& out_;
   bool excerpts_;
   SarifLog sarif_;
-  std::size_t pages_ = 0, severe_ = 0, warnings_ = 0;
+  std::size_t pages_ = 0;
+  std::array<std::size_t, 3> counts_{};
   bool first_ = true;
 };
 
@@ -193,13 +207,18 @@ ExitCode runCheck(const CheckOptions& options, const Settings& settings) {
   ExitCode result = kFine;
   for (const std::string& path : options.files) {
     const auto use = [&](SourceFile& file, const Page& page) {
+      if (const std::string form = wideForm(file.bytes); !form.empty()) {
+        complain(path, "seems to be " + form + ", which cannot be checked; convert it to UTF-8");
+        return kFailed;
+      }
       // Some pairs come back otherwise than they were read. Findings then stand where a save will put them.
       if (const std::string_view now = page.source(); now != file.text) file.bytes = file.text = now;
       const SourceMap map(page.document(), file.bytes.data(), file.bytes.size(), file.charset);
       const std::vector<Finding> findings = findErrors(page.document(), map, file.text);
       printer.print(file, map, findings);
-      const bool fails = std::any_of(findings.begin(), findings.end(),
-                                     [&](const Finding& finding) { return finding.severe || !options.severeOnly; });
+      const bool fails = std::any_of(findings.begin(), findings.end(), [&](const Finding& finding) {
+        return finding.severity >= (options.severeOnly ? Severity::kSevere : Severity::kWarning);
+      });
       return fails ? kFindings : kFine;
     };
     result = worse(result, withSource(library, path, options.codepage, Pairs::kKeep, use));

@@ -1,6 +1,8 @@
 // Turns error words of nodes into findings with words and places.
 #include "tools/zeldom/check_findings.h"
 
+#include <optional>
+
 #include "tools/zeldom/output.h"
 
 namespace zeldom40::tool {
@@ -32,6 +34,7 @@ constexpr Rule kRules[] = {
      "The name of an attribute is in the wrong case of letters"},
     {ERR_ELEMENT_INVALID_CASE_END, "ERR_ELEMENT_INVALID_CASE_END",
      "The name of an end tag is in the wrong case of letters"},
+    {ERR_PI_SUBSET_CUT, "ERR_PI_SUBSET_CUT", "Declarations of a document type declaration are left out"},
 };
 
 Element* asElement(Node* node) {
@@ -40,7 +43,8 @@ Element* asElement(Node* node) {
 
 class Collector {
  public:
-  Collector(const SourceMap& map, std::string_view text) : map_(map), text_(text), utf8_(isUtf8(text)) {}
+  Collector(Document* document, const SourceMap& map, std::string_view text)
+      : document_(document), map_(map), text_(text), utf8_(isUtf8(text)) {}
 
   void add(Node* node, unsigned long error) {
     for (const Rule& rule : rules()) {
@@ -63,8 +67,8 @@ class Collector {
  private:
   void add(const Rule& rule, std::string message, SourceMap::Range range) {
     if (!range.isKnown()) range = {0, 0};
-    findings_.push_back({&rule, (rule.bit & ERR_DOC_SEVERE_PARSE_ERROR) != 0, std::move(message), range,
-                         map_.getPosition(range.begin), map_.getPosition(range.end)});
+    findings_.push_back({&rule, severity(rule.bit), std::move(message), range, map_.getPosition(range.begin),
+                         map_.getPosition(range.end)});
   }
 
   // The element's flag says only that there is something; what, its attributes and its tag know.
@@ -88,11 +92,12 @@ class Collector {
     if (findings_.size() == before) add(whole, whole.summary, place(whole.bit, element));
   }
 
-  static const Rule* ruleOf(unsigned long bit) {
-    for (const Rule& rule : rules()) {
-      if (rule.bit == bit) return &rule;
-    }
-    return nullptr;
+  Severity severity(unsigned long bit) {
+    if (!(bit & ERR_DOC_SEVERE_PARSE_ERROR)) return Severity::kWarning;
+    if (!(bit & (ERR_ELEMENT_BEGIN_TAG_MISSING | ERR_ELEMENT_END_TAG_MISSING))) return Severity::kSevere;
+    // Asked for pages that have such an error alone.
+    if (!half_) half_ = RepairPlanner::isHalfPage(document_);
+    return *half_ ? Severity::kHint : Severity::kSevere;
   }
 
   std::string shown(std::string_view text) const { return preview(text, kNameBytes, utf8_); }
@@ -129,6 +134,8 @@ class Collector {
         return node->getName().empty() ? "this tag is of no known kind" : named + " is no element of HTML 4.0";
       case ERR_PI_DUPLICATED:
         return "a second document type declaration";
+      case ERR_PI_SUBSET_CUT:
+        return "not everything that is declared here was read";
       case ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST:
         return "text may not stand " + holder(node);
       case ERR_ELEMENT_INVALID_CASE:
@@ -163,9 +170,11 @@ class Collector {
     return {range.begin, range.begin};
   }
 
+  Document* document_;
   const SourceMap& map_;
   std::string_view text_;
   bool utf8_;
+  std::optional<bool> half_;
   std::vector<Finding> findings_;
 };
 
@@ -173,8 +182,15 @@ class Collector {
 
 std::span<const Rule> rules() { return kRules; }
 
+const Rule* ruleOf(unsigned long bit) {
+  for (const Rule& rule : rules()) {
+    if (rule.bit == bit) return &rule;
+  }
+  return nullptr;
+}
+
 std::vector<Finding> findErrors(Document* document, const SourceMap& map, std::string_view text) {
-  Collector collector(map, text);
+  Collector collector(document, map, text);
   collector.addPage(document->getError());
   for (const _dom_error_packet* packet : document->getErrorList()) collector.add(packet->node, packet->error);
   return collector.take();

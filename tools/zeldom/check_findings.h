@@ -19,10 +19,15 @@ struct Rule {
 
 // All that check can report, lowest bit first.
 std::span<const Rule> rules();
+// Null for a bit that check does not report.
+const Rule* ruleOf(unsigned long bit);
+
+// A hint is what may well be right: half a page leaves open what another file closes. It is no fault of the page.
+enum class Severity { kHint, kWarning, kSevere };
 
 struct Finding {
   const Rule* rule = nullptr;
-  bool severe = false;
+  Severity severity = Severity::kWarning;
   std::string message;     // one line, printable
   SourceMap::Range range;  // of the page's text; may be empty
   SourceMap::Position from;

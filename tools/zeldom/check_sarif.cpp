@@ -84,7 +84,9 @@ void SarifLog::add(const SourceFile& file, const SourceMap& map, const std::vect
     data_->results.push_back(
         {{"ruleId", finding.rule->id},
          {"ruleIndex", finding.rule - rules().data()},
-         {"level", finding.severe ? "error" : "warning"},
+         {"level", finding.severity == Severity::kSevere    ? "error"
+                   : finding.severity == Severity::kWarning ? "warning"
+                                                            : "note"},
          {"message", {{"text", jsonText(finding.message, true)}}},
          {"locations", Json::array({location})},
          {"partialFingerprints", {{"zeldomFinding/v1", print + ":" + std::to_string(++seen[print])}}}});

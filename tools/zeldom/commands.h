@@ -67,10 +67,19 @@ struct RewriteOptions {
   int codepage = 0;
 };
 
+struct FixOptions {
+  RewriteOptions rewrite;
+  bool unsafe = false;
+};
+
+enum class TagCase { kKeep, kLower, kUpper };
+
 struct FormatOptions {
   RewriteOptions rewrite;
   int indent = 2;
-  int columns = 72;
+  int columns = 100;
+  TagCase tags = TagCase::kKeep;
+  bool verbose = false;
 };
 
 struct RuntimeOptions {
@@ -96,8 +105,8 @@ ExitCode runDtd(const DtdOptions& options);
 // Prints what is wrong with each page. Findings: an error, a severe one with `severeOnly`.
 ExitCode runCheck(const CheckOptions& options, const Settings& settings);
 // Repairs each page. Findings: severe errors that remain; with `diff` or `dryRun`, a page that would change.
-ExitCode runFix(const RewriteOptions& options, const Settings& settings);
-// Lays each page out anew. Findings: as for runFix, and a page that must be repaired first.
+ExitCode runFix(const FixOptions& options, const Settings& settings);
+// Lays each page out anew. Findings: with `diff` or `dryRun` a page that would change, and a page that stays as it is.
 ExitCode runFormat(const FormatOptions& options, const Settings& settings);
 // Writes each page as a server gets it.
 ExitCode runRuntime(const RuntimeOptions& options, const Settings& settings);

@@ -1,10 +1,10 @@
-// `zeldom fix`: repairs what the library can repair.
-#include <algorithm>
+// `zeldom fix`: repairs pages by as few changes of their bytes as will do.
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tools/zeldom/check_findings.h"
 #include "tools/zeldom/commands.h"
 #include "tools/zeldom/fix_rewrite.h"
 #include "tools/zeldom/page.h"
@@ -13,151 +13,73 @@ namespace zeldom40::tool {
 
 namespace {
 
-// A page that still changes then has what no repair can settle.
-constexpr int kRounds = 8;
+using Entry = SourceRepair::Entry;
 
 std::string counted(std::size_t count, const char* noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-std::string remaining(std::size_t severe) {
-  return counted(severe, "severe error") + (severe == 1 ? " remains" : " remain");
+// "2 repairs", and how many of them only --unsafe makes.
+std::string summary(const std::vector<Entry>& settled) {
+  std::size_t unsafe = 0;
+  for (const Entry& entry : settled) unsafe += entry.kind == RepairPlanner::UNSAFE;
+  std::string text = counted(settled.size(), "repair");
+  if (unsafe > 0) text += " (" + std::to_string(unsafe) + " unsafe)";
+  return text;
 }
 
-bool hasSevereErrors(const Page& page) { return (page.document()->getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
-
-Node* lastNode(const Page& page) {
-  Node* last = page.root();
-  while (last && last->getLastChild()) last = last->getLastChild();
-  return last;
+// One line about an error: where, what is done about it or why nothing is, and its name.
+std::string line(const SourceMap& map, std::size_t offset, const Entry& entry, std::string_view label) {
+  const SourceMap::Position at = map.getPosition(offset);
+  const Rule* rule = ruleOf(entry.error);
+  const std::string name = entry.name == "TEXT" ? "text" : "<" + entry.name + ">";
+  return std::to_string(at.line) + ":" + std::to_string(at.column) + ": " + std::string(label) + ": " + name + ": " +
+         entry.reason + (rule ? std::string(" [") + rule->id + "]" : std::string());
 }
 
-// Where a tag without end has taken the rest of the page into itself: a repair writes the tag anew, and what stood in
-// it is gone. Empty if there is none.
-std::string swallowed(const Page& page) {
-  const Node* last = lastNode(page);
-  for (Node* node = page.root(); node; node = page.document()->findNextNode(node, nullptr, false, false)) {
-    if (!(node->getError() & ERR_ELEMENT_PARSE_ERROR)) continue;
-    const std::string& tag = static_cast<Element*>(node)->getRawBeginTag();
-    if (tag.empty() || (tag.back() == '>' && node != last) || tag.find_first_of("<>", 1) >= tag.size() - 1) continue;
-    const SourceMap map(page.document());
-    const SourceMap::Position at = map.getPosition(map.getBeginTag(node).begin);
-    return "line " + std::to_string(at.line) + ", column " + std::to_string(at.column) +
-           ": the tag has no end, so that the rest of the page stands inside it";
+// Plans that the guard stops are left out, so that the others are made.
+constexpr int kMostBarred = 12;
+
+SourceRepair repair(const Library& library, const SourceFile& file, const FixOptions& options, GuardMode mode) {
+  SourceRepair::Options how;
+  how.unsafe = options.unsafe;
+  how.guardWide = file.charset == CodeConv::CHARSET_JIS;
+  for (int i = 0;; ++i) {
+    SourceRepair result(library.dom(), file.text, how);
+    std::vector<PlannedEdit> planned;
+    for (const SourceEdit& edit : result.edits()) planned.push_back({edit.offset, edit.length, edit.replacement});
+    const auto fault = compareWrites(file.text, result.text(), mode, planned);
+    if (!fault || i == kMostBarred) return result;
+    how.barred.push_back(fault->offset);
   }
-  return {};
-}
-
-// What may end the construct that `text` breaks off in. A quote may be open in a tag, so that takes some trying; a ">"
-// inside it is no end.
-std::vector<std::string_view> closersOf(std::string_view text, bool broken = false) {
-  if (text.empty() || text.front() != '<' || (text.back() == '>' && !broken)) return {};
-  const auto beginsWith = [text](std::string_view mark) { return text.substr(0, mark.size()) == mark; };
-  if (beginsWith("<%--")) return {"--%>"};
-  if (beginsWith("<!--")) return {"-->"};
-  if (beginsWith("<%")) return {"%>"};
-  if (beginsWith("<?")) return {"?>"};
-  return {">", "\">", "'>"};
-}
-
-// The same for the end of a page, unless a repair writes anew what stands there. End tags that a repair appends would
-// become part of the construct.
-std::vector<std::string_view> closersOf(const Page& page) {
-  for (Node* node = page.root(); node; node = node->getLastChild()) {
-    if (node->getNodeType() == Node::NODE_ELEMENT) {
-      auto* element = static_cast<Element*>(node);
-      if (!element->getRawEndTag().empty()) return closersOf(element->getRawEndTag());
-      const bool rebuilt = element->getElementType() == Element::ELEMENT_DEFINED;
-      const bool broken = (element->getError() & ERR_ELEMENT_PARSE_ERROR) != 0;
-      if (node->getLastChild() || (rebuilt && broken)) continue;
-      return closersOf(element->getRawBeginTag(), broken);
-    }
-    if (node->getNodeType() == Node::NODE_COMMENT) return closersOf(static_cast<Comment*>(node)->getRawString());
-    if (node->getNodeType() != Node::NODE_TEXT) return {};
-    auto* text = static_cast<Text*>(node);
-    if (text->getTextType() != Text::TEXT_LITERAL) return {};
-    // The end tag of a script is looked for behind comments and server tags alone.
-    const std::string_view data = text->getRawData();
-    const std::size_t from = data.rfind('>') == std::string_view::npos ? 0 : data.rfind('>') + 1;
-    const std::size_t at = std::min({data.find("<!--", from), data.find("<%", from), data.find("<?", from)});
-    return at == std::string_view::npos ? std::vector<std::string_view>() : closersOf(data.substr(at));
-  }
-  return {};
-}
-
-// Whether a tag behind `text` would be read as one.
-bool isClosed(const Library& library, const std::string& text, bool inScript) {
-  const std::string tag = "<IMG>";
-  const Page probe(library, inScript ? text : text + tag, Pairs::kKeep);
-  Node* last = lastNode(probe);
-  if (inScript || !last) return last && closersOf(probe).empty();
-  return last->getNodeType() == Node::NODE_ELEMENT && static_cast<Element*>(last)->getRawBeginTag() == tag;
-}
-
-// Ends the construct in which the page breaks off; false if it does not, or if nothing ends it.
-bool closeAtEnd(const Library& library, const Page& page, std::string* text) {
-  const std::vector<std::string_view> closers = closersOf(page);
-  const bool inScript = lastNode(page)->getNodeType() == Node::NODE_TEXT;
-  const std::string source(page.source());
-  if (closers.empty() || isClosed(library, source, inScript)) return false;
-  for (const std::string_view closer : closers) {
-    *text = source;
-    *text += closer;
-    if (isClosed(library, *text, inScript)) return true;
-  }
-  return false;
-}
-
-// Repairs a page and stores its new source, unless there was nothing that could be repaired.
-std::size_t repair(const Library& library, const Page& page, std::string* text) {
-  if (std::string closed; closeAtEnd(library, page, &closed)) {
-    const Page whole(library, closed, Pairs::kKeep);
-    const std::size_t more = hasSevereErrors(whole) ? repair(library, whole, &closed) : 0;
-    *text = std::move(closed);
-    return more + 1;
-  }
-  page.document()->clearUpdateFlag();
-  const int repairs = page.document()->correctError(nullptr);
-  if (repairs > 0) *text = page.source();
-  return static_cast<std::size_t>(repairs);
 }
 
 }  // namespace
 
-ExitCode runFix(const RewriteOptions& options, const Settings& settings) {
+ExitCode runFix(const FixOptions& options, const Settings& settings) {
   const Library library(settings);
   if (!library.usable()) return kFailed;
-  return rewriteFiles(options, library, [&options](const Library& lib, const Page& page, const std::string& text) {
+  const bool shows = options.rewrite.diff || options.rewrite.dryRun;
+  return rewriteFiles(options.rewrite, library, [&](const Library& lib, const Page& page, const SourceFile& file) {
     ChangeResult result;
-    result.text = text;
-    // A page without severe errors stays as it is: a repair also tidies up what no error points at.
-    if (!hasSevereErrors(page)) return result;
-    result.left = swallowed(page);
-    if (!result.left.empty() && options.inPlace) {
-      result.left += "; please close it";
-      return result;
+    result.mode = options.unsafe ? GuardMode::kFixUnsafe : GuardMode::kFix;
+    const SourceRepair repaired = repair(lib, file, options, result.mode);
+    result.text = repaired.text();
+    result.edits = repaired.edits();
+    result.done = summary(repaired.settled());
+    const SourceMap before(page.document());
+    for (const Entry& entry : repaired.settled()) {
+      const bool unsafe = entry.kind == RepairPlanner::UNSAFE;
+      if (shows || unsafe) result.notes.push_back(line(before, entry.offset, entry, unsafe ? "unsafe" : "safe"));
     }
-    std::size_t repairs = repair(lib, page, &result.text);
-    if (repairs == 0) {
-      result.left = remaining(severeErrors(page));
-      return result;
+    // Of a file that is changed the new lines count.
+    const Page again(lib, result.text, Pairs::kKeep);
+    const SourceMap after(again.document());
+    for (const Entry& entry : repaired.left()) {
+      if (entry.isHint) continue;
+      result.isLeft = true;
+      result.notes.push_back(line(shows ? before : after, shows ? entry.offset : entry.now, entry, "left"));
     }
-    // What counts is how a reader of the new text sees it. A place that was out of the reader's
-    // sight, such as the rest of a script that had no end, may show errors of its own now.
-    for (int round = 1;; ++round) {
-      const Page again(lib, result.text, Pairs::kKeep);
-      if (!again.root() || !hasSevereErrors(again)) break;
-      std::string next;
-      const bool going = round < kRounds && (!options.inPlace || swallowed(again).empty());
-      const std::size_t more = going ? repair(lib, again, &next) : 0;
-      if (more == 0 || next == result.text) {
-        result.left = remaining(severeErrors(Page(lib, result.text, Pairs::kKeep)));
-        break;
-      }
-      repairs += more;
-      result.text = std::move(next);
-    }
-    result.done = counted(repairs, "repair");
     return result;
   });
 }

@@ -12,8 +12,6 @@
 #include <unistd.h>
 #include <utility>
 
-#include "tools/zeldom/page.h"
-
 namespace zeldom40::tool {
 
 namespace {
@@ -96,7 +94,7 @@ bool fail(const std::string& path) {
 
 }  // namespace
 
-bool replaceFile(const std::string& path, std::string_view bytes) {
+bool replaceFile(const std::string& path, std::string_view bytes, const FileStamp& read) {
   const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
   if (!real) return fail(path);
   const std::string target = real.get();
@@ -119,6 +117,12 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   const mode_t mode = info.st_mode & (owned ? 07777 : 0777);
   if (fchmod(file.get(), mode) != 0) return fail(path);
   if (!writeAll(file.get(), bytes) || fsync(file.get()) != 0 || !file.closeNow()) return fail(path);
+  // What another program has written meanwhile is newer than what was repaired.
+  if (stat(target.c_str(), &info) != 0) return fail(path);
+  if (stampOf(info) != read) {
+    complain(path, "was changed by another program meanwhile; nothing is written");
+    return false;
+  }
   if (std::rename(name.c_str(), target.c_str()) != 0) return fail(path);
   guard.done();
   // The new name is on the disk when its folder is; a file system that cannot promise it has done what it can.

@@ -1,6 +1,8 @@
 // From the changed text of a page to the new bytes of its file.
 #include "tools/zeldom/fix_rewrite.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -8,7 +10,9 @@
 #include "tools/zeldom/diff.h"
 #include "tools/zeldom/fix_replace.h"
 #include "tools/zeldom/output.h"
+#include "tools/zeldom/source_edit.h"
 #include "tools/zeldom/source_file.h"
+#include "tools/zeldom/source_form.h"
 
 namespace zeldom40::tool {
 
@@ -96,15 +100,58 @@ Versions compare(const Library& library, const SourceFile& file, const std::stri
   return versions;
 }
 
-}  // namespace
-
-std::size_t severeErrors(const Page& page) {
-  std::size_t count = 0;
-  for (const _dom_error_packet* packet : page.document()->getErrorList()) {
-    for (unsigned long bits = packet->error & ERR_DOC_SEVERE_PARSE_ERROR; bits; bits &= bits - 1) ++count;
-  }
-  return count;
+Versions versionsOf(const SourceFile& file, std::string bytes) {
+  Versions versions;
+  versions.written.push_back(std::move(bytes));
+  versions.before = splitLines(file.bytes);
+  versions.after = splitLines(versions.written.back());
+  versions.matches = matchLines(versions.before, versions.after);
+  versions.changedLines = std::max(versions.before.size(), versions.after.size());
+  for (const LineMatch& match : versions.matches) versions.changedLines -= match.length;
+  return versions;
 }
+
+// Each line end as one byte: an import makes those of a file alike.
+std::string withoutLineEnds(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isEnd = text[i] == '\r' || text[i] == '\n';
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+    out += isEnd ? '\n' : text[i];
+  }
+  return out;
+}
+
+// Makes the edits in the file, where the guard lets them pass; if not, says why in `fault`.
+Versions guarded(const Library& library, const SourceFile& file, const ChangeResult& changed, std::string* fault) {
+  const TextMap known(library, file);
+  const SourceMap& map = known.map();
+  const std::optional<std::vector<SourceEdit>> edits = editsOfFile(file, map, changed.edits);
+  if (!edits) {
+    *fault = "its charset does not tell where the changes would stand";
+    return {};
+  }
+  std::vector<PlannedEdit> planned;
+  if (changed.mode == GuardMode::kFix || changed.mode == GuardMode::kFixUnsafe) {
+    for (const SourceEdit& edit : *edits) planned.push_back({edit.offset, edit.length, edit.replacement});
+  }
+  std::string bytes = applyEdits(file.bytes, *edits);
+  if (const std::optional<GuardFault> found = compareWrites(file.bytes, bytes, changed.mode, planned)) {
+    const SourceMap::Position at = map.getPosition(map.fromFile(found->offset));
+    *fault = "line " + std::to_string(at.line) + ", column " + std::to_string(at.column) + ": " + found->reason;
+  } else if (withoutLineEnds(importText(file, bytes)) != withoutLineEnds(changed.text)) {
+    *fault = "the charset cannot hold what would be written";
+  }
+  return versionsOf(file, std::move(bytes));
+}
+
+// Says that nothing is written, and why.
+ExitCode refuse(const std::string& path, const std::string& why) {
+  complain(path, why + "; nothing is written");
+  return kFailed;
+}
+
+}  // namespace
 
 ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, const PageChange& change, Pairs pairs) {
   Output out;
@@ -116,21 +163,28 @@ ExitCode rewriteFiles(const RewriteOptions& options, const Library& library, con
       continue;
     }
     const auto use = [&](const SourceFile& file, const Page& page) {
-      const ChangeResult changed = change(library, page, file.text);
+      if (const std::string form = foreignForm(file.bytes); !form.empty()) return refuse(path, "seems to be " + form);
+      const ChangeResult changed = change(library, page, file);
+      const bool isSame = changed.text == file.text;
+      std::string fault;
+      Versions versions;
+      if (!isSame && changed.mode != GuardMode::kNone) versions = guarded(library, file, changed, &fault);
+      if (!fault.empty()) return refuse(path, fault);
       if (!changed.left.empty()) complain(path, changed.left);
-      const ExitCode left = changed.left.empty() ? kFine : kFindings;
+      for (const std::string& note : changed.notes) std::fprintf(stderr, "%s:%s\n", path.c_str(), note.c_str());
+      const ExitCode left = changed.left.empty() && !changed.isLeft ? kFine : kFindings;
       const bool asks = options.diff || options.dryRun;
-      if (changed.text == file.text) {
+      if (isSame) {
         if (!options.inPlace && !asks) out << file.bytes;
         return left;
       }
-      const Versions versions = compare(library, file, changed.text);
+      if (changed.mode == GuardMode::kNone) versions = compare(library, file, changed.text);
       if (options.diff) {
         out << unifiedDiff(path, versions.before, versions.after, versions.matches);
       } else if (!options.dryRun && !options.inPlace) {
         out << versions.bytes();
       } else {
-        if (!options.dryRun && !replaceFile(path, versions.bytes())) return kFailed;
+        if (!options.dryRun && !replaceFile(path, versions.bytes(), file.stamp)) return kFailed;
         out.paint(Colour::kName, path) << ": " << changed.done << ", " << versions.changedLines
                                        << (versions.changedLines == 1 ? " line" : " lines")
                                        << (options.dryRun ? " would change\n" : " changed\n");

@@ -1,9 +1,11 @@
 // zeldom: shows on the command line what the library does with pages. Reads the options and calls a command.
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <new>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -30,6 +32,8 @@ const std::map<std::string, CheckFormat> kFormats = {{"text", CheckFormat::kText
                                                      {"json", CheckFormat::kJson},
                                                      {"sarif", CheckFormat::kSarif},
                                                      {"github", CheckFormat::kGitHub}};
+const std::map<std::string, TagCase> kTagCases = {
+    {"keep", TagCase::kKeep}, {"lower", TagCase::kLower}, {"upper", TagCase::kUpper}};
 const std::map<std::string, bool> kSeverities = {{"any", false}, {"severe", true}};
 const std::map<std::string, DOM::JSPVersion> kVersions = {{"0", DOM::JSP_VERSION_0}, {"1", DOM::JSP_VERSION_1}};
 
@@ -66,6 +70,15 @@ void addRewriteOptions(CLI::App* command, RewriteOptions* options) {
   command->add_flag("--dry-run", options->dryRun, "Say which files would change, and change nothing")->excludes(diff);
   inPlace->excludes(diff);
   addCodepage(command, &options->codepage);
+  // Pages that run together on standard output are of no use to anybody.
+  command->parse_complete_callback([options] {
+    const bool prints = !options->inPlace && !options->diff && !options->dryRun;
+    std::error_code unknown;
+    const bool several = options->files.size() > 1 || std::filesystem::is_directory(options->files.front(), unknown);
+    if (prints && several) {
+      throw CLI::ValidationError("more than one file needs one of --in-place, --diff and --dry-run");
+    }
+  });
 }
 
 void addTypes(CLI::App* command, std::string* types) {
@@ -111,20 +124,27 @@ int run(int argc, char** argv) {
   addCodepage(checkCommand, &check.codepage);
   checkCommand->callback([&] { command = [&] { return runCheck(check, settings); }; });
 
-  RewriteOptions fix;
-  CLI::App* fixCommand = app.add_subcommand("fix", "Repair pages; lines that need no repair keep their bytes");
-  addRewriteOptions(fixCommand, &fix);
+  FixOptions fix;
+  CLI::App* fixCommand = app.add_subcommand("fix", "Repair pages; what no error points at keeps its bytes");
+  addRewriteOptions(fixCommand, &fix.rewrite);
+  fixCommand->add_flag("--unsafe", fix.unsafe,
+                       "Also make repairs that may change what the page means; each is named on standard error");
   fixCommand->callback([&] { command = [&] { return runFix(fix, settings); }; });
 
   FormatOptions format;
-  CLI::App* formatCommand = app.add_subcommand("format", "Lay out the source of pages anew");
+  CLI::App* formatCommand = app.add_subcommand(
+      "format", "Lay out the source of pages anew: white space only, where no reader of a page sees it");
   addRewriteOptions(formatCommand, &format.rewrite);
   formatCommand->add_option("--indent", format.indent, "Blanks for each level")
       ->capture_default_str()
       ->check(CLI::Range(0, 100));
-  formatCommand->add_option("--columns", format.columns, "Column from which the next blank becomes a line break")
+  formatCommand
+      ->add_option("--columns", format.columns,
+                   "Lines that are longer break between blocks, and at blanks of running text")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
+  addChoice(formatCommand, "--tags", &format.tags, kTagCases, "Case of the names of HTML tags (keep)");
+  formatCommand->add_flag("--verbose", format.verbose, "Say on stderr what was left alone, and why");
   formatCommand->callback([&] { command = [&] { return runFormat(format, settings); }; });
 
   RuntimeOptions runtime;

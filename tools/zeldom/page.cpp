@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace zeldom40::tool {
 
@@ -26,12 +27,16 @@ void complain(const std::string& subject, const std::string& message) {
   std::fprintf(stderr, "zeldom: %s: %s\n", subject.c_str(), message.c_str());
 }
 
-bool readInput(const std::string& path, std::string* bytes) {
+FileStamp stampOf(const struct stat& info) { return {info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec}; }
+
+bool readInput(const std::string& path, std::string* bytes, FileStamp* stamp) {
   const std::unique_ptr<std::FILE, Closer> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   if (!file) {
     complain(path, std::strerror(errno));
     return false;
   }
+  struct stat info;
+  if (stamp && fstat(fileno(file.get()), &info) == 0) *stamp = stampOf(info);
   bytes->clear();
   char block[1 << 16];
   while (const std::size_t got = std::fread(block, 1, sizeof block, file.get())) {
@@ -48,10 +53,24 @@ bool readInput(const std::string& path, std::string* bytes) {
   return true;
 }
 
-Library::Library(const Settings& settings) : typesFine_(settings.types.empty() || types_.load(settings.types)) {
-  if (!typesFine_) return;
-  dom_ = DOM::createDOM(nullptr, settings.version, nullptr, nullptr);
-  if (dom_ && !settings.types.empty()) dom_->setJavaTypeLookupIF(&types_);
+Library::Library(const Settings& settings)
+    : version_(settings.version),
+      hasTypes_(!settings.types.empty()),
+      typesFine_(settings.types.empty() || types_.load(settings.types)) {
+  if (typesFine_) makeDom();
+}
+
+void Library::makeDom() const {
+  dom_ = DOM::createDOM(nullptr, version_, nullptr, nullptr);
+  if (dom_ && hasTypes_) dom_->setJavaTypeLookupIF(&types_);
+}
+
+bool Library::startFile() const {
+  if (std::exchange(started_, true)) {
+    DOM::destroyDOM(dom_);
+    makeDom();
+  }
+  return usable();
 }
 
 bool Library::usable() const {
@@ -63,7 +82,7 @@ Page::Page(const Library& library, std::string_view bytes, Pairs pairs)
     : dom_(library.dom()), document_(dom_->createDocument("HTML")) {
   for (const auto& [name, type] : library.types().beans()) document_->addOutBoundBean(name.c_str(), type.c_str());
   root_ = document_->createNodes(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, /*adjust=*/false);
-  if (pairs == Pairs::kKeep) keepPairs();
+  if (root_ && pairs == Pairs::kKeep) keepPairs();
 }
 
 bool Page::usable(const std::string& path) const {
@@ -80,24 +99,6 @@ std::vector<Element*> Page::pairs() const {
     n = document_->findNextNode(n, root_, /*updatedOnly=*/false, /*skipChildren=*/isPair);
   }
   return found;
-}
-
-void Page::keepPairs() const {
-  for (Node* n = root_; n;) {
-    auto* element = n->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(n) : nullptr;
-    MetaData* metaData = element ? element->getMetaData() : nullptr;
-    const bool isPair = metaData && metaData->wasLoadedFromPage();
-    if (isPair && metaData->getType() == MetaData::DynamicData) {
-      // A copy does not count as loaded, so that nothing compares its text with a new one. No type generates nothing.
-      auto* copy = new MetaData(*metaData);
-      copy->addRef(false);
-      if (copy->getRuntimeText().empty()) copy->setType(MetaData::None);
-      element->setMetaData(copy);
-    } else if (metaData && !isPair && metaData->getType() != MetaData::AuthorTimeVisual) {
-      element->setMetaData(nullptr);
-    }
-    n = document_->findNextNode(n, root_, /*updatedOnly=*/false, /*skipChildren=*/isPair);
-  }
 }
 
 std::string_view Page::source(Node* node) const {

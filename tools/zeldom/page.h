@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
 
 #include "dom/zeldom40.h"
@@ -12,8 +13,12 @@
 
 namespace zeldom40::tool {
 
-// Reads a whole file, standard input for "-". On failure says why on stderr and returns false.
-bool readInput(const std::string& path, std::string* bytes);
+// What the file system says of a file.
+FileStamp stampOf(const struct stat& info);
+
+// Reads a whole file, standard input for "-". `stamp`, if not null, is the file's from before it was read. On failure
+// says why on stderr and returns false.
+bool readInput(const std::string& path, std::string* bytes, FileStamp* stamp = nullptr);
 
 // One line on stderr: "zeldom: <subject>: <message>".
 void complain(const std::string& subject, const std::string& message);
@@ -29,11 +34,19 @@ class Library {
   // Null if it could not be made or if the types could not be read; usable() says so on stderr.
   DOM* dom() const { return dom_; }
   bool usable() const;
+  // Forgets what the pages before have declared, so that the order of files never matters: dom() is another one from
+  // then on, and no document of the old one may be left. False, said on stderr, if memory ran out.
+  bool startFile() const;
   const Types& types() const { return types_; }
 
  private:
-  DOM* dom_ = nullptr;
+  void makeDom() const;
+
+  const DOM::JSPVersion version_;
+  mutable DOM* dom_ = nullptr;
+  mutable bool started_ = false;  // the DOM has met a file
   Types types_;
+  bool hasTypes_;
   bool typesFine_;
 };
 
@@ -61,7 +74,7 @@ class Page {
   // The elements that are written as pairs, in document order, but for those inside of others.
   std::vector<Element*> pairs() const;
   // What Pairs::kKeep asks for, of a page that was parsed without.
-  void keepPairs() const;
+  void keepPairs() const { document_->keepRuntimeText(); }
 
  private:
   DOM* dom_;
@@ -74,7 +87,7 @@ class Page {
 template <typename Use>
 ExitCode withPage(const Library& library, const std::string& path, Pairs pairs, Use use) {
   std::string bytes;
-  if (!readInput(path, &bytes)) return kFailed;
+  if (!readInput(path, &bytes) || !library.startFile()) return kFailed;
   Page page(library, bytes, pairs);
   return page.usable(path) ? use(page, bytes) : kFailed;
 }
@@ -83,7 +96,7 @@ ExitCode withPage(const Library& library, const std::string& path, Pairs pairs, 
 template <typename Use>
 ExitCode withSource(const Library& library, const std::string& path, int codepage, Pairs pairs, Use use) {
   SourceFile file;
-  if (!readSource(path, codepage, &file)) return kFailed;
+  if (!readSource(path, codepage, &file) || !library.startFile()) return kFailed;
   const Page page(library, file.text, pairs);
   return page.usable(path) ? use(file, page) : kFailed;
 }

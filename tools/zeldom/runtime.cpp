@@ -34,7 +34,7 @@ ExitCode runRuntime(const RuntimeOptions& options, const Settings& settings) {
   RewriteOptions rewrite;
   rewrite.files = options.files;
   rewrite.codepage = options.codepage;
-  const auto change = [&](const Library&, const Page& page, const std::string&) {
+  const auto change = [&](const Library&, const Page& page, const SourceFile&) {
     ChangeResult result;
     result.text = options.keep ? std::string(page.source()) : withoutComments(page);
     return result;

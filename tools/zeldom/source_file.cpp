@@ -74,7 +74,7 @@ int guessCodepage(std::string_view bytes, CodeConv::Charset* charset) {
 
 bool readSource(const std::string& path, int codepage, SourceFile* file) {
   file->path = path;
-  if (!readInput(path, &file->bytes)) return false;
+  if (!readInput(path, &file->bytes, &file->stamp)) return false;
   CodeConv::Charset charset = CodeConv::CHARSET_AUTO;
   const int guessed = guessCodepage(file->bytes, &charset);
   CodeConv::SetCodepage(codepage ? codepage : guessed);
@@ -84,6 +84,12 @@ bool readSource(const std::string& path, int codepage, SourceFile* file) {
   file->charset = converter.GetCharset();
   file->newline = converter.GetNewline();
   return true;
+}
+
+std::string importText(const SourceFile& file, std::string_view bytes) {
+  CodeConv converter;
+  const char* text = converter.Import(bytes.data(), static_cast<int>(bytes.size()), file.charset);
+  return text ? text : "";
 }
 
 std::string exportText(const SourceFile& file, std::string_view text) {
