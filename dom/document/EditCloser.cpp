@@ -72,8 +72,10 @@ class EditCloser {
     format(element);
   }
 
-  // Skeleton elements that are made for others become one with those; tags that the page has stay under KEEP.
-  bool staysApart(const Element* element) const { return keeps_ && ElementAccess::hasSourceTag(element); }
+  // Under KEEP only what is new becomes one with what was there.
+  bool staysApart(const Element* element) const {
+    return keeps_ && !(element->getUpdateFlag() & (Node::UPDATE_CREATED | Node::UPDATE_ADDED));
+  }
 
   void visitText(Node* text) {
     if (text == waiting_) waiting_ = nullptr;

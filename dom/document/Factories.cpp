@@ -30,8 +30,12 @@ bool hasNoContentOfItsOwn(const Node* node) {
   return (group & GROUP_TEXT_LEVEL) && !((group & GROUP_ANCHOR) && ElementAccess::hasAttribute(element, "NAME"));
 }
 
-// An element that the page has without content: an icon, a target of a script.
+// A node that the page has without content: an icon, a target of a script, white space that shows nothing.
 bool standsEmpty(const Node* node) {
+  if (node->getNodeType() == Node::NODE_TEXT) {
+    const auto* text = static_cast<const Text*>(node);
+    return TextAccess::isSourceOfPage(text) && TextAccess::slice(text).length > 0;
+  }
   if (node->getNodeType() != Node::NODE_ELEMENT) return false;
   const auto* element = static_cast<const Element*>(node);
   return ElementAccess::hasSourceTag(element) && ElementAccess::wasEmpty(element);

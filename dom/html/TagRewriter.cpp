@@ -195,8 +195,13 @@ class TagWriter {
   bool writeAroundCode(std::string& out) {
     const Piece* last = constructPiece();
     if (last && (!last->attribute || isChanged(*last))) last = nullptr;
-    const bool codeInTail = tail_.find("<%") != std::string_view::npos || tail_.find("<?") != std::string_view::npos;
-    if (!endsInConstruct_ && !codeInTail) return false;
+    const bool keepsTail = endsInConstruct_ || holdsCode(tail_);
+    // Code may stand in an attribute that the tag states again, and that no list knows.
+    const auto keeps = [&](const Piece& piece) {
+      return &piece == last || (!piece.counts && piece.attribute && holdsCode(between(piece.name, piece.end)));
+    };
+    const bool isTag = stored_.size() > 1 && isLetterByte(stored_[1]);
+    if (!isTag || (!keepsTail && std::none_of(pieces_.begin(), pieces_.end(), keeps))) return false;
     out = "<";
     out += ElementAccess::writtenName(&element_);
     const AttributeList* list = element_.getAttributes();
@@ -204,12 +209,21 @@ class TagWriter {
       const Attribute* attribute = list->item(i);
       if (attribute && !(last && attribute == last->attribute && last->counts)) writeAttribute(*attribute, out);
     }
-    if (last) {
-      writeGap(*last, last->gap == headEnd_ && out.size() == headEnd_, out);
-      out += between(last->name, last->end);
+    for (const Piece& piece : pieces_) {
+      if (!keeps(piece)) continue;
+      writeGap(piece, piece.gap == headEnd_ && out.size() == headEnd_, out);
+      out += between(piece.name, piece.end);
+    }
+    if (!keepsTail) {
+      out += (element_.getElementGroup() & GROUP_XML_TAG) && !element_.hasChildNodes() ? " />" : ">";
+      return true;
     }
     writeApart(tail_, out);
     return true;
+  }
+
+  static bool holdsCode(std::string_view text) {
+    return text.find("<%") != std::string_view::npos || text.find("<?") != std::string_view::npos;
   }
 
   // A name must not run into what follows it.

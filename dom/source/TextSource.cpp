@@ -133,7 +133,7 @@ bool reachesOver(std::string_view open, std::string_view was, std::string_view n
   }
   // Three bytes tell markup from a "<" that means itself.
   if (open.size() > 3 || std::any_of(inside.begin(), inside.end(), isSpaceByte)) return false;
-  return now.empty() ? !was.empty() : !isSpaceByte(now[0]);
+  return now.empty() ? !was.empty() : now[0] != '&' && !isSpaceByte(now[0]);
 }
 
 // What an edit has changed: the bytes of the old form from `from` to `oldEnd`, of the new one from there to `newEnd`.

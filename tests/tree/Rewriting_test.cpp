@@ -71,6 +71,9 @@ TEST_F(RewritingTest, ServerCodeInATag) {
        "<input type=\"t\" checked <% x %> name=\"q\">"},
       {"<input id=a checked <% x %> name=\"q\">", "INPUT", kDirty, "<INPUT id=\"a\" checked <% x %> name=\"q\">",
        "<input id=a checked <% x %> name=\"q\">"},
+      // In what the tag states again.
+      {"<p id=a class=x id=\"<%= y %>\">x", "P", set("class", "z"), "<P id=\"a\" class=\"z\" id=\"<%= y %>\">x</P>",
+       "<p id=a class=z id=\"<%= y %>\">x"},
       // So with all that ends a tag of itself.
       {"<p <%-- > --%> class=x>x", "P", set("id", "a"), "<P id=\"a\" <%-- > --%> class=x>x</P>",
        "<p id=\"a\" <%-- > --%> class=x>x"},
