@@ -107,6 +107,7 @@ void RepairPage::readTree(Document& document) {
     item.parent = open.empty() ? kNone : open.back();
     item.depth = static_cast<int>(open.size());
     item.behind = index + 1;
+    item.id = -1;
     item.all = map.getRange(n);
     item.isElement = n->getNodeType() == Node::NODE_ELEMENT;
     item.isInline = n->getNodeType() == Node::NODE_TEXT;
@@ -117,6 +118,9 @@ void RepairPage::readTree(Document& document) {
       ElementAccess::gatherAttributeErrors(element);
       const ElementDefinition* definition = element->getElementDefinition();
       item.isUnknown = !definition;
+      const bool isEndTag = (n->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) != 0;
+      if (definition || isEndTag)
+        item.id = definition ? element->getElementID() : GetHTML40ElementID(n->getName().c_str());
       item.isCarriable = isCarriableName(element->getName());
       if (definition) {
         auto known = inlines.find(definition);
@@ -261,11 +265,6 @@ int RepairPage::nextSibling(int index) const {
 }
 
 int RepairPage::previousSibling(int index) const { return previous_[static_cast<std::size_t>(index)]; }
-
-int RepairPage::id(int index) const {
-  const Item& item = (*this)[index];
-  return item.isElement && !item.isUnknown ? static_cast<const Element*>(item.node)->getElementID() : -1;
-}
 
 bool RepairPage::isBlank(int index) const {
   const Item& item = (*this)[index];

@@ -36,6 +36,7 @@ class RepairPage {
     int behind;  // the first index that is not below the node
     int depth;
     unsigned long error;
+    int id;                  // -1 for a text and for what has no identifier; an end tag alone has that of its name
     SourceMap::Range all;    // NOWHERE: generated content, which has no place
     SourceMap::Range begin;  // the begin tag; empty if it is implied; NOWHERE for what is no element
     SourceMap::Range end;    // the end tag in the same way
@@ -57,8 +58,7 @@ class RepairPage {
   int find(const Node* node) const;
   int nextSibling(int index) const;
   int previousSibling(int index) const;
-  // -1 for a text and for what has no identifier.
-  int id(int index) const;
+  int id(int index) const { return (*this)[index].id; }
   std::string_view at(SourceMap::Range range) const {
     return std::string_view(source_).substr(range.begin, range.length());
   }

@@ -232,8 +232,7 @@ struct RepairPlanner::Data {
   std::vector<std::size_t> claims;
 };
 
-// --- what there is
-// ----------------------------------------------------------------------------------------------------
+// --- what there is ---------------------------------------------------------------------------------------------------
 
 void RepairPlanner::Data::indexFindings() {
   std::size_t next = 0;
@@ -289,8 +288,7 @@ int RepairPlanner::Data::skipped(int index, bool forward) const {
   return kNone;
 }
 
-// --- the plan that is being made
-// --------------------------------------------------------------------------------------
+// --- the plan that is being made -------------------------------------------------------------------------------------
 
 // The plan settles that error of the node too, if it has it and nothing else settles it.
 void RepairPlanner::Data::claim(int index, unsigned long bits) {
@@ -369,8 +367,7 @@ void RepairPlanner::Data::plan(std::size_t finding) {
   }
 }
 
-// --- end tags
-// ---------------------------------------------------------------------------------------------------------
+// --- end tags --------------------------------------------------------------------------------------------------------
 
 void RepairPlanner::Data::planStrayEnd(int index) {
   const RepairPage::Item& item = page[index];
@@ -440,8 +437,7 @@ void RepairPlanner::Data::planMissingEnd(int index) {
   finishAcross(item.begin.end, offset, reason);
 }
 
-// --- what is misplaced
-// ------------------------------------------------------------------------------------------------
+// --- what is misplaced -----------------------------------------------------------------------------------------------
 
 void RepairPlanner::Data::planMisplaced(int index) {
   const RepairPage::Item& item = page[index];
@@ -500,7 +496,9 @@ bool RepairPlanner::Data::carry(int index) {
 bool RepairPlanner::Data::wrapCells(int index) {
   const int table = page[index].parent;
   if (!isCell(page.id(index)) || !isRowHolder(page.id(table))) return false;
-  if (page.isHalf() || page[table].begin.isEmpty()) {
+  // The body of a table may be implied; a table that another file begins is not this one's to mend.
+  const int own = page[table].begin.isEmpty() ? page[table].parent : table;
+  if (page.isHalf() || own == kNone || page[own].begin.isEmpty()) {
     giveUp(kHalfPage);
     return true;
   }
@@ -528,8 +526,8 @@ bool RepairPlanner::Data::wrapCells(int index) {
     claim(stray, ERR_ELEMENT_BEGIN_TAG_MISSING);
     end = page[stray].all.begin;
   } else if (!page[last].end.isEmpty()) {
-    const bool own = line != SourceMap::NOWHERE && page.lineEnd(end) != SourceMap::NOWHERE;
-    edit(end, 0, (own ? std::string(page.newlineNear(line)) + page.indentOf(like) : std::string()) + "</" + tag + ">",
+    const bool alone = line != SourceMap::NOWHERE && page.lineEnd(end) != SourceMap::NOWHERE;
+    edit(end, 0, (alone ? std::string(page.newlineNear(line)) + page.indentOf(like) : std::string()) + "</" + tag + ">",
          -first.depth);
   }
   finishAcross(page[table].begin.end, std::max(end, page[table].end.begin), "puts a row around the cells");
@@ -580,8 +578,67 @@ bool RepairPlanner::Data::wrapItems(int index) {
   return true;
 }
 
-// --- tags that are written otherwise
-// ----------------------------------------------------------------------------------
+// --- what has to move ------------------------------------------------------------------------------------------------
+
+// Unsafe in any case: a reader meets things in another order.
+void RepairPlanner::Data::planMove(int index) {
+  const RepairPage::Item& item = page[index];
+  const int parent = item.parent;
+  const bool isWhole = !item.isElement || (!item.isUnknown && !(item.error & kTagErrors));
+  if (isWhole && parent != kNone && !page.isHalf() && (moveBeforeTable(index) || moveToHead(index) || takeIn(index)))
+    return;
+  if (parent == kNone || !page[parent].isElement) return giveUp("it would have to move");
+  giveUp((item.isElement ? name(index) : std::string("the text")) + " would have to leave " + name(parent));
+}
+
+bool RepairPlanner::Data::moveBeforeTable(int index) {
+  const RepairPage::Item& item = page[index];
+  if (!item.isInline || !(isRowHolder(page.id(item.parent)) || page.id(item.parent) == ID_TR)) return false;
+  int table = item.parent;
+  for (int i = 0; i < kMostPassed && table != kNone && page.id(table) != ID_TABLE; ++i) table = page[table].parent;
+  if (table == kNone || page.id(table) != ID_TABLE || page[table].begin.isEmpty()) return false;
+  const std::size_t begin = page.skipSpace(item.all.begin, item.all.end);
+  const Range range = {begin, page.trimBack(item.all.end, begin)};
+  edit(range.begin, range.length(), {});
+  edit(page[table].begin.begin, 0, std::string(page.at(range)), index);
+  finish(UNSAFE, "moves it before the table");
+  return true;
+}
+
+// What only the head may hold goes to its end.
+bool RepairPlanner::Data::moveToHead(int index) {
+  const int id = page.id(index);
+  if (id != ID_META && id != ID_LINK && id != ID_BASE) return false;
+  const int head = page.head();
+  if (head == kNone || page[head].end.isEmpty() || page[index].all.begin < page[head].all.end) return false;
+  const std::size_t end = page[head].end.begin;
+  const bool own = page.lineBegin(end) != SourceMap::NOWHERE;
+  removeTag(page[index].all);
+  edit(end, 0, std::string(page.at(page[index].all)) + (own ? std::string(page.newlineNear(end)) : std::string()),
+       index);
+  finish(UNSAFE, "moves it to the head");
+  return true;
+}
+
+// Between items stands what belongs to the item before.
+bool RepairPlanner::Data::takeIn(int index) {
+  if (!page[index].isInline || !isList(page.id(page[index].parent))) return false;
+  const int item = skipped(index, /*forward=*/false);
+  if (item == kNone || page.id(item) != ID_LI || page[item].end.isEmpty() || (page[item].error & kTagErrors))
+    return false;
+  int last = index;
+  for (int next = index; next != kNone && page[next].isInline; next = page.nextSibling(next)) {
+    claim(next, kPlacing | ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
+    if (!page.isBlank(next)) last = next;
+  }
+  const std::size_t end = page.trimBack(page[last].all.end, page[last].all.begin);
+  edit(page[item].end.begin, page[item].end.length(), {});
+  edit(end, 0, std::string(page.at(page[item].end)), -page[index].depth);
+  finish(UNSAFE, "lets the item before take it in");
+  return true;
+}
+
+// --- tags that are written otherwise ---------------------------------------------------------------------------------
 
 // The tag with what could be read of it.
 void RepairPlanner::Data::planBrokenTag(int index) {
@@ -620,8 +677,7 @@ void RepairPlanner::Data::planCase(int index) {
   finish(UNSAFE, "writes the names of the tag as they are declared");
 }
 
-// --- the planner
-// ------------------------------------------------------------------------------------------------------
+// --- the planner -----------------------------------------------------------------------------------------------------
 
 RepairPlanner::RepairPlanner(Document* document, bool guardWide) {
   if (document && document->getDocumentElement()) data_ = std::make_unique<Data>(*document, guardWide);
@@ -646,8 +702,7 @@ const RepairPlanner::Plan* RepairPlanner::planFor(const Node* node, unsigned lon
   return &data_->plans[data_->planOf[finding]];
 }
 
-// --- plans together
-// ---------------------------------------------------------------------------------------------------
+// --- plans together --------------------------------------------------------------------------------------------------
 
 RepairPlanner::Verdict RepairPlanner::verify(const std::vector<std::size_t>& plans) const {
   Verdict verdict;

@@ -51,9 +51,8 @@ TEST_F(RepairPlans, TagsComeAndGoAndNothingElse) {
       {"<p>one <b>two</p>", "<p>one <b>two</b></p>"},
       {"<P>one <Font size=1>two <i>three \n</P>", "<P>one <Font size=1>two <i>three</i></Font> \n</P>"},
       {"<h3><a name=x>T</h3><p>u", "<h3><a name=x>T</a></h3><p>u"},
-      {"  <div>\n    <p>x\n  <p>y", "  <div>\n    <p>x\n  <p>y</div>"},
-      {"  <div>\n    <p>x\n", "  <div>\n    <p>x\n  </div>\n"},
-      {"<div>\r\n<p>x\r\n", "<div>\r\n<p>x\r\n</div>\r\n"},
+      {"  <div>\n    <p>x", "  <div>\n    <p>x\n  </div>"},
+      {"x<div>\n    <p>y", "x<div>\n    <p>y\n</div>"},
       {"<a name=x><h2>T</h2>", "<a name=x></a><h2>T</h2>"},
       {"<dl><dt><kbd>-x\n<dd>y</dl>", "<dl><dt><kbd>-x</kbd>\n<dd>y</dl>"},
       // one that ends nothing
@@ -103,6 +102,8 @@ TEST_F(RepairPlans, ServerCodeInBetweenMakesARepairUnsafe) {
     EXPECT_EQ(body(each.before), each.before);
     EXPECT_EQ(body(each.before, /*unsafe=*/true), each.after);
   }
+  EXPECT_EQ(repaired("<html><body>\r\n<div>\r\n<p>x\r\n</body></html>"),
+            "<html><body>\r\n<div>\r\n<p>x\r\n</div>\r\n</body></html>");
   // It stands in the tag alone, or beside the pair.
   EXPECT_EQ(body("<% x %><h3><a href=\"<%= u %>\">T</h3>"), "<% x %><h3><a href=\"<%= u %>\">T</a></h3>");
 }
@@ -151,7 +152,7 @@ TEST_F(RepairPlans, AnErrorKnowsItsPlan) {
     EXPECT_EQ(missing->kind, RepairPlanner::SAFE);
     EXPECT_EQ(applyEdits(page, missing->edits),
               kBegin + "<p>one <b>two</b></p><p>three</i> four</p><table>x</table>" + kEnd);
-    EXPECT_EQ(plans[ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]->kind, RepairPlanner::UNREPAIRED);
+    EXPECT_EQ(plans[ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]->kind, RepairPlanner::UNSAFE);
     EXPECT_EQ(planner.planFor(document->getDocumentElement(), ERR_ELEMENT_UNKNOWN), nullptr);
     EXPECT_EQ(planner.planFor(nullptr, ~0ul), nullptr);
     // Alone, together, and with indices that are none.
