@@ -32,6 +32,7 @@ constexpr std::size_t kDeclarations = 1024;
 constexpr char kOddTag[] = "a tag before it is broken, which may hold the other tag";
 constexpr char kHalfPage[] = "its other tag may stand in another file";
 constexpr char kServerBetween[] = ", though server code stands in between";
+constexpr char kWideBetween[] = ", though text that other programs may take for server code stands in between";
 
 // Their end tag may be added and dropped: what they hold ends where the page shows it to end.
 constexpr int kClosable[] = {ID_DIV, ID_CENTER, ID_BLOCKQUOTE, ID_TABLE,   ID_UL,      ID_OL,
@@ -152,7 +153,7 @@ class OffsetMap {
 
 struct RepairPlanner::Data {
   Data(Document& document, bool guardWide)
-      : dom(document.getDOM()), page(document, guardWide), findings(listFindings(page)) {
+      : dom(document.getDOM()), page(document, guardWide), findings(listFindings(page)), isWideGuarded(guardWide) {
     indexFindings();
     lookAround();
     planOf.assign(findings.size(), kNoPlan);
@@ -206,7 +207,8 @@ struct RepairPlanner::Data {
   }
   // What is safe unless server code stands in that stretch.
   void finishAcross(std::size_t begin, std::size_t end, std::string reason) {
-    if (page.hasServerCode(begin, end)) return finish(UNSAFE, std::move(reason) + kServerBetween);
+    if (page.hasServerCode(begin, end))
+      return finish(UNSAFE, std::move(reason) + (isWideGuarded ? kWideBetween : kServerBetween));
     finish(SAFE, std::move(reason));
   }
 
@@ -215,6 +217,7 @@ struct RepairPlanner::Data {
   DOM* dom;
   RepairPage page;
   std::vector<Finding> findings;
+  bool isWideGuarded;
   std::vector<std::size_t> firstOf;  // finding of each item; those of one item stand together
   std::vector<int> itemOf;           // of each finding
   // Of each item: the first misplaced block below it that only inline elements stand around; of an anchor the first
@@ -663,13 +666,16 @@ void RepairPlanner::Data::planCase(int index) {
   const ElementDefinition* definition = element->getElementDefinition();
   if (!definition) return giveUp("the element is not known");
   const std::string& name = definition->getName();
-  const auto writeName = [&](Range tag, std::size_t behind) {
-    const Range written = {tag.begin + behind, std::min(tag.begin + behind + name.size(), tag.end)};
-    if (tag.isKnown() && tag.length() > behind && page.at(written) != name) edit(written.begin, written.length(), name);
+  const auto rename = [&](Range tag, std::size_t behind, const std::vector<std::pair<Range, std::string>>& attributes) {
+    if (!tag.isKnown() || tag.length() < behind + name.size()) return;
+    std::vector<SourceEdit> inTag = {{behind, name.size(), name}};
+    for (const auto& [range, declared] : attributes)
+      inTag.push_back({range.begin - tag.begin, range.length(), declared});
+    std::string written = applyEdits(page.at(tag), inTag);
+    if (written != page.at(tag)) edit(tag.begin, tag.length(), std::move(written));
   };
-  writeName(item.begin, 1);
-  writeName(item.end, 2);
-  for (const auto& [range, declared] : page.misspelt(index)) edit(range.begin, range.length(), declared);
+  rename(item.begin, 1, page.misspelt(index));
+  rename(item.end, 2, {});
   claim(index, ERR_ELEMENT_INVALID_CASE);
   claim(index, ERR_ELEMENT_INVALID_CASE_ATTR);
   claim(index, ERR_ELEMENT_INVALID_CASE_END);
