@@ -112,6 +112,25 @@ std::string generateAgain(Task& task, DOM& dom, Document& document, Node* root, 
   return std::string(written(document, root));
 }
 
+// Asks for a child by its index and inserts a text before it, in turn, here and there among the children of the node
+// that has most of them, until it has twice as many.
+void editByIndex(Document& document, Node* root) {
+  Node* widest = nullptr;
+  std::size_t most = 0;
+  for (Node* n = root; n; n = document.findNextNode(n, root, /*updatedOnly=*/false, /*skipChildren=*/false)) {
+    std::size_t count = 0;
+    for (const Node* child = n->getFirstChild(); child; child = child->getNextSibling()) ++count;
+    if (count <= most) continue;
+    most = count;
+    widest = n;
+  }
+  constexpr std::size_t kStride = 7919;
+  for (std::size_t i = 0; i < most; ++i) {
+    Node* child = widest->getChildNode(static_cast<int>(i * kStride % (most + i)));
+    widest->insertBefore(document.createTextNode("x"), child);
+  }
+}
+
 void readAndWrite(Task& task) {
   // A page may add to the DTD, so each has a DOM of its own.
   DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
@@ -183,6 +202,10 @@ void editAndUndo(Task& task) {
     document->adjustNodes(nullptr, /*full=*/true);
   }
   undo();
+  {
+    const Measured measured(task, INDICES);
+    editByIndex(*document, document->getDocumentElement());
+  }
   dom->deleteDocument(document);
   DOM::destroyDOM(dom);
 }

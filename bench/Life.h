@@ -6,10 +6,24 @@
 
 namespace zeldom40::bench {
 
-enum Phase { PARSE, WRITE, RUNTIME, CLONE, RELEASE, ERRORS, ADJUST, CORRECT, ADJUST_REPAIRED, RECORD, UNDO, PHASES };
+enum Phase {
+  PARSE,
+  WRITE,
+  RUNTIME,
+  CLONE,
+  RELEASE,
+  ERRORS,
+  ADJUST,
+  CORRECT,
+  ADJUST_REPAIRED,
+  RECORD,
+  UNDO,
+  INDICES,
+  PHASES
+};
 constexpr const char* kPhaseNames[PHASES] = {"parse",       "write",      "run-time",    "clone",
                                              "release",     "error list", "adjustNodes", "correctError",
-                                             "then adjust", "record",     "undo"};
+                                             "then adjust", "record",     "undo",        "indices"};
 constexpr std::size_t kSmallStack = 256 * 1024;
 
 struct Life {

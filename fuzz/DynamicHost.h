@@ -125,7 +125,7 @@ class DynamicHost {
     fault_.clear();
     const std::string before = expected_;
     const unsigned long countBefore = document_->getRecordCount();
-    const std::size_t kind = choices_.below(24);
+    const std::size_t kind = choices_.below(kEdits);
     edit(kind);
     if (kind < kHistoryEdits) {
       if (document_->getRecordCount() != countBefore) noteRecord(before);
@@ -147,15 +147,19 @@ class DynamicHost {
     if (!fault_.empty()) return fault_ + "\n(at the end)";
     close(document_);
     document_ = nullptr;
-    if (controls_.live() != 0) return std::to_string(controls_.live()) + " items are left";
-    if (!controls_.wrong().empty()) return controls_.wrong();
+    for (const CountingControls* controls : {&controls_, &otherControls_}) {
+      if (controls->live() != 0) return std::to_string(controls->live()) + " items are left";
+      if (!controls->wrong().empty()) return controls->wrong();
+    }
     return types_.isEven() ? std::string() : "a type was not given back once";
   }
 
  private:
   static constexpr std::size_t kMostNodes = 150;
   static constexpr std::size_t kDepth = 10;
-  static constexpr std::size_t kHistoryEdits = 19;
+  // Edits before this one may save a state.
+  static constexpr std::size_t kHistoryEdits = 21;
+  static constexpr std::size_t kEdits = 26;
 
   // --- pages --------------------------------------------------------------------------------------------------------
 
@@ -267,11 +271,15 @@ class DynamicHost {
         last_ = "record";
         return document_->record();
       case 19:
+        return paste();
       case 20:
-        return stepHistory(undo_, redo_, /*back=*/true);
+        return nestVisual();
       case 21:
-        return stepHistory(redo_, undo_, /*back=*/false);
       case 22:
+        return stepHistory(undo_, redo_, /*back=*/true);
+      case 23:
+        return stepHistory(redo_, undo_, /*back=*/false);
+      case 24:
         return ask();
       default:
         last_ = "clearUpdateFlag";
@@ -388,17 +396,87 @@ class DynamicHost {
     last_ = "setATV";
     Element* shown = pick({"JSP:EXPRESSION"});
     if (!shown) return;
-    if (shown->getATV() && choices_.chance(2)) {
-      if (choices_.chance(2)) {
-        shown->getATV()->setAttribute("FONTTEXT", "other", /*notify=*/true);
-      } else {
-        shown->setATV(nullptr);
+    if (Element* visual = choices_.chance(2) ? shown->getATV() : nullptr) {
+      switch (choices_.below(6)) {
+        case 0:
+        case 1:
+          visual->setAttribute("FONTTEXT", "other", /*notify=*/true);
+          return;
+        case 2:
+          shown->setATV(nullptr);
+          return;
+        case 3:
+          document_->deleteNodes(visual);
+          return;
+        case 4:
+          document_->removeElement(visual, choices_.chance(2));
+          return;
+        default:
+          // It shows one element.
+          if (Element* another = pick({"JSP:EXPRESSION"}); another != shown && another->setATV(visual))
+            fault_ = "a visual shows two elements";
+          return;
       }
-      return;
     }
     Element* made = document_->createElement("ZELX:ATV");
     made->setAttribute("FONTTEXT", "new", /*notify=*/false);
+    // What stood in the page may stand in a visual, which writes no more than its tag.
+    if (Element* existing = choices_.chance(3) ? pick({"B", "UL", "JSP:EXPRESSION"}) : nullptr; existing) {
+      Node* copy = existing->makeClone(/*deep=*/true);
+      copy->addRef(true);
+      made->insertLast(copy);
+    }
     if (!shown->setATV(made)) made->releaseRef(true);
+  }
+
+  // An element inside of its own visual, made from either end, is refused.
+  void nestVisual() {
+    last_ = "a visual inside itself";
+    Element* shown = pick({"JSP:EXPRESSION"});
+    if (!shown) return;
+    Node* parent = shown->getParentNode();
+    Node* behind = shown->getNextSibling();
+    parent->removeChild(shown);
+    if (Element* visual = choices_.chance(2) ? shown->getATV() : nullptr) {
+      Node* place = visual->hasChildNodes() && choices_.chance(2) ? visual->getFirstChild() : visual;
+      place->insertLast(shown);
+      if (shown->getParentNode()) fault_ = "an element stands in its visual";
+    } else {
+      Element* around = document_->createElement("ZELX:ATV");
+      around->insertLast(shown);
+      if (shown->setATV(around)) fault_ = "what holds an element became its visual";
+      around->removeChild(shown);
+      around->releaseRef(true);
+    }
+    if (fault_.empty()) parent->insertBefore(shown, behind);
+  }
+
+  // From a document with controls of its own or of the same host, which ends at once.
+  void paste() {
+    last_ = "paste";
+    Element* place = pick({"LI", "TD", "BODY", "ZELX:LOOP", "ZELX:TEXT", "DIV"});
+    if (!place) return;
+    Document* other = dom_->createDocument("HTML");
+    if (withControls_) other->setDTCDocument(choices_.chance(2) ? &otherControls_ : &controls_);
+    const std::string page = "<HTML><BODY>" + flow() + "</BODY></HTML>";
+    read(*other, page);
+    if (choices_.chance(2)) {
+      const std::string saved = written(*other, other->getDocumentElement());
+      read(*other, saved);
+    }
+    Node* body = other->getElementsByTagName("BODY").toFirstNode();
+    for (Node* child = body->getFirstChild(); child;) {
+      Node* next = child->getNextSibling();
+      if (choices_.chance(2)) {
+        child = child->makeClone(/*deep=*/true);
+        child->addRef(true);
+      } else {
+        body->removeChild(child);
+      }
+      put(place, child);
+      child = next;
+    }
+    dom_->deleteDocument(other);
   }
 
   // What a host may ask in between leaves everything as it is for the next save.
@@ -520,6 +598,7 @@ class DynamicHost {
   std::string_view page_;
   CountingTypes types_;
   CountingControls controls_;
+  CountingControls otherControls_;
   bool withControls_ = false;
   SnapshotCheck snapshots_;
   Document* document_ = nullptr;

@@ -14,6 +14,7 @@
 #include "dom/zeldom40.h"
 #include "fuzz/RandomPage.h"
 #include "fuzz/SnapshotCheck.h"
+#include "fuzz/TreeCheck.h"
 
 namespace zeldom40::fuzz {
 
@@ -50,13 +51,15 @@ class Choices {
 
 // Edits one document. It keeps its own account of the history: the source and the places of cursor and selection at
 // each record, against which undo and redo are held. A host may hold nodes that it took out of the tree; those are put
-// back, or released, in any order.
+// back, or released, in any order. Nodes go to and fro between the document and a second one of the same DOM, which
+// ends now and then; those of a document of another DOM are refused.
 class EditHost {
  public:
   EditHost(DOM* dom, Choices& choices, const char* documentTypeName = "HTML")
       : choices_(choices), pages_(choices.below(1u << 24), *dom->getDocumentType()), dom_(dom) {
     document_ = dom_->createDocument(documentTypeName);
     load();
+    openOther();
   }
   EditHost(const EditHost&) = delete;
   EditHost& operator=(const EditHost&) = delete;
@@ -65,6 +68,7 @@ class EditHost {
     if (!fault_.empty()) return;
     snapshots_.clear();
     releaseAll();
+    dom_->deleteDocument(other_);
     dom_->deleteDocument(document_);
   }
 
@@ -78,7 +82,7 @@ class EditHost {
     const State before = state();
     const unsigned long countBefore = document_->getRecordCount();
     fault_.clear();
-    const std::size_t kind = choices_.below(40);
+    const std::size_t kind = choices_.below(kEdits);
     edit(kind, before);
     // The first change of an edit saves the state that it found.
     if (kind < kHistoryEdits && document_->getRecordCount() == countBefore + 1) noteRecord(before);
@@ -110,7 +114,9 @@ class EditHost {
 
   static constexpr std::size_t kMostNodes = 300;
   static constexpr std::size_t kDepth = 10;
-  static constexpr std::size_t kHistoryEdits = 34;
+  // Edits before this one may save a state.
+  static constexpr std::size_t kHistoryEdits = 38;
+  static constexpr std::size_t kEdits = 44;
   static constexpr unsigned long kStepsASave = 3;
 
   // --- edits --------------------------------------------------------------------------------------------------------
@@ -175,18 +181,26 @@ class EditHost {
       case 33:
         return release();
       case 34:
+        return paste();
       case 35:
+        return giveAway();
+      case 36:
+        return repairFindings();
+      case 37:
+        return tryForeign();
+      case 38:
+      case 39:
         last_ = "undo";
         return stepHistory(undo_, redo_, 1 + choices_.below(3), before, /*back=*/true);
-      case 36:
+      case 40:
         last_ = "redo";
         return stepHistory(redo_, undo_, 1 + choices_.below(3), before, /*back=*/false);
-      case 37:
+      case 41:
         last_ = "cancelRecord";
         document_->cancelRecord();
         if (redo_.empty() && !undo_.empty()) undo_.pop_back();
         return;
-      case 38:
+      case 42:
         return ask();
       default:
         if (choices_.chance(8)) return load();
@@ -204,6 +218,8 @@ class EditHost {
     Node* parent = pickParent();
     Node* ref = parent && choices_.chance(4) ? nullptr : childOf(parent);
     if (parent) {
+      // An index that is asked for keeps the list of the children alive.
+      if (choices_.chance(3)) parent->getChildNode(offset());
       switch (choices_.below(4)) {
         case 0:
           parent->insertFirst(run);
@@ -298,8 +314,9 @@ class EditHost {
   void editText() {
     Text* text = pickText();
     if (!text) return;
-    static constexpr const char* kTexts[] = {"a", " ", "two words", "\t", "<&>\"", "", "\r\nx\r\n", "\x1b\xa0", "\xff"};
-    const char* typed = kTexts[choices_.below(9)];
+    static constexpr const char* kTexts[] = {"a", " ",         "two words", "\t",   "<&>\"",
+                                             "",  "\r\nx\r\n", "\x1b\xa0",  "\xff", "\x1c<b>"};
+    const char* typed = kTexts[choices_.below(10)];
     const bool cursor = choices_.chance(2);
     switch (choices_.below(9)) {
       case 0:
@@ -352,6 +369,108 @@ class EditHost {
     last_ = "adjustNodes";
     if (choices_.chance(10)) document_->skipAdjust();
     document_->adjustNodes(choices_.chance(2) ? nullptr : pick(), choices_.chance(3));
+  }
+
+  // The loop of a checker, over a list that stays open behind it.
+  void repairFindings() {
+    last_ = "repair findings";
+    std::vector<Node*> found;
+    for (const _dom_error_packet* packet : document_->getErrorList()) {
+      if (packet->error & ERR_DOC_SEVERE_PARSE_ERROR) found.push_back(packet->node);
+    }
+    for (Node* node : found) {
+      document_->correctError(node);
+      forgetTaken();
+      if (choices_.chance(3)) document_->adjustNodes(node, choices_.chance(2));
+      forgetTaken();
+    }
+  }
+
+  // --- other documents ----------------------------------------------------------------------------------------------
+
+  void openOther() {
+    if (other_) dom_->deleteDocument(other_);
+    other_ = dom_->createDocument("HTML");
+    const std::string page =
+        "<BODY><P ID=p ALIGN=left>other</P><UL DYNAMICELEMENT><LI>a<LI>b</UL><!-- c --><B>x</I></B></BODY>";
+    other_->createNodes(page.data(), static_cast<unsigned>(page.size()), nullptr, /*adjust=*/false);
+    other_->clearUpdateFlag();
+  }
+  Node* pickOf(Document* document) {
+    const std::vector<Node*> nodes = nodesOf(document);
+    return nodes.size() < 2 ? nullptr : nodes[1 + choices_.below(nodes.size() - 1)];
+  }
+
+  // A node of the other document or a copy of one comes into this tree, and its document may end.
+  void paste() {
+    last_ = "paste";
+    Node* node = pickOf(other_);
+    if (!node || choices_.chance(8)) openOther();
+    if (!node || !(node = pickOf(other_))) return;
+    if (choices_.chance(3)) other_->record();
+    if (choices_.chance(3)) other_->setLayoutCursor(node, 0);
+    if (choices_.chance(2)) {
+      Node* copy = node->makeClone(/*deep=*/true);
+      copy->addRef(true);
+      node = copy;
+    } else {
+      node->getParentNode()->removeChild(node);
+    }
+    insert(node, "paste");
+    if (choices_.chance(4)) other_->undo(1);
+    const bool isTaken = node->getParentNode() != nullptr;
+    // What stays with its former document must not outlive it in use.
+    if (!isTaken) {
+      std::erase(held_, node);
+      other_->deleteNodes(node);
+    }
+    if (choices_.chance(6)) openOther();
+  }
+
+  // The other way, out of this tree.
+  void giveAway() {
+    last_ = "give away";
+    Node* node = pickChild();
+    Node* place = pickOf(other_);
+    if (!node || !place) return;
+    node->getParentNode()->removeChild(node);
+    if (choices_.chance(4)) {
+      place->insertBefore(node, nullptr);
+    } else {
+      place->insertLast(node);
+    }
+    if (!node->getParentNode()) return hold(node);
+    forgetTaken();
+    if (node->getDocument() && node->getDocument() != other_) fault_ = "a node of this document in the other";
+    if (choices_.chance(3)) other_->adjustNodes(nullptr, choices_.chance(2));
+    // It refuses the one and leaves the other to its document.
+    if (choices_.chance(3)) document_->deleteNodes(other_->getDocumentElement());
+    Node* dying = pickOf(other_);
+    if (dying && choices_.chance(4)) document_->deleteNodes(dying);
+  }
+
+  void tryForeign() {
+    last_ = "a node of another DOM";
+    DOM* dom = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+    {
+      Document* foreign = dom->createDocument("HTML");
+      Element* node = foreign->createElement("B");
+      node->insertLast(foreign->createTextNode("foreign"));
+      Node* parent = pickParent();
+      if (parent) {
+        parent->insertLast(node);
+        parent->insertBefore(node, childOf(parent));
+        parent->insertFirst(foreign);
+        parent->insertAfter(other_, childOf(parent));
+        document_->canContain(parent, node);
+      }
+      if (Text* text = pickText()) text->splice(node, 0, 1, choices_.chance(2));
+      if (node->getParentNode() || foreign->getParentNode() || other_->getParentNode()) fault_ = "a stranger is taken";
+      if (node->getDocument() != foreign) fault_ = "a stranger is adopted";
+      node->releaseRef(true);
+      dom->deleteDocument(foreign);
+    }
+    DOM::destroyDOM(dom);
   }
 
   void select() {
@@ -523,8 +642,12 @@ class EditHost {
     std::unordered_set<const Node*> alive;
     std::string fault = treeHolds(document_->getDocumentElement(), alive);
     if (!fault.empty()) return fault;
-    // A stray is taken along by a run that it is linked to.
-    std::erase_if(held_, [](const Node* top) { return top->getParentNode() != nullptr; });
+    for (const Node* n : alive) {
+      if (n->getDocument() && n->getDocument() != document_) return "a node of another document";
+    }
+    fault = treeHolds(other_->getDocumentElement(), alive);
+    if (!fault.empty()) return "the other document: " + fault;
+    forgetTaken();
     for (Node* top : held_) {
       fault = treeHolds(top, alive);
       if (!fault.empty()) return "held: " + fault;
@@ -549,47 +672,13 @@ class EditHost {
     return count >= 1;
   }
 
-  static std::string treeHolds(Node* top, std::unordered_set<const Node*>& alive) {
-    if (!top) return {};
-    for (Node* n = top;;) {
-      if (!alive.insert(n).second) return "a node stands in two places";
-      if (n->addRef(false) < 2) return "a node without a reference";
-      n->dropRef(false);
-      std::string fault = childrenHold(n);
-      if (!fault.empty()) return fault;
-      if (Node* first = n->hasChildNodes() ? n->getChildNode(0) : nullptr) {
-        n = first;
-        continue;
-      }
-      while (n != top && n->getParentNode()->getLastChild() == n) n = n->getParentNode();
-      if (n == top) return {};
-      Node* parent = n->getParentNode();
-      n = parent->getChildNode(parent->getChildIndex(n) + 1);
-    }
-  }
-
-  // The list tells the children; links tell the same where no stray was linked in.
-  static std::string childrenHold(Node* parent) {
-    if (!parent->hasChildNodes()) return parent->getNumOfChildNodes() == 0 ? std::string() : "a count without children";
-    const int count = static_cast<int>(parent->getNumOfChildNodes());
-    if (parent->getChildNode(0) != parent->getFirstChild()) return "list and first child disagree";
-    if (parent->getChildNode(count - 1) != parent->getLastChild()) return "list and last child disagree";
-    for (int i = 0; i < count; ++i) {
-      Node* child = parent->getChildNode(i);
-      if (child->getParentNode() != parent) return "a child has another parent";
-      if (parent->getChildIndex(child) != i) return "a child has another index";
-      Node* next = child->getNextSibling();
-      if (next && next->getPreviousSibling() != child && next->getParentNode() == parent) return "links disagree";
-    }
-    return {};
-  }
-
   // --- nodes --------------------------------------------------------------------------------------------------------
 
   // By the lists: the links lead to strays of replaceChild as well.
-  std::vector<Node*> treeNodes() const {
+  std::vector<Node*> treeNodes() const { return nodesOf(document_); }
+  static std::vector<Node*> nodesOf(Document* document) {
     std::vector<Node*> nodes;
-    if (Node* root = document_->getDocumentElement()) nodes.push_back(root);
+    if (Node* root = document->getDocumentElement()) nodes.push_back(root);
     for (std::size_t i = 0; i < nodes.size(); ++i) {
       const int count = static_cast<int>(nodes[i]->getNumOfChildNodes());
       for (int k = 0; k < count; ++k) nodes.push_back(nodes[i]->getChildNode(k));
@@ -672,6 +761,10 @@ class EditHost {
     held_.erase(held_.begin() + static_cast<std::ptrdiff_t>(i));
     return node;
   }
+  // A stray is taken along by a run that it is linked to.
+  void forgetTaken() {
+    std::erase_if(held_, [](const Node* top) { return top->getParentNode() != nullptr; });
+  }
   void releaseRun(Node* node) {
     if (choices_.chance(2)) {
       document_->deleteNodes(node);
@@ -691,6 +784,7 @@ class EditHost {
   RandomPage pages_;
   DOM* dom_;
   Document* document_ = nullptr;
+  Document* other_ = nullptr;
   std::vector<Node*> nodes_;  // of the tree, before the step
   std::vector<Node*> held_;   // taken out of the tree, one reference each
   std::deque<State> undo_;

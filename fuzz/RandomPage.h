@@ -43,6 +43,7 @@ class RandomPage {
     while (page_.size() < target) piece();
     if (chance(8)) page_.resize(below(page_.size() + 1));
     if (chance(8)) damage();
+    if (chance(16)) page_.insert(0, chance(2) ? "\xEF\xBB\xBF" : "\xEF\xBB\xBF\r\n");
     return page_;
   }
 

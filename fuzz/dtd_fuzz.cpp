@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dom/dtd/DTDFrame.h"
+#include "dom/dtd/DTDParser.h"
 #include "dom/tree/NodePool.h"
 #include "dom/zeldom40.h"
 
@@ -73,6 +74,23 @@ void askAll(DOM& dom, DocumentType& type) {
   dom.deleteDocument(document);
 }
 
+// The declarations of pages that come again and again, beside a little DTD; what is kept of them is bounded.
+void readAsPages(DOM& dom, const std::string& text) {
+  constexpr std::string_view kDTD = "<!ELEMENT P - O (A)><!ELEMENT A - - (#PCDATA)><!ATTLIST P a CDATA #IMPLIED>";
+  DocumentType* type = dom.createDocumentType("page", kDTD.data(), static_cast<int>(kDTD.size()));
+  ParserType::_dtd_frame& frame = *type->getDTDFrame();
+  const ParserType::_dtd_parser_frame shared{&frame};
+  for (int i = 0; i < 5; ++i) {
+    DTDParser(text.data(), static_cast<unsigned>(text.size()), &shared).parse(LexerType::LEX_EOF);
+    const ParserType::_dtd_frame::PageShare& share = frame.pageShare;
+    require(share.names <= 1024 && share.tokens <= 1 << 16 && share.bytes <= 8 << 20, "pages declare beyond bounds");
+    require(frame.elementList->size() <= 2u + 1024u, "definitions that lost are kept");
+    require(frame.attributeLists.size() <= 1 + frame.pageLists.size(), "lists that are not known are kept");
+  }
+  require(type->getElementDefinitions().size() == frame.elements->size(), "a definition has no name");
+  dom.destroyDocumentType(type);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -86,5 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(type->getCharacterEntityCount() <= type->getGeneralEntityCount(), "more character entities than entities");
   dom->destroyDocumentType(type);
   require(liveNodes::count == before, "nodes are left behind the document type");
+  readAsPages(*dom, text);
+  require(liveNodes::count == before, "nodes are left behind the declarations of a page");
   return 0;
 }

@@ -21,6 +21,10 @@ class ZELDOM40_API DOM {
  public:
   // Which generation of server tags exists: the jsp: and qdx: names under version 0, the older bean tags under 1.
   enum JSPVersion { JSP_VERSION_0 = 0, JSP_VERSION_1 = 1 };
+  // How an edited tag or text is written. STANDARD: a tag with its name in capitals and its attributes in the spelling
+  // of the DTD, a text from its plain form; adjustNodes also lays out what stands beside an edit. KEEP: only what was
+  // edited changes, byte for byte; adjustNodes lays out new nodes alone.
+  enum class Rewriting { STANDARD, KEEP };
 
   // Makes a DOM with the built-in DTD loaded. Only `version` is used; the other arguments are accepted and ignored.
   // Freed with destroyDOM. Null if memory ran out.
@@ -44,6 +48,10 @@ class ZELDOM40_API DOM {
   JSPVersion getJSPVersion() const { return jspVersion_; }
   // Takes effect on the next look-up of a name; nothing that exists changes.
   void setJSPVersion(JSPVersion version) { jspVersion_ = version; }
+  Rewriting getRewriting() const { return rewriting_; }
+  // For all documents of this DOM, STANDARD until set. Set it before the first edit: what was edited and not yet
+  // written follows the setting at the time of its writing, as far as its source still stands.
+  void setRewriting(Rewriting rewriting) { rewriting_ = rewriting; }
   // Borrowed; null until set.
   void setJavaTypeLookupIF(const JavaTypeLookupIF* lookup);
   // Adds bits to a word that is kept for hosts and decides nothing.
@@ -83,6 +91,7 @@ class ZELDOM40_API DOM {
   SharedName pcdataName_;
   SharedName metaDataName_;
   JSPVersion jspVersion_;
+  Rewriting rewriting_ = Rewriting::STANDARD;
   DOM* next_ = nullptr;
   DOM* prev_ = nullptr;
 };

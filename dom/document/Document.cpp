@@ -9,6 +9,7 @@
 #include "dom/dynamic/BeanInfo.h"
 #include "dom/dynamic/JavaTypes.h"
 #include "dom/dynamic/MetaData.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 
@@ -68,6 +69,17 @@ bool Document::isInTree(const Node* node) const {
 }
 
 Node* Document::deleteNodes(Node* node) {
+  Document* const owner = node ? node->getDocument() : nullptr;
+  if (owner && owner != this && DocumentAccess::isLive(owner)) {
+    // The other document could not know that its tree is gone, nor where its cursor goes.
+    if (node == owner->documentElement_) return nullptr;
+    if (owner->isInTree(node)) return owner->deleteNodes(node);
+  }
+  if (MetaData* md = MetaDataAccess::ofVisual(node)) {
+    forgetCursorInside(node);
+    MetaDataAccess::dropVisual(*md);
+    return nullptr;
+  }
   if (!node || node == documentElement_) {
     node = documentElement_;
     if (!node) return nullptr;

@@ -57,7 +57,9 @@ class ZELDOM40_API Document : public Node {
   Element* getDocumentElement() { return documentElement_; }
   // Takes `node` out of its tree and drops one reference of its whole subtree; nodes that nobody else holds are
   // deleted. Null or the root: the whole tree goes, with cursor and selections. What lives on carries UPDATE_REMOVED; a
-  // host's own setUpdateFlag is not called for it. Always returns null.
+  // host's own setUpdateFlag is not called for it. A node below one that lives on stays with it, unless somebody holds
+  // that node and not its parent: then it loses its parent. The visual of an element goes as by setATV(nullptr). A node
+  // of another document's tree is deleted there, but nothing happens to the root of one. Always returns null.
   Node* deleteNodes(Node* node);
   // Clears the tree's flags, then the document's own.
   void clearUpdateFlag() override;
@@ -81,7 +83,7 @@ class ZELDOM40_API Document : public Node {
   Text* createTextNode(const std::string& data);
   Comment* createComment(const char* data);
   Comment* createComment(const std::string& data);
-  // KEPT: carries no document.
+  // KEPT: carries no document, in a tree neither.
   PI* createPI(const char* target, const char* data);
   // Not counted: owned by the caller until they join a list or an element.
   Attribute* createAttribute(const char* name, const char* value);
@@ -92,7 +94,7 @@ class ZELDOM40_API Document : public Node {
   MetaData* createMetaData();
   NodeIterator getElementsByTagName(const char* name);
   // Deletes the element and keeps its children in its place; `mergeTexts` joins texts that meet. An element without
-  // parent is returned untouched, else null.
+  // parent is returned untouched, else null. The visual of an element goes with its children, as by setATV(nullptr).
   Element* removeElement(Element* element, bool mergeTexts);
   // True for a text without data, and for a text-level element that holds nothing but such; the place of the cursor
   // and of a single selection counts as content unless `ignoreCursor` (for the node itself).
@@ -110,7 +112,7 @@ class ZELDOM40_API Document : public Node {
   // Parses `length` bytes of any content, NUL bytes included, below `parent`, and returns it. A null parent replaces
   // the whole tree. A fragment's parent is an element without children, usually from createTemporaryElement; errors of
   // a fragment stay on its nodes and never reach the document's word. With `adjust` a page without severe errors is
-  // brought to normal form. Text of 2 GiB or more gives null and changes nothing.
+  // brought to normal form. Text of 2 GiB or more gives null and changes nothing; so does a parent of another document.
   // Parsed nodes carry update flags (CREATED, ADDED): a host clears them with clearUpdateFlag before its first edit,
   // or adjustNodes takes every tag for new and writes it anew.
   Node* createNodes(const char* text, unsigned int length, Node* parent, bool adjust);
@@ -149,7 +151,8 @@ class ZELDOM40_API Document : public Node {
   void clearErrors() const;
   // Repairs the subtree of `node` (null: the whole page) and brings it to normal form; returns the number of repairs.
   // Takes no undo record: a host calls record() before. What cannot be repaired keeps its error bits. KEPT: recording
-  // is on afterwards, whatever it was.
+  // is on afterwards, whatever it was. A node that is not in the tree is left alone, and 0 returned: so a host may
+  // repair the entries of an error list one by one, though the repair of one deletes the nodes of others.
   int correctError(Node* node);
   // Makes one misplaced node fit by creating the elements that it lacks around it. Returns its new parent, or null if
   // nothing could be done.
@@ -186,7 +189,8 @@ class ZELDOM40_API Document : public Node {
   // --- closing an edit ----------------------------------------------------------------------------------------------
   // Ends an edit below `node` (null: anywhere): removes elements that became pointless, merges neighbouring skeleton
   // elements and texts, and lays out new and changed nodes under the DOM's style; only nodes with update flags are
-  // visited unless `full`. Ends an undo step. Returns whether anything changed.
+  // visited unless `full`. Ends an undo step. Returns whether anything changed. For a node that is not in the tree the
+  // call does nothing and returns false.
   bool adjustNodes(Node* node, bool full);
   // Makes the next adjustNodes(nullptr, ...) do nothing.
   void skipAdjust();
@@ -210,9 +214,10 @@ class ZELDOM40_API Document : public Node {
   // Between suspend and its end a group of changes gets one record. KEPT: adjustNodes ends suspension and disabling.
   void suspendRecord(bool suspend);
   void enableRecord(bool enable);
-  // Drops the newest state, unless something was undone since; the count falls in any case.
+  // Drops the newest state, unless something was undone since; the count falls in any case. If a state was dropped, the
+  // next change saves one again, also within the same edit or group.
   void cancelRecord();
-  // Frees the history; the count stays.
+  // Frees the history; the count stays. The next change saves a state again, also within the same edit or group.
   void clearRecord();
   // Step back, step forth, by `count` states or as many as there are. All nodes of the tree are replaced. Return how
   // many steps remain in that direction. KEPT: a count below 1 takes no step but still changes getRecordCount.
@@ -236,6 +241,7 @@ class ZELDOM40_API Document : public Node {
   void recordChange(const Node* node) {
     if (!(recordFlags_ & (kRecordTaken | kRecordDisabled)) && isInTree(node)) record();
   }
+  void forgetRecord();
   bool isInTree(const Node* node) const;
   bool hasSevereError() const { return (getError() & ERR_DOC_SEVERE_PARSE_ERROR) != 0; }
   Element* prepareScratchElement(const char* name);

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "dom/document/DOM.h"
 #include "dom/document/Document.h"
 
 namespace zeldom40 {
@@ -12,10 +13,16 @@ class ElementDefinition;
 struct NameEntry;
 
 struct DocumentAccess {
+  // Whether edited nodes of `document`, which may be null, are written with as few changes as there can be.
+  static bool keepsSource(const Document* document) {
+    return document && document->getDOM() && document->getDOM()->getRewriting() == DOM::Rewriting::KEEP;
+  }
   // Whether `document`, which may be dead memory, is one of the process.
   static bool isLive(const Document* document);
   // A node that a cursor or selection stands at is about to die.
   static void forgetPlace(const Node* node);
+  // The node goes to another document.
+  static void forgetPlaceIn(Document* document, const Node* node) { document->forgetPlace(node); }
   static bool isInTree(const Document* document, const Node* node) { return document->isInTree(node); }
   static void recordChange(Document* document, const Node* node) { document->recordChange(node); }
   // Neither content of its own nor the place of the cursor or of a single selection; children are not looked at.
@@ -24,6 +31,13 @@ struct DocumentAccess {
   static void replaceDocumentElement(Document* document, Element* root) { document->replaceDocumentElement(root); }
   // Whether the cursor or an end of a single selection stands right at the node.
   static bool isPlace(const Document* document, const Node* node) { return document->isPlace(node); }
+  // The source of a text changes and its plain form stays: a cursor in it that counts in the source counts in the plain
+  // form from now on.
+  static void keepCursor(Document* document, const Node* text) {
+    if (document->cursorNode_ != text || document->sourceOffset_ < 0) return;
+    if (document->layoutOffset_ < 0) document->getLayoutCursor(nullptr, &document->layoutOffset_);
+    document->sourceOffset_ = -1;
+  }
   static bool inClassify(const Document* document) { return document->inClassify_; }
   static bool doctypeSeen(const Document* document) { return document->doctypeSeen_; }
   static const BeanList& outBoundBeans(const Document* document) { return *document->outBoundBeans_; }

@@ -4,11 +4,13 @@
 
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/document/NodeLayout.h"
 #include "dom/document/PointlessElements.h"
 #include "dom/document/TextMerge.h"
 #include "dom/document/TreeAdjuster.h"
 #include "dom/document/TreeWalker.h"
+#include "dom/tree/ElementAccess.h"
 
 namespace zeldom40 {
 
@@ -22,7 +24,11 @@ Element* asElement(Node* node) {
 class EditCloser {
  public:
   EditCloser(Document& document, Node* top, bool full)
-      : document_(document), full_(full), walk_(top), pointless_(document) {}
+      : document_(document),
+        full_(full),
+        keeps_(DocumentAccess::keepsSource(&document)),
+        walk_(top),
+        pointless_(document) {}
 
   bool run() {
     walk_.next(!full_, false);
@@ -56,7 +62,7 @@ class EditCloser {
     }
     formatWaiting();
     if (group & GROUP_SKELETON) {
-      if (Element* first = firstOfID(element)) {
+      if (Element* first = staysApart(element) ? nullptr : firstOfID(element)) {
         walk_.toSibling(first);
         mergeLater(first);
         return;
@@ -64,6 +70,11 @@ class EditCloser {
       mergeLater(element);
     }
     format(element);
+  }
+
+  // Under KEEP only what is new becomes one with what was there.
+  bool staysApart(const Element* element) const {
+    return keeps_ && !(element->getUpdateFlag() & (Node::UPDATE_CREATED | Node::UPDATE_ADDED));
   }
 
   void visitText(Node* text) {
@@ -140,7 +151,7 @@ class EditCloser {
     for (Node* n = NodeAccess::childAfter(element); n;) {
       Element* later = asElement(n);
       n = NodeAccess::childAfter(n);
-      if (!later || later->getElementID() != element->getElementID()) continue;
+      if (!later || later->getElementID() != element->getElementID() || staysApart(later)) continue;
       mergeElements(document_, element, later);
       changed_ = true;
     }
@@ -159,6 +170,7 @@ class EditCloser {
 
   Document& document_;
   bool full_;
+  bool keeps_;
   TreeWalker walk_;
   PointlessElements pointless_;
   Node* formattedParent_ = nullptr;
@@ -178,20 +190,18 @@ bool Document::adjustNodes(Node* node, bool full) {
       return false;
     }
     node = documentElement_;
-    if (!node) return false;
   }
-  if (!dom_->getDocumentStyle()) return false;
+  if (!isInTree(node) || !dom_->getDocumentStyle()) return false;
   enableRecord(false);
   bool changed = false;
   // What the cursor has left may hold the start.
   const HeldNode held(node);
-  const bool hadParent = node->getParentNode() != nullptr;
   if (retainedCursorNode_ && retainedCursorNode_ != cursorNode_) {
     changed = dropLeftBehind(retainedCursorNode_);
     retainedCursorNode_->releaseRef(false);
     retainedCursorNode_ = nullptr;
   }
-  if (!hadParent || node->getParentNode()) changed |= EditCloser(*this, node, full).run();
+  if (isInTree(node)) changed |= EditCloser(*this, node, full).run();
   if (cursorNode_ != retainedCursorNode_) {
     if (retainedCursorNode_) retainedCursorNode_->releaseRef(false);
     retainedCursorNode_ = cursorNode_;

@@ -98,14 +98,16 @@ void Document::clearErrors() const {
 
 int Document::correctError(Node* node) {
   if (!node) node = documentElement_;
-  if (!node) return 0;
+  // An earlier repair of the same list may have taken the node out of the page. Whatever stands around it there is not
+  // the page's, and its one reference is the list's.
+  if (!isInTree(node)) return 0;
   enableRecord(false);
   // The node may be a stray end tag itself, or lose all that it held.
   const HeldNode held(node);
-  const bool hadParent = node->getParentNode() != nullptr;
   const int count = ErrorCorrector(*this, node).correct();
   if (node == documentElement_) resetError(ERR_DOC_SEVERE_PARSE_ERROR);
-  if (!hadParent || node->getParentNode()) normalizeNodes(*this, node, /*corrected=*/true);
+  // It may also have gone with an element around it, and have that for a parent still.
+  if (isInTree(node)) normalizeNodes(*this, node, /*corrected=*/true);
   enableRecord(true);
   return count;
 }

@@ -1,11 +1,12 @@
 // Node factories and simple questions about the tree.
 #include "dom/document/DOM.h"
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/document/NameLookup.h"
 #include "dom/document/TextMerge.h"
 #include "dom/dtd/DocumentType.h"
 #include "dom/dtd/ElementDefinition.h"
-#include "dom/dynamic/MetaData.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/tree/Attribute.h"
 #include "dom/tree/AttributeList.h"
@@ -27,6 +28,17 @@ bool hasNoContentOfItsOwn(const Node* node) {
   const auto* element = static_cast<const Element*>(node);
   const unsigned long group = element->getElementGroup();
   return (group & GROUP_TEXT_LEVEL) && !((group & GROUP_ANCHOR) && ElementAccess::hasAttribute(element, "NAME"));
+}
+
+// A node that the page has without content: an icon, a target of a script, white space that shows nothing.
+bool standsEmpty(const Node* node) {
+  if (node->getNodeType() == Node::NODE_TEXT) {
+    const auto* text = static_cast<const Text*>(node);
+    return TextAccess::isSourceOfPage(text) && TextAccess::slice(text).length > 0;
+  }
+  if (node->getNodeType() != Node::NODE_ELEMENT) return false;
+  const auto* element = static_cast<const Element*>(node);
+  return ElementAccess::hasSourceTag(element) && ElementAccess::wasEmpty(element);
 }
 
 }  // namespace
@@ -144,6 +156,7 @@ Element* Document::removeElement(Element* element, bool joinTexts) {
   if (!element) return nullptr;
   Node* parent = element->getParentNode();
   if (!parent) return element;
+  if (MetaDataAccess::ofVisual(element)) return static_cast<Element*>(deleteNodes(element));
   Node* before = element->getPreviousSibling();
   Node* behind = element->getNextSibling();
   if (element->hasChildNodes())
@@ -164,7 +177,9 @@ bool Document::isPlace(const Node* node) const {
          (selections_.size() == 1 && (node == selections_.front()->startNode || node == selections_.front()->endNode));
 }
 
-bool Document::isEmptyByItself(const Node* node) const { return !isPlace(node) && hasNoContentOfItsOwn(node); }
+bool Document::isEmptyByItself(const Node* node) const {
+  return !isPlace(node) && hasNoContentOfItsOwn(node) && !(DocumentAccess::keepsSource(this) && standsEmpty(node));
+}
 
 bool Document::isEmptyNode(Node* node, bool ignoreCursor) {
   if (!node || !(ignoreCursor ? hasNoContentOfItsOwn(node) : isEmptyByItself(node))) return false;

@@ -35,14 +35,18 @@ void Document::enableRecord(bool enable) {
 }
 
 void Document::cancelRecord() {
-  if (undoStack_) undoStack_->cancel();
+  if (undoStack_ && undoStack_->cancel()) forgetRecord();
   --recordCount_;
 }
 
 void Document::clearRecord() {
   delete undoStack_;
   undoStack_ = nullptr;
+  forgetRecord();
 }
+
+// The present state is not among the saved ones any more: the next change is worth a record again.
+void Document::forgetRecord() { recordFlags_ &= ~unsigned{kRecordTaken | kRecordInGroup}; }
 
 int Document::undo(int count) {
   if (!undoStack_) return 0;
@@ -76,13 +80,12 @@ void Document::rebindControls() {
   }
 }
 
-// The root of another state takes the place of the present one. That state is as it was saved, so the next change is
-// worth a record again.
+// The root of another state takes the place of the present one.
 void Document::replaceDocumentElement(Element* root) {
   deleteNodes(nullptr);
   documentElement_ = root;
   Node::clearUpdateFlag();
-  recordFlags_ &= ~unsigned{kRecordTaken | kRecordInGroup};
+  forgetRecord();
 }
 
 }  // namespace zeldom40

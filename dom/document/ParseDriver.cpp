@@ -1,4 +1,5 @@
 // From text to a tree: createNodes and what follows a parse.
+#include "dom/document/Adoption.h"
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/document/NodeClassifier.h"
@@ -16,6 +17,8 @@ Node* Document::createNodes(const char* text, unsigned int length, Node* parent,
   // Offsets in the tree have 32 bits, and a page of this size is none.
   constexpr unsigned kTooLong = 0x80000000u;
   if (length >= kTooLong || (!text && length > 0)) return nullptr;
+  const Document* const around = documentAround(parent);
+  if (around && around != this) return nullptr;
   ParserType::_dtd_frame* frame = documentType_ ? documentType_->getDTDFrame() : nullptr;
   HTMLParser parser(text ? text : "", length, frame, this);
   parser.setLenient(!html_);

@@ -37,6 +37,7 @@ bool PointlessElements::isEmpty(Element* element) {
 }
 
 bool PointlessElements::isTransparent(const Element* element, const TreeWalker& walk) {
+  if (DocumentAccess::keepsSource(element->getDocument()) && ElementAccess::hasSourceTag(element)) return false;
   const unsigned long group = element->getElementGroup();
   if (!(group & (GROUP_SPAN_LIKE | GROUP_PHRASE)) || element->getNumAttributes() > 0) return false;
   return (group & GROUP_SPAN_LIKE) || walk.countOfID(element->getElementID()) > 0;

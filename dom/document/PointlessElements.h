@@ -17,7 +17,8 @@ class PointlessElements {
 
   // A text-level element that holds nothing, neither text nor cursor.
   bool isEmpty(Element* element);
-  // Span-like without attributes, or phrase markup without attributes inside the same: its content needs it not.
+  // Span-like without attributes, or phrase markup without attributes inside the same: its content needs it not. Under
+  // Rewriting::KEEP one that the page has a tag of is left to its author.
   static bool isTransparent(const Element* element, const TreeWalker& walk);
 
  private:

@@ -1,4 +1,6 @@
 // The cursor and the selections of a page, and how edits move them.
+#include <cstdint>
+
 #include "dom/document/Document.h"
 #include "dom/tree/NodeAccess.h"
 
@@ -22,9 +24,9 @@ void Document::select(Node* a, unsigned aOffset, Node* b, unsigned bOffset, unsi
   if (a == b) {
     swapped = aOffset > bOffset;
   } else if (Node* towardB = childToward(a, b)) {
-    swapped = a->getChildIndex(towardB) < static_cast<long>(aOffset);
+    swapped = a->getChildIndex(towardB) < std::int64_t{aOffset};
   } else if (Node* towardA = childToward(b, a)) {
-    swapped = b->getChildIndex(towardA) >= static_cast<long>(bOffset);
+    swapped = b->getChildIndex(towardA) >= std::int64_t{bOffset};
   } else {
     swapped = compareNode(a, b) >= 1;
   }
@@ -59,8 +61,8 @@ bool Document::isSelected(Node* node) {
   if (compareNode(s.startNode, node) > 0 || compareNode(s.endNode, node) < 0) return false;
   for (Node* n = node; n->getParentNode(); n = n->getParentNode()) {
     Node* parent = n->getParentNode();
-    if (parent == s.startNode && parent->getChildIndex(n) < static_cast<long>(s.startOffset)) return false;
-    if (parent == s.endNode && parent->getChildIndex(n) >= static_cast<long>(s.endOffset)) return false;
+    if (parent == s.startNode && parent->getChildIndex(n) < std::int64_t{s.startOffset}) return false;
+    if (parent == s.endNode && parent->getChildIndex(n) >= std::int64_t{s.endOffset}) return false;
   }
   return true;
 }
@@ -125,8 +127,7 @@ void Document::shiftOffsets(Node* parent, int index, int by) {
   if (selections_.size() != 1) return;
   _selection& s = *selections_.front();
   auto shift = [&](const Node* node, unsigned& offset) {
-    if (node == parent && static_cast<long>(offset) > index)
-      offset = static_cast<unsigned>(static_cast<int>(offset) + by);
+    if (node == parent && std::int64_t{offset} > index) offset = static_cast<unsigned>(static_cast<int>(offset) + by);
   };
   shift(s.startNode, s.startOffset);
   shift(s.endNode, s.endOffset);

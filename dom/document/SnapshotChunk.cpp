@@ -12,6 +12,8 @@ namespace zeldom40 {
 
 namespace {
 
+static_assert(__STDCPP_DEFAULT_NEW_ALIGNMENT__ >= SnapshotChunk::kAlignment, "chunks lie in plain memory");
+
 // Heads and their chunks, searched linearly from a head's own place on. A pointer in each node would cost more than all
 // saved states. It goes when it is empty; so a process that ends leaves nothing behind.
 class HeadTable {

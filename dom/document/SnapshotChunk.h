@@ -6,6 +6,7 @@
 
 #include "dom/tree/Node.h"
 #include "dom/tree/PageBuffer.h"
+#include "dom/tree/SharedName.h"
 
 namespace zeldom40 {
 
@@ -18,11 +19,22 @@ namespace zeldom40 {
 // or goes, ends that for it and for all around it. The first node of a chunk leads to it. If all siblings of the run
 // are still saved, the chunk is the code of them. A run that lost a node shows it at the node before the lost one; one
 // that gained a node at that node, for what is inserted is never saved.
-class SnapshotChunk {
+class alignas(8) SnapshotChunk {
  public:
   // What a pointer is, in its lowest bits. A chunk counts names, attribute blocks, pages and chunks, and owns copies.
   enum Kind : std::uintptr_t { DEFINITION, BLOCK, NAME, PAGE, DOCUMENT, COPY, CHUNK };
   static constexpr std::uintptr_t kKinds = 7;
+  // What is pointed at asks for its alignment by name: where pointers have 32 bits, nothing else would give it.
+  static constexpr std::size_t kAlignment = kKinds + 1;
+  template <class T>
+  static std::uintptr_t tagged(const T* pointer, Kind kind) {
+    static_assert(alignof(T) % kAlignment == 0, "the lowest bits of its address tell the kind");
+    return reinterpret_cast<std::uintptr_t>(pointer) | kind;
+  }
+  static std::uintptr_t tagged(const SharedName& name) {
+    static_assert(SharedName::kRecordAlignment % kAlignment == 0);
+    return reinterpret_cast<std::uintptr_t>(name.share()) | NAME;
+  }
 
   // What decoding begins with.
   struct Source {

@@ -1,7 +1,10 @@
 // The merge of two neighbouring texts.
 #include "dom/document/TextMerge.h"
 
+#include <cstdint>
+
 #include "dom/document/Document.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/TextAccess.h"
 
@@ -15,6 +18,13 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   if (!parent || parent != second->getParentNode()) return nullptr;
   auto* a = static_cast<Text*>(first);
   auto* b = static_cast<Text*>(second);
+  if (TextAccess::isByteOrderMark(a) || TextAccess::isByteOrderMark(b)) return nullptr;
+  if (DocumentAccess::keepsSource(&document)) {
+    // White space that stands in the source stays there.
+    for (const Text* text : {a, b}) {
+      if (text->getTextType() == Text::TEXT_FORMATTING && !TextAccess::rawData(text).empty()) return nullptr;
+    }
+  }
   if (b->getTextType() == Text::TEXT_FORMATTING) {
     document.deleteNodes(b);
     return a;
@@ -33,7 +43,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
   const int index = document.countsIn(parent) ? parent->getChildIndex(b) : -1;
   TextAccess::append(a, b);
 
-  auto moved = [&](Node* node, long offset, long* to) {
+  auto moved = [&](Node* node, std::int64_t offset, std::int64_t* to) {
     if (node == b) {
       *to = offset + lenA;
       return true;
@@ -44,7 +54,7 @@ Text* mergeTexts(Document& document, Node* first, Node* second) {
     }
     return false;
   };
-  long to = 0;
+  std::int64_t to = 0;
   if (document.cursorNode_ && moved(document.cursorNode_, document.layoutOffset_, &to)) {
     document.cursorNode_ = a;
     NodeAccess::markAsPlace(a);

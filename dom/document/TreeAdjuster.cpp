@@ -185,7 +185,8 @@ class Normalizer {
       document_.deleteNodes(pi);
     } else {
       parent->removeChild(pi);
-      start_->insertFirst(pi);
+      Text* mark = asText(start_->getFirstChild());
+      start_->insertAfter(pi, mark && TextAccess::isByteOrderMark(mark) ? mark : nullptr);
     }
     changed_ = true;
   }

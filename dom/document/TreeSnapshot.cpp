@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "dom/document/DOMAccess.h"
+#include "dom/document/Document.h"
 #include "dom/document/SnapshotChunk.h"
 #include "dom/dtd/ElementDefinition.h"
 #include "dom/tree/ElementAccess.h"
@@ -51,10 +52,6 @@ constexpr std::uint32_t kFewestGroup = 4;
 constexpr std::uint32_t kMostGroup = kTypicalGroup * 2;
 // A long text that is kept in the code weighs more, so that an edit beside it does not copy it.
 constexpr std::size_t kBytesANode = 64;
-
-std::uintptr_t tagged(const void* pointer, SnapshotChunk::Kind kind) {
-  return reinterpret_cast<std::uintptr_t>(pointer) | kind;
-}
 
 // --- coding ----------------------------------------------------------------------------------------------------------
 
@@ -272,7 +269,7 @@ class Encoder {
     }
     ++level.chunks;
     code_.setEnd(put(code_.end(), CHUNK));
-    pointers_.push_back(tagged(chunk, SnapshotChunk::CHUNK));
+    pointers_.push_back(SnapshotChunk::tagged(chunk, SnapshotChunk::CHUNK));
     if (level.group && level.group->weight >= level.groupSize) cutGroup();
   }
 
@@ -317,7 +314,7 @@ class Encoder {
     Out out = code_.end();
     if (NodeAccess::mayBePlace(n)) notePlace(n, out);
     code_.setEnd(put(out, COPY | (n->hasChildNodes() ? kHasChildren : 0)));
-    pointers_.push_back(tagged(n->makeClone(false), SnapshotChunk::COPY));
+    pointers_.push_back(SnapshotChunk::tagged(n->makeClone(false), SnapshotChunk::COPY));
   }
 
   // The code of `n` begins at `out`. Rare, as the next; inline they cost each node some thirty instructions.
@@ -334,8 +331,8 @@ class Encoder {
     if (page) source_.page = page;
     source_.document = document;
     if (source_.page) source_.page->addRef();
-    pointers_.push_back(tagged(source_.page, SnapshotChunk::PAGE));
-    pointers_.push_back(tagged(document, SnapshotChunk::DOCUMENT));
+    pointers_.push_back(SnapshotChunk::tagged(source_.page, SnapshotChunk::PAGE));
+    pointers_.push_back(SnapshotChunk::tagged(document, SnapshotChunk::DOCUMENT));
     return put(out, SOURCE);
   }
 
@@ -361,11 +358,11 @@ class Encoder {
     const bool hasEnd = end.length || end.offset;
     out = put(out, ElementAccess::flags(element) | (block ? kHasBlock : 0) | (definition ? kHasDefinition : 0) |
                        (hasEnd ? kHasEnd : 0));
-    pointers_.push_back(definition ? tagged(definition, SnapshotChunk::DEFINITION)
-                                   : tagged(NodeAccess::sharedName(element).share(), SnapshotChunk::NAME));
+    pointers_.push_back(definition ? SnapshotChunk::tagged(definition, SnapshotChunk::DEFINITION)
+                                   : SnapshotChunk::tagged(NodeAccess::sharedName(element)));
     if (block) {
       const_cast<AttributeBlock*>(block)->addRef();
-      pointers_.push_back(tagged(block, SnapshotChunk::BLOCK));
+      pointers_.push_back(SnapshotChunk::tagged(block, SnapshotChunk::BLOCK));
     }
     out = putSlice(out, ElementAccess::beginSlice(element));
     if (hasEnd) {
@@ -513,7 +510,7 @@ class Decoder {
       if (takesOver_ && !open.chunk->isPlain()) return SnapshotChunk::takeCopy(*open.pointers++);
       return pointer<Node>()->makeClone(false);
     }
-    const std::uint64_t error = head & kHasError ? getNumber() : 0;
+    const auto error = static_cast<unsigned long>(head & kHasError ? getNumber() : 0);
     const unsigned view = head & kHasView ? get() : 0;
     const PageRef page(head & kHasPage ? open.source.page : nullptr);
     Node* node = nullptr;

@@ -64,8 +64,10 @@ void UndoStack::restore(UndoRecord record) {
   }
 }
 
-void UndoStack::cancel() {
-  if (redo_.empty() && !undo_.empty()) undo_.pop_back();
+bool UndoStack::cancel() {
+  if (!redo_.empty() || undo_.empty()) return false;
+  undo_.pop_back();
+  return true;
 }
 
 std::size_t UndoStack::bytes() const {

@@ -31,8 +31,8 @@ class UndoStack {
   // Step back or forth by `count`, at the most to the end of the list; nothing for a count below 1.
   void undo(int count);
   void redo(int count);
-  // Drops the newest saved state unless something was taken back since.
-  void cancel();
+  // Drops the newest saved state unless something was taken back since. Returns whether there was one to drop.
+  bool cancel();
   int undoCount() const { return static_cast<int>(undo_.size()); }
   int redoCount() const { return static_cast<int>(redo_.size()); }
   // Heap bytes of all records, for measurements.

@@ -57,13 +57,19 @@ const ContentTable::Answer& ContentTable::answer(Slot& slot, const ElementDefini
   result.allowed = ModelWalk(question, frame_.elements, &path).canContain(parent, &token);
   result.throughGroups = path.size() > 2;
   if (!path.empty()) path.pop_back();
+  std::vector<const void*> records;
   for (const Node* node : path) {
-    if (node->getNodeType() == Node::NODE_ELEMENT_TOKEN) result.names.push_back(NodeAccess::sharedName(node));
+    if (node->getNodeType() != Node::NODE_ELEMENT_TOKEN) continue;
+    result.names.push_back(NodeAccess::sharedName(node));
+    records.push_back(result.names.back().record());
   }
-  for (const SharedName& name : result.names) result.implied.push_back(&name);
-  result.impliesNothing = result.allowed && result.implied.empty();
-  answers_.push_back(std::move(result));
-  slot = &answers_.back();
+  result.impliesNothing = result.allowed && result.names.empty();
+  const int flags = (result.allowed ? 1 : 0) | (result.throughGroups ? 2 : 0);
+  const auto [place, isNew] = answers_.try_emplace({flags, std::move(records)});
+  slot = &place->second;
+  if (!isNew) return *slot;
+  place->second = std::move(result);
+  for (const SharedName& name : place->second.names) place->second.implied.push_back(&name);
   return *slot;
 }
 
@@ -135,6 +141,14 @@ const ContentTable::Bits& ContentTable::ownSets(const ElementDefinition& definit
   addAll(INCLUDED, definition.getInclusions());
   if (definition.getExclusions()) addDirect(bits, EXCLUDED_DIRECTLY, *definition.getExclusions());
   return bits;
+}
+
+// All sets of a table have one length.
+bool ContentTable::BitsLess::operator()(const Bits& a, const Bits& b) const {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return a[i] < b[i];
+  }
+  return false;
 }
 
 const ContentTable::OpenSets* ContentTable::intern(const Bits& bits) {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <string_view>
 #include <unordered_map>
@@ -89,6 +88,8 @@ class ContentTable {
   // Whether an inclusion that is in force names it.
   static bool included(const OpenSets* sets, NameId name);
 
+  // How many different sets there are.
+  std::size_t setCount() const { return openSets_.size(); }
   // Differs from what it was before once elements were declared.
   unsigned generation() const { return generation_; }
 
@@ -96,6 +97,11 @@ class ContentTable {
   enum SetKind { EXCLUDED, EXCLUDED_DIRECTLY, INCLUDED };
   using Bits = std::vector<std::uint64_t>;  // three sets of `words_` words each, in the order of SetKind
   using Slot = const Answer*;               // null while it was not asked for
+  // Told word by word: the comparison of vectors in the library of GCC 12 looks at a part of the bytes only where the
+  // processor stores the highest first, so that sets which differ were one.
+  struct BitsLess {
+    bool operator()(const Bits& a, const Bits& b) const;
+  };
 
   std::vector<Slot>& rowOf(const ElementDefinition& parent);
   Slot& slot(const ElementDefinition& parent, const ElementDefinition* child, NameId name);
@@ -111,9 +117,11 @@ class ContentTable {
   std::size_t words_;
   std::vector<std::vector<Slot>> elementRows_;                                     // by the ordinal of the parent
   std::map<std::pair<const ElementDefinition*, std::intptr_t>, Slot> otherSlots_;  // without an ordinal
-  std::deque<Answer> answers_;
+  // Answers that say the same are one: a pair of elements costs a pointer, however long the way between them is. By
+  // the flags and the records of the names.
+  std::map<std::pair<int, std::vector<const void*>>, Answer> answers_;
   std::unordered_map<const ElementDefinition*, Bits> ownSets_;
-  std::map<Bits, OpenSets> openSets_;
+  std::map<Bits, OpenSets, BitsLess> openSets_;
   const OpenSets* noSets_ = nullptr;
 };
 

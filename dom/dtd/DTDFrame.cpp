@@ -46,6 +46,13 @@ ContentTable& contentTable(ParserType::_dtd_frame& frame) {
   return *frame.contents;
 }
 
+void TableUse::dropManySets() {
+  constexpr std::size_t kMostSets = 4096;
+  if (!frame_->contents || frame_->contents->setCount() <= kMostSets) return;
+  frame_->parserNotes.reset();
+  frame_->contents.reset();
+}
+
 bool FrameEntities::find(std::string_view name, EntityText& out) const {
   const GeneralEntityRecord* entity = frame_->generalEntities().find(name);
   if (!entity) return false;

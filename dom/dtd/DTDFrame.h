@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -87,9 +88,10 @@ struct ParserType::_dtd_frame {
   _dtd_frame& operator=(const _dtd_frame&) = delete;
 
   Hash<EntityRecord>* parameterEntities;
-  Hash<ElementDefinition>* elements;             // by upper-case name
-  std::vector<ElementDefinition*>* elementList;  // every definition parsed, also those that an earlier one keeps out
-  Hash<CatalogRecord>* catalog;                  // nothing in the library fills it
+  Hash<ElementDefinition>* elements;  // by upper-case name
+  // Every definition parsed, also those that an earlier one keeps out; but of a page's only the former.
+  std::vector<ElementDefinition*>* elementList;
+  Hash<CatalogRecord>* catalog;  // nothing in the library fills it
 
   // General entities by name, and how many there are.
   Hash<GeneralEntityRecord>& generalEntities() {
@@ -106,11 +108,21 @@ struct ParserType::_dtd_frame {
   NameTable names;
   unsigned generation = 0;                 // grows with every declaration of an element
   std::unique_ptr<ContentTable> contents;  // made by contentTable()
+  int tableUses = 0;                       // see TableUse
   FrameEntities entityTable{this};
   FrameCharacterNames characterNames{this};
-  // What pages declared of their own, bounded: their text must not make every later question expensive.
-  int pageNames = 0;
-  int pageTokens = 0;
+  // What is kept of the declarations of pages, bounded: their text must neither fill the memory nor make every later
+  // question expensive.
+  struct PageShare {
+    int names = 0;
+    int tokens = 0;
+    int impliedTokens = 0;  // those in models of elements whose start tags may be omitted: every walk may come there
+    std::size_t bytes = 0;  // about; entities and attribute lists
+  };
+  PageShare pageShare;
+  // The attribute lists that pages declared, by all that they say: one that is read again is the old one.
+  std::map<std::string, const AttributeListHolder*, std::less<>> pageLists;
+  unsigned cuts = 0;      // grows when something that a text declares is left out because of a bound
   unsigned readings = 0;  // grows with every text that is read into the tables
   // What a page parser keeps for the next page of this DTD.
   struct ParserNotes {
@@ -146,5 +158,25 @@ struct ParserType::_dtd_parser_frame {
 // The frame's compiled content models. A declaration that came since the last call drops all that was compiled:
 // answers and sets from before the call are gone then.
 ContentTable& contentTable(ParserType::_dtd_frame& frame);
+
+// Held by all that keep sets of exclusions of a content table. When the last of them goes, a table that has many is
+// dropped with them: elements with exclusions, nested in every order, make a set for each tag of a page, and the next
+// page other ones.
+class TableUse {
+ public:
+  // `frame` may be null.
+  explicit TableUse(ParserType::_dtd_frame* frame) : frame_(frame) {
+    if (frame_) ++frame_->tableUses;
+  }
+  ~TableUse() {
+    if (frame_ && --frame_->tableUses == 0) dropManySets();
+  }
+  TableUse(const TableUse&) = delete;
+  TableUse& operator=(const TableUse&) = delete;
+
+ private:
+  void dropManySets();
+  ParserType::_dtd_frame* frame_;
+};
 
 }  // namespace zeldom40

@@ -6,6 +6,7 @@
 #include "dom/dtd/DTDParser.h"
 
 #include <algorithm>
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -26,9 +27,15 @@ namespace {
 constexpr std::size_t kDeepestGroup = 100;
 constexpr int kDeepestSection = 100;
 constexpr int kMostOpenFiles = 16;
-// CHOICE: a page may declare elements, for as long as the DTD lives. These bounds are far above what a page needs.
-constexpr int kMostPageNames = 512;
-constexpr int kMostPageTokens = 4096;
+// CHOICE: what a page declares stays as long as the DTD. These bounds, for all pages together, are above what large
+// document types need: DocBook has some 400 elements, a quarter of these bytes, and a few elements with omitted tags.
+// A question to a model may walk through all models of elements that may be implied.
+constexpr int kMostPageNames = 1024;
+constexpr int kMostPageTokens = 1 << 16;
+constexpr int kMostImpliedTokens = 1024;
+constexpr std::size_t kMostPageBytes = 8 << 20;
+// Beside its texts, what an entry of a table takes.
+constexpr std::size_t kEntryBytes = 64;
 constexpr unsigned kLongestText = 0x7FFFFFFF;
 
 bool isLast(LexerType::LexToken kind) { return kind == LexerType::LEX_EOF || kind == LexerType::LEX_UNDEFINED_ENTITY; }
@@ -85,9 +92,12 @@ class UpperName {
 
 }  // namespace
 
-// The content part of an element declaration. Holds one reference on each group while it is read.
+// The content part of an element declaration. Holds one reference on each group while it is read. What is not kept is
+// read into nothing: it has no groups.
 struct DTDParser::Content {
-  Content() { hold(model); }
+  explicit Content(bool kept) : isKept(kept) {
+    if (isKept) hold(model);
+  }
   ~Content() {
     for (ModelGroup* group : {model, inclusions, exclusions}) drop(group);
   }
@@ -96,11 +106,13 @@ struct DTDParser::Content {
 
   // A second "+(" or "-(" takes the place of the first.
   ModelGroup* renew(ModelGroup*& group) {
+    if (!isKept) return nullptr;
     drop(group);
     hold(group);
     return group;
   }
 
+  const bool isKept;
   ElementDefinition::ContentType type = ElementDefinition::CONTENT_ANY;
   ModelGroup* model = nullptr;
   ModelGroup* inclusions = nullptr;
@@ -171,13 +183,31 @@ int DTDParser::parse(LexerType::LexToken stop) {
   return parseDeclarations(stop);
 }
 
+bool DTDParser::isCut() const { return frame_ && frame_->cuts > 0; }
+
+void DTDParser::noteCut() { ++frame_->cuts; }
+
+// Counts bytes that are about to be kept against what pages may have; false if they may not.
+bool DTDParser::spend(std::size_t bytes) {
+  if (!isBounded_) return true;
+  std::size_t& spent = frame_->pageShare.bytes;
+  if (bytes > kMostPageBytes - spent) {
+    noteCut();
+    return false;
+  }
+  spent += bytes;
+  return true;
+}
+
 int DTDParser::parseDeclarations(LexerType::LexToken stop) {
   while (true) {
     const LexerType::LexToken kind = take();
     if (kind == stop) return 0;
     switch (kind) {
-      case LexerType::LEX_EOF:
       case LexerType::LEX_UNDEFINED_ENTITY:
+        noteCut();
+        return -1;
+      case LexerType::LEX_EOF:
         return -1;
       case LexerType::LEX_ENTITY_DECL:
         parseEntity();
@@ -220,7 +250,8 @@ LexerType::LexToken DTDParser::peekPastComments() {
 void DTDParser::parsePublicIdentifier() {
   if (currentText() != "PUBLIC" || !accept(LexerType::LEX_LITERAL) || !frame_->catalog) return;
   const CatalogRecord* record = frame_->catalog->find(currentText());
-  if (!record || frame_->openFiles >= kMostOpenFiles) return;
+  if (!record) return;
+  if (frame_->openFiles >= kMostOpenFiles) return noteCut();
   MappedFile file;
   if (file.open(record->path.c_str(), 0) != 0) return;
   const ParserType::_dtd_parser_frame shared{frame_};
@@ -289,6 +320,8 @@ void DTDParser::parseParameterEntity() {
     }
   }
   if (frame_->parameterEntities->find(entity.name)) return;
+  const std::size_t texts = entity.text.size() + entity.systemId.size() + entity.publicId.size();
+  if (!spend(sizeof(EntityRecord) + kEntryBytes + 2 * entity.name.size() + texts)) return;
   frame_->parameterRecords.push_back(std::move(entity));
   EntityRecord& stored = frame_->parameterRecords.back();
   frame_->parameterEntities->insert(stored.name, &stored);
@@ -333,12 +366,15 @@ void DTDParser::parseGeneralEntity() {
   }
   Hash<GeneralEntityRecord>& entities = frame_->generalEntities();
   std::uint32_t code = 0;
-  if (DTDLexer::encodeCharacterReference(entity.text, &code)) {
-    frame_->charEntities().try_emplace(code, CharEntityRecord{code, name, entity.text});
+  if (DTDLexer::encodeCharacterReference(entity.text, &code) && !frame_->charEntities().contains(code) &&
+      spend(sizeof(CharEntityRecord) + kEntryBytes + name.size())) {
+    frame_->charEntities().emplace(code, CharEntityRecord{code, name, entity.text});
   }
+  if (entities.find(name)) return;
+  const std::size_t texts = entity.text.size() + entity.systemId.size() + entity.publicId.size();
+  if (!spend(sizeof(GeneralEntityRecord) + kEntryBytes + name.size() + texts + entity.notation.size())) return;
   entity.order = frame_->generalRecords.size();
-  GeneralEntityRecord& stored = frame_->generalRecords.emplace_back(std::move(entity));
-  if (!entities.insert(name, &stored)) frame_->generalRecords.pop_back();
+  entities.insert(name, &frame_->generalRecords.emplace_back(std::move(entity)));
 }
 
 // --- elements --------------------------------------------------------------------------------------------------------
@@ -378,12 +414,22 @@ std::vector<std::string> DTDParser::parseNameGroup() {
 
 // The number of a name, -1 if there may be no more of them.
 int DTDParser::enterName(std::string_view upperName) {
-  if (!isBounded_) return frame_->names.enter(upperName);
-  const int known = frame_->names.find(upperName);
-  if (known >= 0) return known;
-  if (frame_->pageNames >= kMostPageNames) return -1;
-  ++frame_->pageNames;
-  return frame_->names.enter(upperName);
+  NameTable& names = frame_->names;
+  const int before = names.size();
+  const bool isFull = isBounded_ && frame_->pageShare.names >= kMostPageNames;
+  const int id = isFull ? names.find(upperName) : names.enter(upperName);
+  if (id < 0) noteCut();
+  if (isBounded_ && names.size() > before) ++frame_->pageShare.names;
+  return id;
+}
+
+bool DTDParser::isDeclared(const std::string& name) const { return frame_->elements->find(UpperName(name)) != nullptr; }
+
+// Whether a declaration of these elements leaves anything in the tables. A DTD also has the definitions that an earlier
+// one keeps out; those of pages would pile up each time that a page is read again.
+bool DTDParser::isKept(const std::vector<std::string>& elementNames) const {
+  return !isBounded_ || !std::all_of(elementNames.begin(), elementNames.end(),
+                                     [this](const std::string& name) { return isDeclared(name); });
 }
 
 void DTDParser::parseElement() {
@@ -414,12 +460,26 @@ void DTDParser::parseElement() {
   }
   if (defers_ && deferContent(names, omission)) return;
   // 3. The content, and the end, which stays.
-  Content content;
-  if (!parseContent(content) || peekPastComments() != LexerType::LEX_TAG_CLOSE) return;
-  // 4. A definition for each name.
-  for (const std::string& name : names) {
-    if (ElementDefinition* definition = declareElement(name, omission)) giveContent(*definition, content);
+  const int namesBefore = frame_->names.size();
+  const ParserType::_dtd_frame::PageShare shareBefore = frame_->pageShare;
+  bool isUsed = false;
+  {
+    impliesStart_ = omission == ElementDefinition::OMIT_START || omission == ElementDefinition::OMIT_BOTH;
+    Content content(isKept(names));
+    const bool isWhole = parseContent(content) && peekPastComments() == LexerType::LEX_TAG_CLOSE;
+    // 4. A definition for each name.
+    for (const std::string& name : names) {
+      if (!isWhole || !content.isKept) break;
+      ElementDefinition* definition = isBounded_ && isDeclared(name) ? nullptr : declareElement(name, omission);
+      if (!definition) continue;
+      giveContent(*definition, content);
+      isUsed = true;
+    }
   }
+  // 5. Names and tokens of a dropped declaration do not count.
+  if (isUsed || !isBounded_) return;
+  frame_->names.cutTo(namesBefore);
+  frame_->pageShare = shareBefore;
 }
 
 // Declares elements whose content is put off.
@@ -439,7 +499,7 @@ bool DTDParser::deferContent(const std::vector<std::string>& names, int omission
 
 void DTDParser::read(const DeferredContent& deferred) {
   DTDParser parser(deferred.text, deferred.frame);
-  Content content;
+  Content content(/*kept=*/true);
   parser.parseContent(content);
   for (std::size_t i = 0; i < deferred.count; ++i) {
     ElementDefinition& definition = *(*deferred.frame->elementList)[deferred.first + i];
@@ -483,13 +543,23 @@ ElementDefinition* DTDParser::declareElement(const std::string& name, int omissi
   if (frame_->elements->insert(upperName.view(), definition)) {
     definition->ordinal_ = static_cast<int>(frame_->winners.size());
     frame_->winners.push_back(definition);
+    ++frame_->generation;
   }
-  ++frame_->generation;
   return definition;
 }
 
 // Counts a token against what a page may have; false if it may not.
-bool DTDParser::countToken() { return !isBounded_ || frame_->pageTokens++ < kMostPageTokens; }
+bool DTDParser::countToken() {
+  if (!isBounded_) return true;
+  ParserType::_dtd_frame::PageShare& share = frame_->pageShare;
+  if (share.tokens >= kMostPageTokens || (impliesStart_ && share.impliedTokens >= kMostImpliedTokens)) {
+    noteCut();
+    return false;
+  }
+  ++share.tokens;
+  if (impliesStart_) ++share.impliedTokens;
+  return true;
+}
 
 int DTDParser::parseOccurrence() {
   auto occurrence = Occurrence::kOnce;
@@ -510,21 +580,26 @@ int DTDParser::parseOccurrence() {
   return static_cast<int>(occurrence);
 }
 
-// The next token, which is a name, as an item of `group`.
-bool DTDParser::addElementToken(ModelGroup& group) {
+// The next token, which is a name, as an item of `group`; null takes it alone.
+bool DTDParser::addElementToken(ModelGroup* group) {
   take();
+  if (!group) {
+    parseOccurrence();
+    return true;
+  }
   const int nameId = enterName(UpperName(currentText()));
   if (nameId < 0 || !countToken()) return false;
   auto* token = new ElementToken(frame_->names.name(nameId), nameId);
   token->occurrence = static_cast<Occurrence>(parseOccurrence());
-  group.add(token);
+  group->add(token);
   return true;
 }
 
-bool DTDParser::addTextToken(ModelGroup& group) {
+bool DTDParser::addTextToken(ModelGroup* group) {
   take();
+  if (!group) return true;
   if (!countToken()) return false;
-  group.add(new PCDATAToken(DOMAccess::pcdataName()));
+  group->add(new PCDATAToken(DOMAccess::pcdataName()));
   return true;
 }
 
@@ -542,7 +617,7 @@ bool DTDParser::parseContent(Content& content) {
   // The first connector of a group is that of all its items.
   const auto takeConnector = [&](State following, Connector connector) {
     if (state == GROUP) {
-      current->connector = connector;
+      if (current) current->connector = connector;
       state = following;
     } else if (state != following) {
       return false;
@@ -554,18 +629,22 @@ bool DTDParser::parseContent(Content& content) {
     const LexerType::LexToken kind = nextKind();
     switch (kind) {
       case LexerType::LEX_LPAREN: {
-        if (outer.size() == kDeepestGroup || !countToken()) return false;
+        if (outer.size() == kDeepestGroup) noteCut();
+        if (outer.size() == kDeepestGroup || (current && !countToken())) return false;
         take();
         outer.emplace_back(state, current);
-        auto* group = new ModelGroup;
-        current->add(group);
-        current = group;
+        if (current) {
+          auto* group = new ModelGroup;
+          current->add(group);
+          current = group;
+        }
         state = GROUP;
         continue;
       }
-      case LexerType::LEX_RPAREN:
+      case LexerType::LEX_RPAREN: {
         take();
-        current->occurrence = static_cast<Occurrence>(parseOccurrence());
+        const int occurrence = parseOccurrence();
+        if (current) current->occurrence = static_cast<Occurrence>(occurrence);
         if (outer.empty()) {
           state = OUTSIDE;
           current = content.model;
@@ -574,6 +653,7 @@ bool DTDParser::parseContent(Content& content) {
           outer.pop_back();
         }
         continue;
+      }
       case LexerType::LEX_COMMENT:
         if (state != OUTSIDE) return true;
         take();
@@ -586,7 +666,7 @@ bool DTDParser::parseContent(Content& content) {
           continue;
         }
         content.type = ElementDefinition::CONTENT_ELEMENTS;
-        if (!addElementToken(*current)) return false;
+        if (!addElementToken(current)) return false;
         continue;
       }
       case LexerType::LEX_PCDATA:
@@ -596,7 +676,7 @@ bool DTDParser::parseContent(Content& content) {
                            : ElementDefinition::CONTENT_TEXT;
         // KEPT: text among "&" items makes a sequence of the rest.
         if (state == ALL) state = SEQUENCE;
-        if (!addTextToken(*current)) return false;
+        if (!addTextToken(current)) return false;
         continue;
       case LexerType::LEX_PLUS:
       case LexerType::LEX_MINUS:
@@ -624,8 +704,12 @@ bool DTDParser::parseContent(Content& content) {
 void DTDParser::parseAttributeList() {
   const std::vector<std::string> elementNames = parseNameGroup();
   if (elementNames.empty() || (defers_ && deferAttributes(elementNames))) return;
-  auto list = std::make_unique<AttributeListHolder>();
-  if (parseAttributes(*list)) installAttributeList(elementNames, std::move(list));
+  // Elements that are not declared yet get none.
+  const bool isUsed = std::any_of(elementNames.begin(), elementNames.end(),
+                                  [this](const std::string& name) { return isDeclared(name); });
+  auto list = isUsed ? std::make_unique<AttributeListHolder>() : nullptr;
+  listRoom_ = isBounded_ ? kMostPageBytes - frame_->pageShare.bytes : std::numeric_limits<std::size_t>::max();
+  if (parseAttributes(list.get()) && list) installAttributeList(elementNames, std::move(list));
 }
 
 // Puts off the list that stands here.
@@ -641,13 +725,25 @@ bool DTDParser::deferAttributes(const std::vector<std::string>& elementNames) {
 
 void DTDParser::read(DeferredList& deferred) {
   auto list = std::make_unique<AttributeListHolder>();
-  DTDParser(deferred.text, deferred.frame).parseAttributes(*list);
+  DTDParser parser(deferred.text, deferred.frame);
+  parser.listRoom_ = std::numeric_limits<std::size_t>::max();
+  parser.parseAttributes(list.get());
   deferred.list = list.get();
   deferred.frame->attributeLists.push_back(std::move(list));
 }
 
-// False if the list has to be dropped.
-bool DTDParser::parseAttributes(AttributeListHolder& list) {
+// About the bytes that are kept of the list being read. False if there is no room for them.
+bool DTDParser::takeListRoom(std::size_t bytes) {
+  if (bytes > listRoom_) {
+    noteCut();
+    return false;
+  }
+  listRoom_ -= bytes;
+  return true;
+}
+
+// False if the list has to be dropped. Without a list what stands there is read and left.
+bool DTDParser::parseAttributes(AttributeListHolder* list) {
   if (!frame_->listedNames) frame_->listedNames = std::make_unique<ListedNames>();
   ListedNames& names = *frame_->listedNames;
   const ListedNames::Entry* name = &names.find({});
@@ -659,18 +755,22 @@ bool DTDParser::parseAttributes(AttributeListHolder& list) {
     if (isLast(kind)) return false;
     if (kind == LexerType::LEX_NAME) name = &names.find(currentText());
     auto definition = std::make_unique<AttributeDefinition>();
-    if (!parseAttributeType(*definition, declaredType) || !parseAttributeDefault(*definition)) return false;
+    if (!parseAttributeType(*definition, declaredType, /*keepsTokens=*/list != nullptr) ||
+        !parseAttributeDefault(*definition))
+      return false;
     definition->declaredType_ = declaredType;
+    if (!list) continue;
+    if (!takeListRoom(sizeof(AttributeDefinition) + 2 * name->name.view().size())) return false;
     NodeAccess::setName(definition.get(), name->name);
     definition->upperName_ = name->upperName;
-    list.byName.insert(definition.get(), name->hash);
-    NodeAccess::append(&list.holder, definition.release());
+    list->byName.insert(definition.get(), name->hash);
+    NodeAccess::append(&list->holder, definition.release());
   } while (peekPastComments() != LexerType::LEX_TAG_CLOSE);
   return true;
 }
 
 // A keyword, which goes into `declaredType`, or the values of an enumeration.
-bool DTDParser::parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType) {
+bool DTDParser::parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType, bool keepsTokens) {
   switch (advancePastComments()) {
     case LexerType::LEX_NAME:
     case LexerType::LEX_CDATA:
@@ -688,6 +788,8 @@ bool DTDParser::parseAttributeType(AttributeDefinition& definition, std::uint8_t
     switch (advancePastComments()) {
       case LexerType::LEX_NAME:
       case LexerType::LEX_CDATA:
+        if (!keepsTokens) break;
+        if (!takeListRoom(sizeof(std::string) + currentText().size())) return false;
         toUpperName(definition.allowedTokens_->emplace_back(currentText()));
         break;
       case LexerType::LEX_BAR:
@@ -715,19 +817,50 @@ bool DTDParser::parseAttributeDefault(AttributeDefinition& definition) {
   return definition.defaultType_ != kFixed || takeWord();
 }
 
-// KEPT: a later list takes the place of an earlier one; elements that are not declared yet get none. The replaced list
-// lives on, for attributes of open pages point into it.
+// All that a list says; lists that say the same are one.
+std::string DTDParser::contentOf(const AttributeListHolder& list) {
+  std::string content;
+  const auto add = [&content](std::string_view text) {
+    content += std::to_string(text.size());
+    content += ':';
+    content += text;
+  };
+  for (const Node* n = list.holder.getFirstChild(); n; n = n->getNextSibling()) {
+    const auto& definition = static_cast<const AttributeDefinition&>(*n);
+    add(definition.getName());
+    content += static_cast<char>('a' + definition.declaredType_);
+    content += static_cast<char>('a' + definition.defaultType_);
+    if (!definition.allowedTokens_) continue;
+    for (const std::string& token : *definition.allowedTokens_) add(token);
+    content += '|';
+  }
+  return content;
+}
+
+// KEPT: a later list takes the place of an earlier one. The replaced list lives on, for attributes of open pages point
+// into it; so a page's list that was read before is not kept a second time.
 void DTDParser::installAttributeList(const std::vector<std::string>& elementNames,
                                      std::unique_ptr<AttributeListHolder> list) {
-  bool used = false;
-  for (const std::string& name : elementNames) {
-    if (ElementDefinition* definition = frame_->elements->find(UpperName(name))) {
-      definition->attributes_ = list.get();
-      definition->deferredList_ = nullptr;
-      used = true;
+  const AttributeListHolder* installed = list.get();
+  if (isBounded_) {
+    const std::size_t room = kMostPageBytes - frame_->pageShare.bytes;
+    std::string content = contentOf(*list);
+    const auto known = frame_->pageLists.find(content);
+    if (known != frame_->pageLists.end()) {
+      installed = known->second;
+    } else if (spend(room - listRoom_ + sizeof(AttributeListHolder) + kEntryBytes + content.size())) {
+      frame_->pageLists.emplace(std::move(content), installed);
+    } else {
+      return;
     }
   }
-  if (used) frame_->attributeLists.push_back(std::move(list));
+  if (installed == list.get()) frame_->attributeLists.push_back(std::move(list));
+  for (const std::string& name : elementNames) {
+    ElementDefinition* definition = frame_->elements->find(UpperName(name));
+    if (!definition) continue;
+    definition->attributes_ = installed;
+    definition->deferredList_ = nullptr;
+  }
 }
 
 // --- groups and marked sections --------------------------------------------------------------------------------------
@@ -764,7 +897,7 @@ void DTDParser::parseMarkedSection() {
     skipIgnoredSection();
     return;
   }
-  if (sectionDepth_ >= kDeepestSection) return;
+  if (sectionDepth_ >= kDeepestSection) return noteCut();
   // 2. KEPT: one token is dropped, the "<" of the first declaration as a rule. The declarations go on to a "]".
   if (isLast(advancePastComments())) return;
   ++sectionDepth_;
@@ -775,10 +908,11 @@ void DTDParser::parseMarkedSection() {
 }
 
 // KEPT: nesting is not tracked, for the "<![" of an inner section comes as two tokens; the first "]]>" that does not
-// stand right at the start closes the section. Its ">" is left to the loop.
+// stand right at the start closes the section. Its ">" is left to the loop. A reference to an undeclared entity is
+// ignored like all else: a DTD leaves out what it has not declared.
 void DTDParser::skipIgnoredSection() {
   while (true) {
-    if (isLast(take())) {
+    if (take() == LexerType::LEX_EOF) {
       pushBack();
       return;
     }

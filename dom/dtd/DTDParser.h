@@ -25,7 +25,9 @@ struct DeferredList;
 // of an entity or an element counts; the last attribute list of an element does.
 //
 // Any text ends in time that grows with its length: parameter entities may grow a text only so far, groups and marked
-// sections nest only so deep, and the number of element names is bounded; what goes beyond is dropped.
+// sections nest only so deep, and the number of element names is bounded; what goes beyond is dropped. The declarations
+// of pages are kept as long as the DTD, so there are further bounds for all of them together. Only what is kept counts:
+// a page that is read again declares nothing new.
 class ZELDOM40_API DTDParser : public Parser {
  public:
   // A placeholder without tables; parse answers -1.
@@ -44,6 +46,9 @@ class ZELDOM40_API DTDParser : public Parser {
 
   // Call it with LEX_EOF for the whole text. -1 also tells that a reference to an undeclared entity ended it.
   int parse(LexerType::LexToken stop) override;
+  // Whether something that a text declared, since the tables were made, was left out: because of a bound, or because
+  // it stands behind a reference to an undeclared entity.
+  bool isCut() const;
 
   // The tables, owned by this parser or the one that they were borrowed from; null for a placeholder.
   ParserType::_dtd_frame* getDTDFrame() const { return frame_; }
@@ -77,16 +82,22 @@ class ZELDOM40_API DTDParser : public Parser {
   bool deferContent(const std::vector<std::string>& names, int omission);
   ElementDefinition* declareElement(const std::string& name, int omission);
   static void giveContent(ElementDefinition& definition, const Content& content);
+  bool isDeclared(const std::string& name) const;
+  bool isKept(const std::vector<std::string>& elementNames) const;
+  void noteCut();
+  bool spend(std::size_t bytes);
   bool countToken();
   int parseOccurrence();
-  bool addElementToken(ModelGroup& group);
-  bool addTextToken(ModelGroup& group);
+  bool addElementToken(ModelGroup* group);
+  bool addTextToken(ModelGroup* group);
   bool parseContent(Content& content);
   void parseAttributeList();
   bool deferAttributes(const std::vector<std::string>& elementNames);
-  bool parseAttributes(AttributeListHolder& list);
-  bool parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType);
+  bool parseAttributes(AttributeListHolder* list);
+  bool parseAttributeType(AttributeDefinition& definition, std::uint8_t& declaredType, bool keepsTokens);
+  bool takeListRoom(std::size_t bytes);
   bool parseAttributeDefault(AttributeDefinition& definition);
+  static std::string contentOf(const AttributeListHolder& list);
   void installAttributeList(const std::vector<std::string>& elementNames, std::unique_ptr<AttributeListHolder> list);
   void parseGroup();
   void parseMarkedSection();
@@ -96,6 +107,8 @@ class ZELDOM40_API DTDParser : public Parser {
   bool ownsFrame_ = false;
   bool isBounded_ = false;  // a page's declarations
   bool defers_ = false;
+  bool impliesStart_ = false;  // the element being declared may be implied
+  std::size_t listRoom_ = 0;   // what the attribute list being read may still take
   int sectionDepth_ = 0;
 };
 

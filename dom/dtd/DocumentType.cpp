@@ -43,4 +43,6 @@ int DocumentType::getCharacterEntityCount() const {
   return frame_ ? static_cast<int>(frame_->charEntities().size()) : 0;
 }
 
+bool DocumentType::isCut() const { return frame_ && frame_->cuts > 0; }
+
 }  // namespace zeldom40

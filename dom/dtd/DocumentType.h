@@ -30,6 +30,10 @@ class ZELDOM40_API DocumentType : public Node {
   // The number of general entities, and of characters that have a name among them.
   int getGeneralEntityCount() const;
   int getCharacterEntityCount() const;
+  // Whether something that was declared, by the DTD or by a page since, is not known: a bound on what pages may declare
+  // or on how deep and long a DTD may be was reached, or it stands behind a reference to an undeclared parameter
+  // entity. It stays so. The declaration of a page that is concerned bears ERR_PI_SUBSET_CUT.
+  bool isCut() const;
 
   // The tables of the DTD; borrowed when they were set from outside.
   ParserType::_dtd_frame* getDTDFrame() const { return frame_; }

@@ -71,6 +71,18 @@ class Hash {
     return true;
   }
 
+  // Forgets the key that was entered last.
+  void eraseNewest(std::string_view key) {
+    Entry*& head = buckets_[nameHash(key) % buckets_.size()];
+    if (head && head == &entries_.back() && head->key == key) {
+      head = head->next;
+      entries_.pop_back();
+    } else {
+      overflow_.erase(overflow_.find(key));
+    }
+    --size_;
+  }
+
   // The number of keys.
   std::size_t size() const { return size_; }
 

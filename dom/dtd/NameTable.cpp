@@ -17,4 +17,8 @@ int NameTable::enter(std::string_view upperName) {
   return entries_.back().id;
 }
 
+void NameTable::cutTo(int size) {
+  for (; this->size() > size; entries_.pop_back()) index_.eraseNewest(entries_.back().name.view());
+}
+
 }  // namespace zeldom40

@@ -29,6 +29,8 @@ class NameTable {
   }
   // The same, entering the name; -1 if the table is full.
   int enter(std::string_view upperName);
+  // Forgets the newest names, so that `size` places are left.
+  void cutTo(int size);
   const SharedName& name(int id) const { return entries_[static_cast<std::size_t>(id)].name; }
   int size() const { return static_cast<int>(entries_.size()); }
 

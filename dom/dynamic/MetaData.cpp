@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "dom/document/Adoption.h"
 #include "dom/document/DOMAccess.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/dynamic/DTCClientItem.h"
@@ -127,7 +128,8 @@ void MetaData::setType(Type type) {
 bool MetaData::setATV(Element* atv) {
   if (getType() != AuthorTimeVisual || !atv || atv->getElementID() != ID_ZELX_ATV) return false;
   if (atv == object_) return true;
-  if (atv->getParentNode()) return false;
+  if (atv->getParentNode() || NodeAccess::isAtOrAbove(atv, this)) return false;
+  if (!adoptNodes(atv, documentAround(this))) return false;
   dropObject();
   object_ = atv;
   NodeAccess::setParent(atv, this);
@@ -141,6 +143,35 @@ Element* MetaData::takeATV() {
   NodeAccess::setParent(visual, nullptr);
   object_ = nullptr;
   return visual;
+}
+
+void MetaDataAccess::dropVisual(MetaData& md) {
+  if (md.element_) {
+    md.element_->setATV(nullptr);
+  } else {
+    md.takeATV()->releaseRef(true);
+  }
+}
+
+Node* MetaDataAccess::giveVisualUp(MetaData& md) {
+  Element* const element = md.element_;
+  Element* const visual = md.takeATV();
+  visual->setUpdateFlag(Node::UPDATE_REMOVED);
+  if (element) {
+    element->setMetaData(nullptr);
+    element->setUpdateFlag(Node::UPDATE_META_DATA_MODIFIED);
+  }
+  return visual;
+}
+
+void MetaDataAccess::adopt(MetaData& md, Document* to) {
+  const DTCDocument* const controls = to->getDTCDocument();
+  if (md.getClientItem() && controlsOf(&md) != controls) md.dropObject();
+  md.setDocument(to);
+  // It comes from no page that was loaded, as far as this document knows.
+  md.loadedFromPage_ = false;
+  if (md.element_ && !md.object_) md.setElement(md.element_);
+  md.setDirty(true, /*runtimeOnly=*/false);
 }
 
 void MetaData::setElement(Element* element) {

@@ -45,7 +45,8 @@ class ZELDOM40_API MetaData : public Node {
   zeldom40::DynamicData* getDynamicData() const;
   Element* getATV() const;
   // Takes over one reference of `atv`, a ZELX:ATV element in no tree; a former one is released. False, with nothing
-  // changed, for another element and for a MetaData of another type.
+  // changed, for another element, for one that the element of this node stands in, for one of another DOM, and for a
+  // MetaData of another type.
   bool setATV(Element* atv);
   // Gives the visual back with its reference; null if there is none.
   Element* takeATV();

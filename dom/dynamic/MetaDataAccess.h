@@ -6,6 +6,7 @@
 
 #include "dom/dynamic/MetaData.h"
 #include "dom/source/SourceWriter.h"
+#include "dom/tree/Element.h"
 
 namespace zeldom40 {
 
@@ -33,6 +34,21 @@ struct MetaDataAccess {
   static bool isUnderStale(const Element* element);
   // Whether an element above has metadata. Climbs to the top.
   static bool isUnderMetaData(const Element* element);
+
+  // The metadata that keeps `node` aside as its visual; null for any other node, and for null.
+  static MetaData* ofVisual(const Node* node) {
+    Node* const parent = node ? node->getParentNode() : nullptr;
+    if (!parent || parent->getNodeType() != Node::NODE_META_DATA) return nullptr;
+    auto* md = static_cast<MetaData*>(parent);
+    return md->getATV() == node ? md : nullptr;
+  }
+  // Deletes the visual; its element has none then.
+  static void dropVisual(MetaData& md);
+  // The same, but the visual goes to the caller with its reference. `md` may be gone afterwards.
+  static Node* giveVisualUp(MetaData& md);
+  // Its element became one of `to`: the texts are stale, and a control is handed from host to host. Visuals are nodes
+  // of their own.
+  static void adopt(MetaData& md, Document* to);
 
   // The dynamic data is made anew if the element asks for another class by now; the old one is the caller's to release.
   static void setObject(MetaData& md, void* object) { md.object_ = object; }

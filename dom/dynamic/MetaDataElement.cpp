@@ -1,4 +1,5 @@
 // What an element has to do with its metadata: dynamic elements, design-time controls, visuals.
+#include "dom/document/Adoption.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/dynamic/MetaData.h"
 #include "dom/tree/Attribute.h"
@@ -39,6 +40,17 @@ MetaData* Element::getMetaData() const { return hasExtra_ ? held_.extra->metaDat
 
 void Element::setMetaData(MetaData* md) {
   if (md == getMetaData()) return;
+  if (md) {
+    // It would stand in a list besides, or this element in itself.
+    if (md->getParentNode() || NodeAccess::isAtOrAbove(md, this)) return;
+    const bool isOthers = md->getElement() && md->getElement() != this;
+    if (isOthers) md = new MetaData(*md);
+    if (!adoptNodes(md, documentAround(this))) {
+      if (isOthers) delete md;
+      return;
+    }
+    if (isOthers) md->addRef(false);
+  }
   noteChange();
   if (MetaData* old = getMetaData()) {
     extra().metaData = nullptr;
@@ -46,10 +58,6 @@ void Element::setMetaData(MetaData* md) {
     old->releaseRef(false);
   }
   if (!md) return;
-  if (md->getElement() && md->getElement() != this) {
-    md = new MetaData(*md);
-    md->addRef(false);
-  }
   extra().metaData = md;
   if (md->getElement() != this) md->setElement(this);
 }
@@ -123,6 +131,7 @@ void Element::markNestedControl(bool nested) {
 Element* Element::getATV() const { return getMetaData() ? getMetaData()->getATV() : nullptr; }
 
 bool Element::setATV(Element* atv) {
+  if (atv && NodeAccess::isAtOrAbove(atv, this)) return false;
   recordChange(this);
   MetaData* md = getMetaData();
   if (!atv) {

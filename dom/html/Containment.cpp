@@ -23,13 +23,18 @@ Element* asElement(Node* node) {
   return node && node->getNodeType() == Node::NODE_ELEMENT ? static_cast<Element*>(node) : nullptr;
 }
 
+ParserType::_dtd_frame* frameOf(const Document& document) {
+  const DocumentType* type = document.getDocumentTypeObject();
+  return type ? type->getDTDFrame() : nullptr;
+}
+
 bool isTable(Node* node) { return asElement(node) && asElement(node)->getElementID() == ID_TABLE; }
 
 }  // namespace
 
-Containment::Containment(Document& document, const Node* root) : document_(document), root_(root), table_(nullptr) {
-  const DocumentType* type = document.getDocumentTypeObject();
-  if (type && type->getDTDFrame()) table_ = &contentTable(*type->getDTDFrame());
+Containment::Containment(Document& document, const Node* root)
+    : document_(document), root_(root), tableUse_(frameOf(document)), table_(nullptr) {
+  if (ParserType::_dtd_frame* frame = frameOf(document)) table_ = &contentTable(*frame);
 }
 
 bool Containment::describe(Node* child, Subject& subject) const {
@@ -129,7 +134,7 @@ Containment::Step Containment::stepOf(Element* element) {
   Step step{nullptr, table_->noSets(), nullptr, nullptr, nullptr};
   // What is in no tree, or in another one, is not kept.
   const bool keep = e || missing.back() == root_;
-  levelsWalked_ += static_cast<long>(missing.size());
+  levelsWalked_ += static_cast<std::int64_t>(missing.size());
   if (e) step = path_[*place];
   if (keep && !missing.empty()) dropPath(e ? *place + 1 : 0);
   for (auto it = missing.rbegin(); it != missing.rend(); ++it) {

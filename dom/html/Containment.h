@@ -1,9 +1,11 @@
 // Internal. Direct containment in a live tree, asked of many nodes on one walk.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "dom/dtd/ContentTable.h"
+#include "dom/dtd/DTDFrame.h"
 #include "dom/tree/NodeMap.h"
 
 namespace zeldom40 {
@@ -32,7 +34,7 @@ class Containment {
   Node* table(Node* node);
   // How many levels the questions so far had to walk down. It is one or two each, but more where they come from deep
   // places in turn.
-  long levelsWalked() const { return levelsWalked_; }
+  std::int64_t levelsWalked() const { return levelsWalked_; }
   // Call before a node leaves its place.
   void forget(const Node* node);
 
@@ -55,10 +57,11 @@ class Containment {
 
   Document& document_;
   const Node* root_;
+  TableUse tableUse_;
   ContentTable* table_;
   std::vector<Step> path_;
   NodeMap places_;  // in the path
-  long levelsWalked_ = 0;
+  std::int64_t levelsWalked_ = 0;
 };
 
 }  // namespace zeldom40

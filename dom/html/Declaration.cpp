@@ -25,6 +25,7 @@ void PageParser::readDeclaration() {
   std::string keyword;
   State state = KEYWORD;
   bool reading = true;
+  bool isCut = false;
   while (reading) {
     const LexRecord token = take();
     end = endOf(token);
@@ -85,7 +86,7 @@ void PageParser::readDeclaration() {
         LexRecord t = token;
         while (t.kind != LexerType::LEX_RBRACKET && t.kind != LexerType::LEX_EOF) t = take();
         end = endOf(t);
-        readSubset(sliceOf(token.start, t.kind == LexerType::LEX_EOF ? end : t.start));
+        isCut = !readSubset(sliceOf(token.start, t.kind == LexerType::LEX_EOF ? end : t.start));
         state = CLOSE;
         reading = t.kind != LexerType::LEX_EOF;
         break;
@@ -96,6 +97,7 @@ void PageParser::readDeclaration() {
   }
   auto* declaration = new PI(keyword, std::string(sliceOf(start, end).in(lexer_.page())));
   declaration->setDocument(document_);
+  if (isCut) declaration->setError(ERR_PI_SUBSET_CUT);
   if (document_ && DocumentAccess::doctypeSeen(document_)) {
     declaration->setError(ERR_PI_DUPLICATED);
     document_->setError(ERR_DOC_DOCTYPE_DUPLICATED);
@@ -103,15 +105,21 @@ void PageParser::readDeclaration() {
   insertLast(declaration);
 }
 
-// The declarations add to the document type of the whole DOM.
-void PageParser::readSubset(Slice subset) {
-  if (subset.length == 0 || !frame_ || ++subsets_ > kMostSubsets) return;
+// The declarations add to the document type of the whole DOM. False if some of them were left out.
+bool PageParser::readSubset(Slice subset) {
+  if (subset.length == 0 || !frame_) return true;
+  if (++subsets_ > kMostSubsets) {
+    ++frame_->cuts;
+    return false;
+  }
+  const unsigned cutsBefore = frame_->cuts;
   const std::string_view text = subset.in(lexer_.page());
   ParserType::_dtd_parser_frame shared{frame_};
   DTDParser parser(text.data(), static_cast<unsigned>(text.size()), &shared);
   parser.parse(LexerType::LEX_EOF);
   lexer_.page().get()->setEntityCount(subset.offset, frame_->generalEntityCount());
   declarationsChanged();
+  return frame_->cuts == cutsBefore;
 }
 
 }  // namespace zeldom40

@@ -21,13 +21,13 @@ namespace zeldom40 {
 
 namespace {
 
-constexpr long kStepsPerNode = 48;
+constexpr std::int64_t kStepsPerNode = 48;
 // Those of the search for what stands before a node, which must not use up the others.
-constexpr long kBesideStepsPerNode = 48;
+constexpr std::int64_t kBesideStepsPerNode = 48;
 // Levels walked down again because a question went elsewhere, and looks for content in what may be empty; they cost
 // less.
-constexpr long kLevelsPerNode = 256;
-constexpr long kLooksPerNode = 256;
+constexpr std::int64_t kLevelsPerNode = 256;
+constexpr std::int64_t kLooksPerNode = 256;
 constexpr unsigned long kPlacing = ERR_ELEMENT_CANNOT_BE_CONTAINED | ERR_ELEMENT_NO_PARENT_CAN_ADOPT;
 
 Element* asElement(Node* node) {
@@ -68,7 +68,7 @@ bool isUnknown(Node* node) {
 
 ErrorCorrector::ErrorCorrector(Document& document, Node* top)
     : document_(document), top_(top), root_(rootOf(top)), containment_(document, root_) {
-  long nodes = 0;
+  std::int64_t nodes = 0;
   for (const Node* n = top; n; n = NodeAccess::nextInSubtree(n, top)) ++nodes;
   budget_ = kStepsPerNode * nodes + 4096;
   besideBudget_ = kBesideStepsPerNode * nodes + 4096;
@@ -76,7 +76,7 @@ ErrorCorrector::ErrorCorrector(Document& document, Node* top)
   looksLeft_ = kLooksPerNode * nodes + (1 << 16);
 }
 
-bool ErrorCorrector::spend(long steps) {
+bool ErrorCorrector::spend(std::int64_t steps) {
   budget_ -= steps;
   return budget_ >= 0 && containment_.levelsWalked() <= mostLevels_;
 }
@@ -248,8 +248,8 @@ bool ErrorCorrector::correctElement(Element* element, Node** next) {
   }
   if ((element->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) && element->getParentNode()) {
     if (element->getName() == "TR") endAdaptedRow(element);
-    // A host may have put something into it.
-    if (element->hasChildNodes()) {
+    // A host may have put something into it. Behind a visual there is no place.
+    if (element->hasChildNodes() && element->getParentNode()->getNodeType() != Node::NODE_META_DATA) {
       containment_.forget(element);
       insertBehind(element->getParentNode(), element->removeChildren(nullptr, nullptr), element);
     }
@@ -288,12 +288,12 @@ void ErrorCorrector::repairTags(Element* element) {
     ++count_;
   }
   if (element->getError() & ERR_ELEMENT_PARSE_ERROR) {
-    element->setBeginTagDirty();
+    ElementAccess::remakeBeginTag(element);
     element->resetError(ERR_ELEMENT_PARSE_ERROR);
     ++count_;
   }
   if (element->getError() & ERR_ELEMENT_INVALID_CASE_BEGIN) {
-    element->setBeginTagDirty();
+    ElementAccess::respellBeginTag(element);
     element->resetError(ERR_ELEMENT_INVALID_CASE_BEGIN);
     ++count_;
   }

@@ -1,6 +1,7 @@
 // Internal. Repairs bad structure that the parser has marked.
 #pragma once
 
+#include <cstdint>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -62,7 +63,7 @@ class ErrorCorrector {
     Node* last;
   };
 
-  bool spend(long steps);
+  bool spend(std::int64_t steps);
   Node* follow(Node* next);
   void noteResume(Node* node);
   bool isResumeOpen() const;
@@ -102,11 +103,11 @@ class ErrorCorrector {
   Node* top_;
   Node* root_;
   Containment containment_;
-  long budget_ = 0;
-  long besideBudget_ = 0;
-  long mostLevels_ = 0;
-  long looksLeft_ = 0;
-  long count_ = 0;
+  std::int64_t budget_ = 0;
+  std::int64_t besideBudget_ = 0;
+  std::int64_t mostLevels_ = 0;
+  std::int64_t looksLeft_ = 0;
+  std::int64_t count_ = 0;
   // Searches above these nodes for a place for such a node failed, and nothing has moved since: for one that will do by
   // itself, and, for each standing, for one that will do by what stands before.
   const void* barredKind_ = nullptr;

@@ -55,6 +55,7 @@ PageParser::PageParser(HTMLLexer& lexer, ParserType::_dtd_frame* frame, std::vec
                        Document* document)
     : lexer_(lexer),
       frame_(frame),
+      tableUse_(frame),
       table_(frame ? &contentTable(*frame) : nullptr),
       textPlace_(table_ ? table_->textPlace(Text::TEXT_NORMAL) : -1),
       document_(document),
@@ -82,6 +83,7 @@ void PageParser::popNode() {
 
 int PageParser::parse(Token stop) {
   if (nodes_->empty()) return -1;
+  if (stop == LexerType::LEX_EOF) readByteOrderMark();
   while (true) {
     if (stop == LexerType::LEX_EOF && lexer_.queued() == 0) {
       if (!standsAtTag()) readTextRun();

@@ -41,9 +41,16 @@ class PageParser {
   PageParser& operator=(const PageParser&) = delete;
 
   int parse(LexerType::LexToken stop);
-  // Instead of a parse: the attributes of a tag that a parse of the lexer's page read before, as it read them. The
-  // names that the tag states again go to `repeats`, if it is not null. Makes no node. Valid until the next call.
-  const std::vector<AttributeBlock::Entry>& readAttributes(Slice tag, std::vector<Slice>* repeats);
+  // What a tag says beside the attributes that count.
+  struct TagDetails {
+    std::vector<AttributeBlock::Entry> repeats;     // of an attribute that it has
+    std::vector<AttributeBlock::Entry> superseded;  // in a directive, by a later one of that name
+    std::uint32_t attributesFrom = 0;               // where the name of a directive or include ends; 0: no such tag
+    bool endsInConstruct = false;                   // the end of server code or a comment ends the tag
+  };
+  // Instead of a parse: the attributes of a tag that a parse of the lexer's page read before, as it read them. Makes no
+  // node. Valid until the next call. `details` may be null.
+  const std::vector<AttributeBlock::Entry>& readAttributes(Slice tag, TagDetails* details);
   // Whether something came in that may call for metadata.
   bool mustBeSorted() const { return mustBeSorted_; }
   // The parse is over, and nothing else will be read: what was learnt of names serves the next page.
@@ -130,6 +137,7 @@ class PageParser {
   static bool isUnknown(const Node* node);
 
   // --- running text (TextCollector.cpp) -----------------------------------------------------------------------------
+  void readByteOrderMark();
   void readTextRun();
   void placeText(Text* text, bool isSpace);
   void placeTextByQuestion(Text* text, bool isSpace);
@@ -149,6 +157,7 @@ class PageParser {
     bool nameCase = false;
     bool attributeCase = false;
     bool bad = false;
+    bool endsInConstruct = false;
   };
   void readBeginTag() {
     BeginTag tag;
@@ -183,7 +192,7 @@ class PageParser {
 
   // --- declarations, server content ---------------------------------------------------------------------------------
   void readDeclaration();
-  void readSubset(Slice subset);
+  bool readSubset(Slice subset);
   // A server tag or an include, and the stretch that its attributes stand in.
   struct Directive {
     int id = 0;
@@ -271,6 +280,7 @@ class PageParser {
 
   HTMLLexer& lexer_;
   ParserType::_dtd_frame* frame_;
+  TableUse tableUse_;
   ContentTable* table_;
   int textPlace_;  // of a normal text in a row of answers; -1 without a table
   Document* document_;
@@ -311,9 +321,9 @@ class PageParser {
   bool attributePending_ = false;
   AttributeBlock::Entry attribute_{};
   std::vector<AttributeBlock::Entry> attributes_;
-  AttributeNames attributeNames_;          // filled for tags with many
-  std::vector<Slice>* repeats_ = nullptr;  // who asks for names that the tag repeats
-  std::size_t readInVain_ = 0;             // bytes of values that were no plain ones
+  AttributeNames attributeNames_;  // filled for tags with many
+  TagDetails* details_ = nullptr;  // who asks for more than attributes
+  std::size_t readInVain_ = 0;     // bytes of values that were no plain ones
   std::string scratch_;
   const ElementDefinition* tagDefinition_ = nullptr;
   bool attributeError_ = false;

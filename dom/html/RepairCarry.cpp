@@ -17,9 +17,9 @@ constexpr int kMostCopies = 24;
 constexpr std::size_t kMostAround = 6;
 
 // Blocks that take inline elements in, themselves or in their items.
-constexpr int kTakers[] = {ID_P,      ID_H1,   ID_H2,  ID_H3,   ID_H4,      ID_H5,         ID_H6,       ID_DIV,
-                           ID_CENTER, ID_UL,   ID_OL,  ID_LI,   ID_DL,      ID_DT,         ID_DD,       ID_HR,
-                           ID_DIR,    ID_MENU, ID_PRE, ID_FORM, ID_ADDRESS, ID_BLOCKQUOTE, ID_NOSCRIPT, ID_FIELDSET};
+constexpr int kTakers[] = {ID_P,      ID_H1,   ID_H2,  ID_H3,   ID_H4,      ID_H5,         ID_H6,      ID_DIV,
+                           ID_CENTER, ID_UL,   ID_OL,  ID_LI,   ID_DL,      ID_DT,         ID_DD,      ID_HR,
+                           ID_DIR,    ID_MENU, ID_PRE, ID_FORM, ID_ADDRESS, ID_BLOCKQUOTE, ID_FIELDSET};
 
 // Walks below the top in document order. An element that holds a misplaced block *spans* it; where its content stands
 // in one block it is *open* there, by its own tag or by a copy.

@@ -220,7 +220,6 @@ void RepairPage::judgeWhole() {
   bool isWhole = false;
   bool opens = false;
   bool closes = false;
-  bodyEnd_ = source_.size();
   for (int i = 0; i < count(); ++i) {
     const Item& item = items_[static_cast<std::size_t>(i)];
     if (item.node->getNodeType() == Node::NODE_PI && item.all.isKnown()) {
@@ -244,7 +243,7 @@ void RepairPage::judgeWhole() {
       opens = opens || page;
     }
     closes = closes || (page && !item.end.isEmpty());
-    if (id(i) == ID_BODY && !item.end.isEmpty()) bodyEnd_ = item.end.begin;
+    if (id(i) == ID_HEAD && head_ == kNone && !item.begin.isEmpty()) head_ = i;
   }
   isHalf_ = isHalf_ || !isWhole;
   isOpenAtEnd_ = opens && !closes;

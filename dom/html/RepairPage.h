@@ -87,8 +87,8 @@ class RepairPage {
   bool isHalf() const { return isHalf_; }
   // The page opens HTML or BODY and does not close them: another file may go on where it ends.
   bool isOpenAtEnd() const { return isOpenAtEnd_; }
-  // Where the body ends, or the page.
-  std::size_t bodyEnd() const { return bodyEnd_; }
+  // The HEAD of the page, kNone if it has none of its own.
+  int head() const { return head_; }
 
   // --- places in lines ---------------------------------------------------------------------------------------------
   // The offset behind `offset` going back over white space, but not before `floor`.
@@ -114,7 +114,7 @@ class RepairPage {
   std::vector<std::size_t> server_;         // where constructs begin, sorted
   std::vector<SourceMap::Range> verbatim_;  // sorted
   std::vector<int> previous_;               // sibling before each item
-  std::size_t bodyEnd_ = 0;
+  int head_ = kNone;
   std::vector<std::size_t> oddTags_;  // where they begin, sorted
   bool isHalf_ = false;
   bool isHtml5_ = false;

@@ -174,6 +174,10 @@ struct RepairPlanner::Data {
   bool wrapCells(int index);
   bool wrapItems(int index);
   bool carry(int index);
+  void planMove(int index);
+  bool moveBeforeTable(int index);
+  bool moveToHead(int index);
+  bool takeIn(int index);
   Batch join(std::vector<std::size_t> wanted, std::vector<std::size_t>& applied) const;
   void compare(const Batch& batch, Verdict& verdict) const;
 
@@ -361,7 +365,7 @@ void RepairPlanner::Data::plan(std::size_t finding) {
     case ERR_ELEMENT_NO_PARENT_CAN_ADOPT:
       return planMisplaced(index);
     default:
-      return giveUp("it would have to move");
+      return planMove(index);
   }
 }
 
@@ -442,11 +446,11 @@ void RepairPlanner::Data::planMissingEnd(int index) {
 void RepairPlanner::Data::planMisplaced(int index) {
   const RepairPage::Item& item = page[index];
   const int parent = item.parent;
-  if (!item.isElement || parent == kNone) return giveUp("it would have to move");
+  if (!item.isElement || parent == kNone) return planMove(index);
   if (item.isUnknown) return giveUp("the element is not known");
   if (item.error & (ERR_ELEMENT_PARSE_ERROR | ERR_ELEMENT_BEGIN_TAG_MISSING)) return giveUp("its tag is broken");
   if (endBeforeInner(index) || carry(index) || wrapCells(index) || takeListIn(index) || wrapItems(index)) return;
-  giveUp(name(index) + " would have to leave " + name(parent));
+  planMove(index);
 }
 
 // Anchors do not nest. As browsers do, the outer one ends where the inner one begins.

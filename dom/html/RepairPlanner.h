@@ -96,9 +96,16 @@ class ZELDOM40_API SourceRepair {
     bool isHint;  // of half a page: nobody can tell from this file whether it is an error
   };
 
-  // Parses `source` in documents of `dom`, which are deleted again. With `unsafe` plans of that kind are
-  // made too; `guardWide` as for a planner.
-  SourceRepair(DOM* dom, const std::string& source, bool unsafe, bool guardWide = false);
+  struct Options {
+    bool unsafe = false;     // plans of that kind are made too
+    bool guardWide = false;  // as for a planner
+    // Offsets of the given source. Of each the nearest plan of a pass is not made: for a host with a judge of its own,
+    // which has found something wrong there.
+    std::vector<std::size_t> barred;
+  };
+
+  // Parses `source` in documents of `dom`, which are deleted again.
+  SourceRepair(DOM* dom, const std::string& source, Options options);
 
   const std::string& text() const { return edited_.text(); }
   // Of the source that was given; sorted.
@@ -107,8 +114,10 @@ class ZELDOM40_API SourceRepair {
   const std::vector<Entry>& left() const { return left_; }
 
  private:
-  bool pass(DOM* dom, bool unsafe, bool guardWide);
+  bool pass(DOM* dom);
+  void dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted) const;
 
+  Options options_;
   EditedText edited_;
   std::vector<Entry> settled_;
   std::vector<Entry> left_;

@@ -82,6 +82,7 @@ void PageParser::insertDirective(const Directive& directive, Slice raw) {
 void PageParser::collectAttributes(const Directive& directive) {
   const std::string_view text = lexer_.text();
   const ElementDefinition* definition = directive.name->definition;
+  if (details_) details_->attributesFrom = directive.from;
   attributes_.clear();
   attributeNames_.clear();
   std::size_t position = directive.from;
@@ -107,6 +108,7 @@ void PageParser::collectAttributes(const Directive& directive) {
     if (number == attributes_.size()) {
       attributes_.push_back(entry);
     } else {
+      if (details_) details_->superseded.push_back(attributes_[number]);
       attributes_[number] = entry;
     }
   }

@@ -1,5 +1,6 @@
 // Repairs a page's source pass by pass.
 #include <algorithm>
+#include <utility>
 
 #include "dom/html/ParsedPage.h"
 #include "dom/html/RepairPlanner.h"
@@ -37,20 +38,37 @@ RepairPlanner::Verdict sound(const RepairPlanner& planner, std::vector<std::size
 
 }  // namespace
 
-SourceRepair::SourceRepair(DOM* dom, const std::string& source, bool unsafe, bool guardWide) : edited_(source) {
-  for (int i = 0; i < kMostPasses && pass(dom, unsafe, guardWide); ++i) {
+SourceRepair::SourceRepair(DOM* dom, const std::string& source, Options options)
+    : options_(std::move(options)), edited_(source) {
+  for (int i = 0; i < kMostPasses && pass(dom); ++i) {
+  }
+}
+
+void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted) const {
+  for (const std::size_t barred : options_.barred) {
+    const auto distance = [&](std::size_t plan) {
+      const std::size_t begin = edited_.toOriginal(plans[plan].edits.front().offset);
+      const SourceEdit& last = plans[plan].edits.back();
+      const std::size_t end = edited_.toOriginal(last.offset + last.length);
+      return barred < begin ? begin - barred : barred > end ? barred - end : 0;
+    };
+    const auto nearest = std::min_element(wanted.begin(), wanted.end(),
+                                          [&](std::size_t a, std::size_t b) { return distance(a) < distance(b); });
+    if (nearest != wanted.end()) wanted.erase(nearest);
   }
 }
 
 // True if something was repaired.
-bool SourceRepair::pass(DOM* dom, bool unsafe, bool guardWide) {
+bool SourceRepair::pass(DOM* dom) {
   const ParsedPage parsed(dom, edited_.text());
-  const RepairPlanner planner(parsed.document(), guardWide);
+  const RepairPlanner planner(parsed.document(), options_.guardWide);
   std::vector<std::size_t> wanted;
   const std::vector<RepairPlanner::Plan>& plans = planner.plans();
   for (std::size_t i = 0; i < plans.size(); ++i) {
-    if (plans[i].kind == RepairPlanner::SAFE || (unsafe && plans[i].kind == RepairPlanner::UNSAFE)) wanted.push_back(i);
+    if (plans[i].kind == RepairPlanner::SAFE || (options_.unsafe && plans[i].kind == RepairPlanner::UNSAFE))
+      wanted.push_back(i);
   }
+  dropBarred(plans, wanted);
   std::vector<bool> failed(plans.size(), false);
   RepairPlanner::Verdict verdict;
   if (planner.source() == edited_.text()) verdict = sound(planner, std::move(wanted), failed);

@@ -110,6 +110,7 @@ void PageParser::readTokensOf(BeginTag& tag) {
           tag.selfClosed = true;
         } else if (token.kind == LexerType::LEX_TAG_CLOSE) {
           tag.end = token.end;
+          tag.endsInConstruct = token.start == token.end;
           commitAttribute();
           state = DONE;
         } else {
@@ -127,6 +128,7 @@ void PageParser::readTokensOf(BeginTag& tag) {
     LexRecord token = take();
     while (token.kind != LexerType::LEX_TAG_CLOSE && token.kind != LexerType::LEX_EOF) token = take();
     tag.end = endOf(token);
+    tag.endsInConstruct = token.kind == LexerType::LEX_TAG_CLOSE && token.start == token.end;
     tag.bad = true;
   }
   if (!tag.name) tag.name = &names_.find({});
@@ -191,7 +193,7 @@ void PageParser::commitAttribute() {
   if (present) {
     present->error |= static_cast<std::uint32_t>(ERR_ATTR_VALUE_DUPLICATED);
     attributeError_ = true;
-    if (repeats_) repeats_->push_back(attribute_.name);
+    if (details_) details_->repeats.push_back(attribute_);
     return;
   }
   // SERVLET takes any attribute: they are its parameters.
@@ -206,8 +208,8 @@ void PageParser::commitAttribute() {
   attributes_.push_back(attribute_);
 }
 
-const std::vector<AttributeBlock::Entry>& PageParser::readAttributes(Slice tag, std::vector<Slice>* repeats) {
-  repeats_ = repeats;
+const std::vector<AttributeBlock::Entry>& PageParser::readAttributes(Slice tag, TagDetails* details) {
+  details_ = details;
   attributes_.clear();
   lexer_.readAgain(tag);
   if (peek(0) != LexerType::LEX_TAG_OPEN) return attributes_;
@@ -216,6 +218,7 @@ const std::vector<AttributeBlock::Entry>& PageParser::readAttributes(Slice tag, 
     case LexerType::LEX_BANG: {
       BeginTag read;
       readTokensOf(read);
+      if (details) details->endsInConstruct = read.endsInConstruct;
       break;
     }
     case LexerType::LEX_SERVER_TAG: {

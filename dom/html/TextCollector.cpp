@@ -62,6 +62,23 @@ void PageParser::placeTextByQuestion(Text* text, bool isSpace) {
   }
 }
 
+// A mark at the very start of a page, with white space that leads to a tag: as text it would bring about HTML and BODY
+// in front of the document type.
+void PageParser::readByteOrderMark() {
+  const std::string_view text = lexer_.text();
+  if (lexer_.position() != 0 || lexer_.queued() != 0 || !text.starts_with(kByteOrderMark)) return;
+  if (!document_ || topNode() != document_->getDocumentElement() || topNode()->hasChildNodes()) return;
+  std::size_t end = kByteOrderMark.size();
+  while (end < text.size() && isSpaceByte(text[end])) ++end;
+  if (end < text.size() && text[end] != '<') end = kByteOrderMark.size();
+  const auto behind = static_cast<std::uint32_t>(end);
+  Text* mark = TextAccess::createAssembled(textKind_.share(), sliceOf(0, behind), {});
+  mark->setTextType(Text::TEXT_FORMATTING);
+  insertLast(mark);
+  lexer_.skipTo(behind);
+  lastEnd_ = behind;
+}
+
 // Takes all text up to the next "<" that opens something, in one go.
 void PageParser::readTextRun() {
   const std::uint32_t start = lexer_.position();

@@ -21,6 +21,9 @@ inline constexpr char kPairMark = 27;
 inline constexpr char kQuadMark = 28;
 inline constexpr char kNumberMark = 29;
 
+// What a page in UTF-8 may begin with. It belongs to the file and is no text.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // Tab, LF, VT, FF, CR or blank: what ends a word for the lexers.
 constexpr bool isSpaceByte(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 

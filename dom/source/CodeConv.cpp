@@ -436,13 +436,14 @@ const char* CodeConv::Import(const char* data, int length, Charset charset) {
 
   charset_ = charset == CHARSET_DEFAULT ? importCharset : charset;
   const std::string_view text(importBuffer_.get());
+  if (charset_ == CHARSET_AUTO && text.starts_with(kByteOrderMark)) charset_ = CHARSET_NONE;
   if (charset_ == CHARSET_AUTO) {
     const Kind kind = detect(text);
     charset_ = kind == KIND_JIS ? CHARSET_JIS : kind == KIND_EUC ? CHARSET_EUC : CHARSET_SJIS;
   }
   if (charset_ == CHARSET_JIS || charset_ == CHARSET_EUC) {
     ByteBuffer converted;
-    convert(text, charset_ == CHARSET_JIS ? KIND_JIS : KIND_EUC, KIND_SJIS, converted);
+    convertBehindMark(text, charset_ == CHARSET_JIS ? KIND_JIS : KIND_EUC, KIND_SJIS, converted);
     importBuffer_ = converted.detach();
   }
   return importBuffer_.get();
@@ -468,7 +469,7 @@ const char* CodeConv::Export(const char* text, int length, Charset charset, Newl
   if (charset == CHARSET_AUTO) charset = charset_;
   if (processCodepage == kJapanese && (charset == CHARSET_JIS || charset == CHARSET_EUC)) {
     ByteBuffer converted;
-    convert(bytes, KIND_SJIS, charset == CHARSET_JIS ? KIND_JIS : KIND_EUC, converted);
+    convertBehindMark(bytes, KIND_SJIS, charset == CHARSET_JIS ? KIND_JIS : KIND_EUC, converted);
     result = converted.detach();
   }
   // KEPT: with nothing to change the text itself goes back, also when `length` is shorter than it.
@@ -508,6 +509,15 @@ bool CodeConv::convert(std::string_view text, Kind from, Kind to, ByteBuffer& ou
   }
   jis.finish();
   return true;
+}
+
+// A byte order mark stands for itself, whatever a caller says about the text behind it.
+bool CodeConv::convertBehindMark(std::string_view text, Kind from, Kind to, ByteBuffer& out) {
+  if (text.starts_with(kByteOrderMark)) {
+    out.append(kByteOrderMark);
+    text.remove_prefix(kByteOrderMark.size());
+  }
+  return convert(text, from, to, out);
 }
 
 // CHOICE: a run is counted with what makes it kana: in EUC the prefixes, in ISO-2022-JP the ESC sequence before it.

@@ -64,6 +64,7 @@ class ZELDOM40_API CodeConv {
 
   // Turns `length` bytes of a file into internal text; a negative length means up to the NUL. A last byte 0x1A, the end
   // mark of old editors, is dropped, and each NUL becomes a blank. The first line end decides what GetNewline answers.
+  // A byte order mark of UTF-8 at the start is kept; where the charset is to be detected it says CHARSET_NONE.
   // Returns the text, closed by a NUL, which lives until the next Import and belongs to this object. Null, with nothing
   // changed, if there are no bytes.
   const char* Import(const char* data, int length, Charset charset);
@@ -90,6 +91,7 @@ class ZELDOM40_API CodeConv {
   // Appends `text` of kind `from` (KIND_ANY: detect) to `out` as kind `to`; false, with nothing appended, if there is
   // no such conversion.
   static bool convert(std::string_view text, Kind from, Kind to, ByteBuffer& out);
+  static bool convertBehindMark(std::string_view text, Kind from, Kind to, ByteBuffer& out);
   static int findHankaku(std::string_view text, Kind kind, int* length);
   static std::unique_ptr<char[]> hanToZen(std::string_view text, Kind kind);
 

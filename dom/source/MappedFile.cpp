@@ -65,7 +65,7 @@ int MappedFile::open(const char* name, int mode) {
   struct stat status = {};
   if (::fstat(file.get(), &status) != 0) return 2;
   if (!S_ISREG(status.st_mode)) return 1;
-  if (status.st_size <= 0 || status.st_size > std::numeric_limits<uint32_t>::max()) return 3;
+  if (status.st_size <= 0 || std::int64_t{status.st_size} > std::numeric_limits<uint32_t>::max()) return 3;
 
   const size_t size = static_cast<size_t>(status.st_size);
   if (writable) {

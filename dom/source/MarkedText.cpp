@@ -96,6 +96,25 @@ WideUnit readWideUnit(std::string_view unit) {
   return {high + low, form == kQuadMark, true};
 }
 
+// The length of the unit at `i`, of those that the conversions make; 1 for any other byte, also for a mark byte that
+// opens none: what stands behind it may be markup.
+size_t unitAt(std::string_view text, size_t i) {
+  if (text[i] == kPairMark) return i + 1 < text.size() ? 2 : 1;
+  return text[i] == kQuadMark && readWideUnit(text.substr(i, 4)).valid ? 4 : 1;
+}
+
+// Whether the mark byte at `i`, which opens no unit, would open one when the markup behind it is marked.
+bool wouldOpenUnit(std::string_view text, size_t i) {
+  std::string marked(1, text[i]);
+  for (size_t k = i + 1; k < text.size() && marked.size() < 4;) {
+    const size_t length = unitAt(text, k);
+    if (isMarkup(text[k])) marked.push_back(kPairMark);
+    marked.append(text, k, length);
+    k += length;
+  }
+  return unitAt(marked, 0) > 1;
+}
+
 void appendReference(unsigned code, const CharacterNames* names, std::string& out) {
   const std::string_view name = names ? names->nameOf(code) : std::string_view();
   if (name.empty()) {
@@ -131,6 +150,22 @@ void appendMarkedCode(unsigned code, std::string& out) {
   } else {
     out.append({kQuadMark, kNumberMark, high, low});
   }
+}
+
+size_t readReference(std::string_view text, size_t amp, const EntityTable* table, std::string& meaning) {
+  meaning.clear();
+  if (startsAt(text, amp + 1, "#")) {
+    int digits = 0;
+    const int code = parseCharRef(text, amp + 2, &digits);
+    if (code == 0) return 0;
+    appendMarkedCode(static_cast<unsigned>(code), meaning);
+    return 2 + static_cast<size_t>(digits);
+  }
+  const size_t end = nameEnd(text, amp + 1);
+  EntityText entity;
+  if (!findEntity(table, text.substr(amp + 1, end - amp - 1), entity)) return 0;
+  meaning = entity.text;
+  return (startsAt(text, end, ";") ? end + 1 : end) - amp;
 }
 
 int expandReferences(std::string& text, int start, int length, const EntityTable* table) {
@@ -179,8 +214,8 @@ void protectMarkup(std::string& text) {
   std::string out;
   out.reserve(text.size() + text.size() / 8 + 8);
   for (size_t i = 0; i < text.size();) {
-    const size_t length = markedLength(text, i);
-    if (isMarkup(text[i])) out.push_back(kPairMark);
+    const size_t length = unitAt(text, i);
+    if (isMarkup(text[i]) || (length == 1 && text[i] == kQuadMark && wouldOpenUnit(text, i))) out.push_back(kPairMark);
     out.append(text, i, length);
     i += length;
   }
@@ -191,7 +226,7 @@ void escapeMarkup(std::string& text, bool keepReferences, const EntityTable* tab
   std::string out;
   out.reserve(text.size() + text.size() / 8 + 8);
   for (size_t i = 0; i < text.size();) {
-    const size_t length = markedLength(text, i);
+    const size_t length = unitAt(text, i);
     const char c = text[i];
     if (c == '"') {
       out.append("&quot;");
@@ -245,16 +280,16 @@ void restoreReferences(std::string_view marked, std::string& out, const Characte
   std::string raw;
   raw.reserve(marked.size() + marked.size() / 8);
   for (size_t i = 0; i < marked.size();) {
-    const size_t length = markedLength(marked, i);
+    const size_t length = unitAt(marked, i);
     const std::string_view unit = marked.substr(i, length);
-    const WideUnit wide = unit[0] == kQuadMark ? readWideUnit(unit) : WideUnit{};
-    if (wide.valid) {
+    if (length == 4) {
+      const WideUnit wide = readWideUnit(unit);
       appendReference(wide.code, wide.byName ? names : nullptr, raw);
-    } else if (unit[0] == kPairMark && length == 2) {
+    } else if (length == 2) {
       appendReference(static_cast<unsigned char>(unit[1]), names, raw);
     } else {
-      // CHOICE: a mark cut by the end of the text, or one that no conversion makes, came from the page as plain bytes
-      // and goes back as such.
+      // CHOICE: a mark byte that opens no unit came from the page as a plain byte and goes back as such, alone: the
+      // bytes behind it may be markup.
       raw.append(unit);
     }
     i += length;

@@ -39,6 +39,10 @@ class CharacterNames {
 // Hexadecimal references are not read. `length` may be null.
 int parseCharRef(std::string_view text, size_t offset, int* length);
 
+// Reads the reference that begins at the "&" at `amp`. Returns its length with the "&" and a following ";", and in
+// `meaning` what stands for it in the marked form; 0 for what is none, or is unknown.
+size_t readReference(std::string_view text, size_t amp, const EntityTable* table, std::string& meaning);
+
 // Raw text to marked text: replaces the references that begin in the `length` bytes from byte `start`. Unknown and
 // malformed ones stay as written. A range outside of the text is cut to it. Returns the change in length.
 int expandReferences(std::string& text, int start, int length, const EntityTable* table);

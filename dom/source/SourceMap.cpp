@@ -11,10 +11,9 @@
 #include <vector>
 
 #include "dom/document/Document.h"
-#include "dom/dtd/DocumentType.h"
+#include "dom/document/DocumentAccess.h"
 #include "dom/dtd/ElementDefinition.h"
-#include "dom/html/HTMLLexer.h"
-#include "dom/html/PageParser.h"
+#include "dom/html/TagReadings.h"
 #include "dom/source/CharHelpers.h"
 #include "dom/source/ImportMap.h"
 #include "dom/source/SourceWriter.h"
@@ -58,62 +57,6 @@ std::size_t characterLength(std::string_view text, std::size_t i, int codepage) 
 struct AttributePlace {
   Range name;
   Range value;
-};
-
-// Whether that text of an element's begin tag is a stretch of the page that the element comes from.
-bool isSourceOfPage(const Element* element, std::string_view tag) {
-  const Slice slice = ElementAccess::beginSlice(element);
-  return slice.length == tag.size() && slice.in(ElementAccess::page(element)).data() == tag.data();
-}
-
-// Reads tags of which no record of their attributes is left, as the parser read them or would read them.
-class TagReadings {
- public:
-  using Entries = std::vector<AttributeBlock::Entry>;
-
-  explicit TagReadings(Document* document)
-      : document_(document),
-        frame_(document && document->getDocumentTypeObject() ? document->getDocumentTypeObject()->getDTDFrame()
-                                                             : nullptr) {}
-  TagReadings(const TagReadings&) = delete;
-  TagReadings& operator=(const TagReadings&) = delete;
-  ~TagReadings() { close(); }
-
-  // Where in `page()` the begin tag stands, whose text is `tag`: in the page that the element comes from or, written
-  // anew, in one of its own.
-  Slice locate(const Element* element, std::string_view tag) {
-    if (isSourceOfPage(element, tag)) {
-      const PageRef& page = ElementAccess::page(element);
-      if (!lexer_ || lexer_->page().get() != page.get()) open(page);
-      return ElementAccess::beginSlice(element);
-    }
-    PageBuffer* own = PageBuffer::create(tag, nullptr, 0);
-    open(PageRef(own));
-    own->release();
-    return {0, static_cast<std::uint32_t>(tag.size())};
-  }
-  const PageRef& page() const { return lexer_->page(); }
-  // Valid until the next call.
-  const Entries& read(Slice tag, std::vector<Slice>* repeats = nullptr) {
-    return parser_->readAttributes(tag, repeats);
-  }
-
- private:
-  void open(const PageRef& page) {
-    close();
-    lexer_ = std::make_unique<HTMLLexer>(page, frame_);
-    parser_ = std::make_unique<PageParser>(*lexer_, frame_, nullptr, document_);
-  }
-  void close() {
-    if (parser_) parser_->keepNames();
-    parser_.reset();
-    lexer_.reset();
-  }
-
-  Document* document_;
-  ParserType::_dtd_frame* frame_;
-  std::unique_ptr<HTMLLexer> lexer_;
-  std::unique_ptr<PageParser> parser_;
 };
 
 int compareFolded(std::string_view a, std::string_view b) {
@@ -250,7 +193,7 @@ void SourceMap::Data::placeAttributes(Element* element, std::string_view tag, st
   };
   // The parser's record goes when a host asks for the attributes as objects.
   const AttributeBlock* block = ElementAccess::block(element);
-  if (block && isSourceOfPage(element, tag)) {
+  if (block && TagReadings::isSourceOfPage(element, tag)) {
     for (const AttributeBlock::Entry& entry : *block) place(entry, ElementAccess::beginSlice(element));
   } else {
     const Slice tagSlice = readings->locate(element, tag);
@@ -372,16 +315,18 @@ Range SourceMap::getAttributeValue(const Element* element, unsigned long index) 
 
 std::vector<SourceMap::Repeat> SourceMap::getRepeatedAttributes(const Element* element) const {
   std::vector<Repeat> found;
-  // A tag that is to be written anew states nothing twice.
-  if (!element || ElementAccess::isBeginTagDirty(element)) return found;
+  // A tag that is to be written anew states nothing twice, unless only what was edited changes.
+  if (!element) return found;
+  if (ElementAccess::isBeginTagDirty(element) && !DocumentAccess::keepsSource(element->getDocument())) return found;
   const std::string_view tag = ElementAccess::rawBeginTag(const_cast<Element*>(element));
   if (tag.empty() || tag.size() > kLongestTag) return found;
   TagReadings readings(element->getDocument());
   const Slice slice = readings.locate(element, tag);
-  std::vector<Slice> repeats;
-  readings.read(slice, &repeats);
+  PageParser::TagDetails details;
+  readings.read(slice, &details);
   const std::size_t begin = getBeginTag(element).begin;
-  for (const Slice name : repeats) {
+  for (const AttributeBlock::Entry& entry : details.repeats) {
+    const Slice name = entry.name;
     Repeat& repeat = found.emplace_back();
     repeat.name = name.in(readings.page());
     if (begin == NOWHERE) continue;

@@ -11,6 +11,18 @@
 
 namespace zeldom40 {
 
+namespace {
+
+// The end of the server code that begins at `at`; `at` itself if none does, or it has no end.
+std::size_t endOfServerCode(const std::string& value, std::size_t at) {
+  if (value.compare(at, 2, "<%") != 0) return at;
+  const std::string_view end = value.compare(at, 4, "<%--") == 0 ? "--%>" : "%>";
+  const std::size_t found = value.find(end, at + 2);
+  return found == std::string::npos ? at : found + end.size();
+}
+
+}  // namespace
+
 Attribute::Attribute(const std::string& name, const std::string& value, Element* owner)
     : document_(owner ? owner->getDocument() : nullptr), name_(name), owner_(owner) {
   takeValue(value);
@@ -32,7 +44,6 @@ Attribute::Attribute(const Attribute& other)
       error_(other.error_),
       type_(other.type_) {}
 
-// The quote that can hold the value; where neither can, the double quotes in it become references.
 void Attribute::takeValue(const std::string& value) {
   value_ = value;
   if (value_.empty()) {
@@ -42,17 +53,33 @@ void Attribute::takeValue(const std::string& value) {
   } else if (value_.find('\'') == std::string::npos) {
     quote_ = '\'';
   } else {
-    quote_ = '"';
-    std::string safe;
-    for (char c : value_) {
-      if (c == '"') {
-        safe += "&quot;";
-      } else {
-        safe += c;
-      }
-    }
-    value_ = std::move(safe);
+    takeQuotedValue();
   }
+}
+
+// The value holds both quotes. Those in server code end no value and must stand as they are. If neither quote can hold
+// the rest, the double quotes in that become references.
+void Attribute::takeQuotedValue() {
+  std::string rest;
+  std::string safe;
+  for (std::size_t at = 0; at < value_.size();) {
+    const std::size_t code = endOfServerCode(value_, at);
+    if (code > at) {
+      safe.append(value_, at, code - at);
+      at = code;
+      continue;
+    }
+    rest += value_[at];
+    if (value_[at] == '"') {
+      safe += "&quot;";
+    } else {
+      safe += value_[at];
+    }
+    ++at;
+  }
+  const bool hasDouble = rest.find('"') != std::string::npos;
+  quote_ = hasDouble && rest.find('\'') == std::string::npos ? '\'' : '"';
+  if (hasDouble && quote_ == '"') value_ = std::move(safe);
 }
 
 void Attribute::touchOwner() {

@@ -39,7 +39,7 @@ class ZELDOM40_API Attribute {
   const AttributeDefinition* getAttributeDefinition() const { return definition_; }
   // Both take an undo record when the owner is in its document's tree, and raise UPDATE_ATTRIBUTE_MODIFIED on it. The
   // source tag stays as it is until the owner's setBeginTagDirty. A value that holds both kinds of quotes is stored
-  // with `"` as "&quot;".
+  // with `"` as "&quot;", but for those in server code, which is kept as it is.
   void setName(const char* name);
   void setName(const std::string& name);
   void setValue(const char* value);
@@ -54,6 +54,7 @@ class ZELDOM40_API Attribute {
   friend struct AttributeAccess;
 
   void takeValue(const std::string& value);
+  void takeQuotedValue();
   void touchOwner();
   char getQuote() const { return quote_ ? quote_ : '"'; }
 
@@ -65,6 +66,7 @@ class ZELDOM40_API Attribute {
   char quote_ = 0;  // 0: not decided
   Element* owner_ = nullptr;
   bool specified_ = false;
+  bool listed_ = false;
   std::uint32_t error_ = 0;
   AttributeType type_ = ATTRIBUTE_UNDECLARED;
 };

@@ -13,7 +13,8 @@ class AttributeDefinition;
 
 // Immutable and counted: clones of an element share it. Attribute objects take its place when a host asks for them.
 // Its memory is the page's, to the end of the page: that saves a tag with attributes 250 instructions of the heap's.
-class AttributeBlock {
+// Saved states keep a tag in the lowest three bits of its address, as of those of names, pages and nodes.
+class alignas(8) AttributeBlock {
  public:
   struct Entry {
     const AttributeDefinition* definition;  // null for an undeclared attribute, whose name is then as written
@@ -23,6 +24,7 @@ class AttributeBlock {
   };
 
   static AttributeBlock* create(const PageRef& page, const Entry* entries, std::size_t count) {
+    static_assert(alignof(AttributeBlock) <= PageBuffer::kGrain && alignof(Entry) <= alignof(AttributeBlock));
     void* memory = page.get()->allocate(sizeof(AttributeBlock) + count * sizeof(Entry));
     auto* block = new (memory) AttributeBlock(page, static_cast<std::uint32_t>(count));
     for (std::size_t i = 0; i < count; ++i) new (const_cast<Entry*>(block->begin()) + i) Entry(entries[i]);

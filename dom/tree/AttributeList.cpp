@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "dom/document/Adoption.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/tree/AttributeAccess.h"
 #include "dom/tree/Element.h"
@@ -14,7 +15,7 @@ namespace zeldom40 {
 
 AttributeList::AttributeList(const AttributeList& other) {
   if (!other.attributes_) return;
-  for (const Attribute* attribute : *other.attributes_) vec().push_back(new Attribute(*attribute));
+  for (const Attribute* attribute : *other.attributes_) add(new Attribute(*attribute));
 }
 
 AttributeList::~AttributeList() {
@@ -57,20 +58,35 @@ const Attribute* AttributeList::item(unsigned long index) const {
 
 Attribute* AttributeList::setAttribute(Attribute* attribute) { return put(attribute, /*markDirty=*/true); }
 
+void AttributeList::add(Attribute* attribute) {
+  vec().push_back(attribute);
+  AttributeAccess::setListed(attribute, true);
+}
+
+// Two lists would delete it twice; what it refers to in another DOM may go before it.
+bool AttributeList::mayTake(Attribute* attribute) const {
+  if (AttributeAccess::isListed(attribute)) {
+    return attributes_ && std::find(attributes_->begin(), attributes_->end(), attribute) != attributes_->end();
+  }
+  return !owner_ || !owner_->getDocument() || isOfSameDOM(AttributeAccess::document(attribute), owner_->getDocument());
+}
+
 Attribute* AttributeList::put(Attribute* attribute, bool markDirty) {
-  if (!attribute) return nullptr;
+  if (!attribute || !mayTake(attribute)) return nullptr;
   AttributeAccess::setOwner(attribute, owner_);
+  if (owner_ && owner_->getDocument()) AttributeAccess::setDocument(attribute, owner_->getDocument());
   recordChange();
   std::vector<Attribute*>& list = vec();
   const auto present =
       std::find_if(list.begin(), list.end(), [&](const Attribute* a) { return a->getName() == attribute->getName(); });
   if (present == list.end()) {
-    list.push_back(attribute);
+    add(attribute);
   } else if (*present != attribute) {
     // One of this list that got the name of an earlier one moves up to its place.
     list.erase(std::remove(present, list.end(), attribute), list.end());
     delete *present;
     *present = attribute;
+    AttributeAccess::setListed(attribute, true);
   }
   noteChange(markDirty);
   return attribute;
@@ -85,6 +101,7 @@ Attribute* AttributeList::removeAttribute(const std::string& name, bool markDirt
     Attribute* removed = *it;
     attributes_->erase(it);
     AttributeAccess::setOwner(removed, nullptr);
+    AttributeAccess::setListed(removed, false);
     noteChange(markDirty);
     return removed;
   }
@@ -114,6 +131,11 @@ void AttributeList::merge(AttributeList* other) {
     }
   }
   other->attributes_->clear();
+}
+
+void AttributeList::setDocument(Document* document) {
+  if (!attributes_) return;
+  for (Attribute* attribute : *attributes_) AttributeAccess::setDocument(attribute, document);
 }
 
 void AttributeList::setOwner(Element* owner) {

@@ -10,6 +10,7 @@
 namespace zeldom40 {
 
 class Attribute;
+class Document;
 class Element;
 
 // Owns its attributes, in the order of insertion; a replacement keeps its place. Names are compared byte for byte, so
@@ -26,7 +27,8 @@ class ZELDOM40_API AttributeList {
   // The first attribute of that name, null if there is none. Borrowed.
   const Attribute* getAttribute(const std::string& name) const;
   // Takes `attribute` over and returns it: an attribute of the same name is deleted and replaced at its place, else the
-  // new one is appended. Null returns null. Marks the owner's begin tag dirty.
+  // new one is appended. Marks the owner's begin tag dirty. Null, with nothing changed, for null, for an attribute that
+  // stands in another list, and for one of another DOM: those stay whose they were.
   Attribute* setAttribute(Attribute* attribute);
   // The attribute at a 0-based index, which must be below getLength(); null only while the list was never filled.
   Attribute* item(unsigned long index);
@@ -46,6 +48,9 @@ class ZELDOM40_API AttributeList {
   // Moves all attributes of `other` here; same names are replaced in place.
   void merge(AttributeList* other);
   void setOwner(Element* owner);
+  void setDocument(Document* document);
+  bool mayTake(Attribute* attribute) const;
+  void add(Attribute* attribute);
   std::vector<Attribute*>& vec();
   void recordChange();
   void noteChange(bool markDirty);

@@ -1,6 +1,7 @@
 // Tags of elements: names, attributes, raw text and its rebuilding.
 #include "dom/tree/Element.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -14,6 +15,7 @@
 #include "dom/tree/AttributeList.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
+#include "dom/tree/TagRewriter.h"
 #include "dom/tree/Text.h"
 
 namespace zeldom40 {
@@ -243,7 +245,7 @@ AttributeList& Element::list() {
       AttributeAccess::setDefinition(attribute, entry.definition);
       attribute->setType(entry.definition ? Attribute::ATTRIBUTE_DECLARED : Attribute::ATTRIBUTE_UNDECLARED);
       AttributeAccess::setError(attribute, entry.error);
-      made->vec().push_back(attribute);
+      made->add(attribute);
     }
     attributesInBlock_ = false;
     attributes().list = made;
@@ -321,15 +323,16 @@ void Element::deleteAttribute(const std::string& name) {
 
 unsigned long ElementAccess::gatherAttributeErrors(Element* element) {
   unsigned long all = 0;
+  const bool losesRepeats = element->beginTagDirty_ && !element->keepsTags();
   if (element->attributesInBlock_) {
     for (const AttributeBlock::Entry& entry : *element->attributes().block) all |= entry.error;
-    if (element->beginTagDirty_ && (all & ERR_ATTR_VALUE_DUPLICATED)) element->list();
+    if (losesRepeats && (all & ERR_ATTR_VALUE_DUPLICATED)) element->list();
   }
   if (!element->attributesInBlock_ && element->attributes().list) {
     all = 0;
     for (unsigned long i = 0; i < element->attributes().list->getLength(); ++i) {
       Attribute* attribute = element->attributes().list->item(i);
-      if (element->beginTagDirty_ && (AttributeAccess::error(attribute) & ERR_ATTR_VALUE_DUPLICATED)) {
+      if (losesRepeats && (AttributeAccess::error(attribute) & ERR_ATTR_VALUE_DUPLICATED)) {
         element->noteChange();
         AttributeAccess::resetError(attribute, ERR_ATTR_VALUE_DUPLICATED);
       }
@@ -352,10 +355,25 @@ void ElementAccess::installAttributes(Element* element, AttributeBlock* block) {
 
 // --- dirty marks and raw tags ----------------------------------------------------------------------------------------
 
+// Whether what is edited of a tag leaves the rest of it as it stands.
+bool Element::keepsTags() const { return DocumentAccess::keepsSource(getDocument()) && !beginView().empty(); }
+
+// An end tag depends on its begin tag's name.
+void Element::dirtyTags() {
+  beginTagDirty_ = true;
+  if (keepsTags()) {
+    const std::string_view tag = beginView();
+    std::string name = writtenName();
+    upperCase(name);
+    if (equalsFolded(tag.substr(std::min<std::size_t>(1, tag.size()), name.size()), name)) return;
+    if (endView().empty()) return;
+  }
+  endTagDirty_ = true;
+}
+
 void Element::setBeginTagDirty() {
   noteChange();
-  // An end tag depends on its begin tag's name.
-  beginTagDirty_ = endTagDirty_ = true;
+  dirtyTags();
   NodeAccess::noteEdit(this);
 }
 
@@ -430,7 +448,9 @@ const std::string& Element::getRawEndTag() const {
 void Element::checkContentChange() {
   if (!(getElementGroup() & GROUP_XML_TAG) || contentAtTag_ == hasChildNodes()) return;
   noteChange();
-  beginTagDirty_ = endTagDirty_ = true;
+  beginTagDirty_ = true;
+  // A tag that closed itself needs an end tag now; other end tags stay where they may.
+  if (!keepsTags() || (hasChildNodes() && endView().empty() && beginView().ends_with("/>"))) endTagDirty_ = true;
 }
 
 // In a document that is not HTML nothing is known of names, so any tag may be written anew, but no builder could make
@@ -459,19 +479,42 @@ void Element::refreshTag() {
   const bool defined = elementType_ == ELEMENT_DEFINED;
   // KEPT: unknown tags of an HTML page keep their source for ever, and <% %> is never rebuilt from attributes.
   if ((defined && (!(getElementGroup() & GROUP_SCRIPT_DATA) || alternative_)) || rebuildsAlways()) {
-    extra().begin = buildBeginTag();
-    held_.extra->beginOwn = true;
-    contentAtTag_ = hasChildNodes();
-    NodeAccess::raiseFlag(this, UPDATE_CONTENT_MODIFIED);
+    storeBeginTag(rebuildBeginTag());
   }
   beginTagDirty_ = false;
+}
+
+void Element::storeBeginTag(std::string tag) {
+  extra().begin = std::move(tag);
+  held_.extra->beginOwn = true;
+  contentAtTag_ = hasChildNodes();
+  NodeAccess::raiseFlag(this, UPDATE_CONTENT_MODIFIED);
+}
+
+void ElementAccess::respellBeginTag(Element* element) {
+  if (!element->keepsTags()) return element->setBeginTagDirty();
+  std::string tag;
+  if (!rewriteBeginTag(*element, element->beginView(), TagRewriting::KEEP_SPELLED, tag)) {
+    tag = element->buildBeginTag();
+  }
+  element->noteChange();
+  element->storeBeginTag(std::move(tag));
+  NodeAccess::noteEdit(element);
+}
+
+void ElementAccess::remakeBeginTag(Element* element) {
+  if (!element->keepsTags()) return element->setBeginTagDirty();
+  element->noteChange();
+  element->storeBeginTag(element->buildBeginTag());
+  NodeAccess::noteEdit(element);
 }
 
 void Element::refreshEndTag() {
   if (!endTagDirty_) checkContentChange();
   if (!endTagDirty_) return;
   noteChange();
-  if (elementType_ == ELEMENT_DEFINED || rebuildsAlways()) {
+  const bool holdsCode = endView().find('<', 1) != std::string_view::npos;
+  if (!holdsCode && (elementType_ == ELEMENT_DEFINED || rebuildsAlways())) {
     extra().end = buildEndTag();
     held_.extra->endOwn = true;
     contentAtTag_ = hasChildNodes();
@@ -480,11 +523,34 @@ void Element::refreshEndTag() {
   endTagDirty_ = false;
 }
 
+// The name of its tags as the definition spells it.
+std::string Element::writtenName() const {
+  if (!definition()) return getName();
+  std::string name = definition()->getName();
+  constexpr unsigned long kLowerCaseContent = 0x10000000;
+  const Element* parent = asElement(getParentNode());
+  if (parent && (parent->getElementGroup() & kLowerCaseContent)) lowerCase(name);
+  return name;
+}
+
+// With regard to the tag that stands there.
+std::string Element::rebuildBeginTag() const {
+  std::string tag;
+  if (keepsTags() && rewriteBeginTag(*this, beginView(), TagRewriting::KEEP, tag)) return tag;
+  return buildBeginTag();
+}
+
 std::string Element::buildBeginTag() const {
+  // Rare; what a quoted value holds does not matter.
+  std::string tag;
+  if (beginView().find('<', 1) != std::string_view::npos &&
+      rewriteBeginTag(*this, beginView(), TagRewriting::AROUND_CODE, tag)) {
+    return tag;
+  }
   const unsigned long group = getElementGroup();
   const bool directive = (group & GROUP_DIRECTIVE) && !alternative_;
   std::string_view name = definition() ? std::string_view(definition()->getName()) : std::string_view(getName());
-  std::string tag = "<";
+  tag = "<";
   if (directive) {
     tag += "%@";
     if (elementID_ != ID_JSP_DIRECTIVE) {
@@ -498,14 +564,8 @@ std::string Element::buildBeginTag() const {
     const std::size_t colon = name.find(':');
     if (definition() && colon != std::string_view::npos) name.remove_prefix(colon + 1);
     tag += name;
-  } else if (definition()) {
-    std::string written(name);
-    const Element* parent = asElement(getParentNode());
-    constexpr unsigned long kLowerCaseContent = 0x10000000;
-    if (parent && (parent->getElementGroup() & kLowerCaseContent)) lowerCase(written);
-    tag += written;
   } else {
-    tag += name;
+    tag += writtenName();
   }
   if (const AttributeList* attributes = getAttributes()) {
     for (unsigned long i = 0; i < attributes->getLength(); ++i) {
@@ -522,6 +582,10 @@ std::string Element::buildBeginTag() const {
       tag += quote;
     }
   }
+  // What ended a tag that once ended in server code is text behind it.
+  if (extraOrNull() && held_.extra->beginOwn && !held_.extra->begin.empty() && !held_.extra->begin.ends_with('>')) {
+    return tag;
+  }
   if (directive) {
     tag += " %";
   } else if (group & GROUP_SSI) {
@@ -535,8 +599,9 @@ std::string Element::buildBeginTag() const {
 
 std::string Element::buildEndTag() const {
   const unsigned long group = getElementGroup();
-  if (isEmptyTag() || (group & GROUP_ITEM)) return {};
-  if ((group & GROUP_XML_TAG) && !hasChildNodes()) return {};
+  const bool keeps = DocumentAccess::keepsSource(getDocument()) && !endView().empty();
+  if (isEmptyTag() || (group & GROUP_ITEM)) return keeps ? std::string(endView()) : std::string();
+  if ((group & GROUP_XML_TAG) && !hasChildNodes() && !keeps) return {};
   if ((group & GROUP_SCRIPT_DATA) && !alternative_) return {};
   return "</" + (definition() ? definition()->getName() : getName()) + ">";
 }

@@ -50,7 +50,8 @@ class ZELDOM40_API Element : public Node {
     noteChange();
     elementType_ = static_cast<std::uint8_t>(type) & 3;
   }
-  // The tag name, upper case for elements of a page. Lives until setName.
+  // The tag name, upper case for elements of a page. Lives until setName, which is the one way to change it: many nodes
+  // share one name, so there is on purpose no form of this that a host could write through.
   const std::string& getTagName() const { return getName(); }
   // The live list, made on first need; owned by the element. Null while there are no attributes.
   AttributeList* getAttributes() const;
@@ -91,12 +92,15 @@ class ZELDOM40_API Element : public Node {
   void setHidden(bool) {}
   bool canHaveATV() const;
 
-  // A changed name or attribute shows in both tags; setEndTagDirty concerns the end tag alone. As all edits, both make
-  // the metadata of this element and of all around it stale.
+  // A changed name or attribute shows in both tags (under DOM::Rewriting::KEEP the end tag changes with the name
+  // alone); setEndTagDirty concerns the end tag alone. As all edits, both make the metadata of this element and of all
+  // around it stale.
   void setBeginTagDirty();
   void setEndTagDirty();
-  // The source text; a dirty tag is written anew first, which raises UPDATE_CONTENT_MODIFIED. KEPT: tags unknown to the
-  // DTD and <% %> forms of an HTML document keep their text for ever. Lives until the next read or change of this tag.
+  // The source text; a dirty tag is written anew first, as DOM::getRewriting says, which raises
+  // UPDATE_CONTENT_MODIFIED. Server code that stands between the attributes ends the tag: it stays last, and the tag
+  // gets no ">" that it did not have. An end tag with server code is not written anew. KEPT: tags unknown to the DTD
+  // and <% %> forms of an HTML document keep their text for ever. Lives until the next read or change of this tag.
   const std::string& getRawBeginTag() const;
   const std::string& getRawEndTag() const;
   // Store a text as it stands; the dirty marks stay.
@@ -117,7 +121,8 @@ class ZELDOM40_API Element : public Node {
   // Null for an element that is saved as it stands. Owned by the element.
   MetaData* getMetaData() const;
   // Takes over one reference of `md`; the present one is unlinked and released. One that belongs to another element is
-  // copied, and keeps its reference. Null: none.
+  // copied, and keeps its reference. Null: none. One of another DOM, one that stands in a child list, and one whose
+  // visual holds this element are not taken: nothing changes.
   void setMetaData(MetaData* md);
   // Whether the server makes the element: one of ZELX:TEXT, ZELX:LOOP and ZELX:PROPERTY, or an element that is declared
   // to have DYNAMICELEMENT and has it.
@@ -131,7 +136,8 @@ class ZELDOM40_API Element : public Node {
   // The ZELX:ATV element that shows this one to the author; null if there is none.
   Element* getATV() const;
   // Takes over one reference of `atv`, or drops the visual for null. False, with nothing changed, for another element,
-  // for metadata of another type, and without a document.
+  // for one that has a parent, that shows another element, that this one stands in, or that is of another DOM, for
+  // metadata of another type, and without a document.
   bool setATV(Element* atv);
 
  private:
@@ -152,6 +158,11 @@ class ZELDOM40_API Element : public Node {
   void refreshEndTag();
   void checkContentChange();
   bool rebuildsAlways() const;
+  std::string writtenName() const;
+  bool keepsTags() const;
+  void dirtyTags();
+  void storeBeginTag(std::string tag);
+  std::string rebuildBeginTag() const;
   std::string buildBeginTag() const;
   std::string buildEndTag() const;
   bool isHtmlOrLost() const;

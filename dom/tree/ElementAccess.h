@@ -90,6 +90,20 @@ struct ElementAccess {
   static Element* createUntouched(Document* document, const SharedName& name, ElementDefinition* definition,
                                   const PageRef& page, Slice begin, unsigned flags);
   static void setEndSlice(Element* element, Slice end) { element->endTag_ = end; }
+  // Whether a page has its begin tag, however that was edited since.
+  static bool hasSourceTag(const Element* element) { return element->beginTag_.length > 0; }
+  // Whether it was empty when its tags were stored.
+  static bool wasEmpty(const Element* element) { return !element->contentAtTag_; }
+  // The name with which its tags are written.
+  static std::string writtenName(const Element* element) { return element->writtenName(); }
+  // Whether it had content when its tags were stored, and has neither that nor an end tag now.
+  static bool hasLostContent(const Element* element) {
+    return element->contentAtTag_ && !element->hasChildNodes() && element->endView().empty();
+  }
+  // For a repair: the tag is written anew at the next reading, under KEEP with the names alone spelled as declared, or,
+  // if it could not be read, altogether.
+  static void respellBeginTag(Element* element);
+  static void remakeBeginTag(Element* element);
   static ElementDefinition* definition(const Element* element) { return element->definition(); }
   // Whether a block of attributes is all that its end must give back.
   static bool isBare(const Element* element) {
@@ -115,6 +129,10 @@ struct ElementAccess {
     if (!element->endView().empty()) return;
     element->noteChange();
     element->endTagDirty_ = true;
+  }
+  // The attributes learn of the element's new document.
+  static void adoptAttributes(Element* element, Document* to) {
+    if (!element->attributesInBlock_ && element->attributes().list) element->attributes().list->setDocument(to);
   }
   // Moves all attributes of `from` to the element.
   static void takeAttributes(Element* element, AttributeList* from) { element->list().merge(from); }

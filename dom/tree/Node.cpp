@@ -1,13 +1,14 @@
 // Child list, reference counts, update flags and tree questions of the node base.
 #include "dom/tree/Node.h"
 
-#include <algorithm>
 #include <cassert>
 #include <typeinfo>
 
+#include "dom/document/Adoption.h"
 #include "dom/document/Document.h"
 #include "dom/document/DocumentAccess.h"
 #include "dom/document/SnapshotChunk.h"
+#include "dom/dynamic/MetaDataAccess.h"
 #include "dom/tree/ElementAccess.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/NodeIterator.h"
@@ -16,6 +17,7 @@
 
 namespace zeldom40 {
 
+static_assert(alignof(Node) <= NodePool::kGrain);
 void* Node::operator new(std::size_t size) { return NodePool::allocate(size); }
 void Node::operator delete(void* memory, std::size_t size) { NodePool::release(memory, size); }
 
@@ -57,6 +59,7 @@ void NodeAccess::cutLoose(Node* node) {
     if (--list->count == 0) delete list;
   }
   // Only a host that deletes an attached node by hand comes here; the parent must not keep a dead child.
+  if (MetaData* md = MetaDataAccess::ofVisual(node)) md->takeATV();
   if (node->parent_) unlinkChild(node->parent_, node);
   // Who still points here is given a living neighbour.
   Node* left = node->prev_;
@@ -85,7 +88,15 @@ int Node::dropRef(bool deep) {
   return --refCount_;
 }
 
+// The tree's own reference of its root goes with the tree alone, for the document would not know.
+bool NodeAccess::isLastOfRoot(const Node* node) {
+  if (node->refCount_ != 1 || node->parent_ || node->nodeType_ != Node::NODE_ELEMENT) return false;
+  Document* const document = node->getDocument();
+  return DocumentAccess::isLive(document) && document->getDocumentElement() == node;
+}
+
 int Node::releaseRef(bool deep) {
+  if (NodeAccess::isLastOfRoot(this)) return refCount_;
   const int left = dropRef(deep);
   if (left > 0) return left;
   if (parent_ && parent_->getDocument() && !DocumentAccess::isLive(parent_->getDocument())) {
@@ -99,13 +110,16 @@ int Node::releaseRef(bool deep) {
 }
 
 // The nodes of a subtree that lives on learn that they left their tree, as setUpdateFlag would tell them, and lose a
-// reference each. No parent is asked twice.
+// reference each. No parent is asked twice. A node that is held below one that nobody holds is on its own from now on:
+// that one is no more than memory of what is held around it.
 void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
+  std::vector<Node*> orphans;
   for (Node* n = top; n; n = nextInSubtree(n, top)) {
     if (n != top || alsoTop) {
       if (n->refCount_ > 0 && !n->edited_) noteEdit(n);
       addFlags(n, Node::UPDATE_REMOVED);
       --n->refCount_;
+      if (n != top && n->refCount_ > 0 && n->parent_->refCount_ < 1) orphans.push_back(n);
     }
     if (!n->getFirstChild() || (n->updateFlags_ & Node::UPDATE_CHILD_MODIFIED)) continue;
     if (n->nodeType_ == Node::NODE_META_DATA) {
@@ -114,6 +128,7 @@ void NodeAccess::tellRemoved(Node* top, bool alsoTop) {
       addFlags(n, Node::UPDATE_CHILD_MODIFIED);
     }
   }
+  for (Node* n : orphans) detachRange(n->parent_, n, n);
 }
 
 void NodeAccess::releaseRemoved(Node* top) {
@@ -142,11 +157,13 @@ inline std::pair<Node*, Node*> NodeAccess::takeChildren(Node* node) {
 std::pair<Node*, Node*> NodeAccess::takeListedChildren(Node* node) {
   if (node->listIsTruth_) {
     Node* before = nullptr;
-    for (Node* child : listOf(node)->list) {
-      setPrev(child, nullptr);
-      setNext(child, nullptr);
+    const ChildIndex& list = listOf(node)->list;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      setPrev(list[i], nullptr);
+      setNext(list[i], nullptr);
     }
-    for (Node* child : listOf(node)->list) {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      Node* child = list[i];
       child->prev_ = before;
       if (before) before->next_ = child;
       before = child;
@@ -391,18 +408,23 @@ Node::Branch& NodeAccess::ownBranchOfLeaf(const Node* node) { return node->ownSt
 ChildListHolder* NodeAccess::holder(const Node* node) {
   if (node->hasList_) return node->branch().list;
   auto* holder = new ChildListHolder;
-  for (Node* child = node->getFirstChild(); child; child = child->next_) holder->list.push_back(child);
+  std::vector<Node*> children;
+  for (Node* child = node->getFirstChild(); child; child = child->next_) children.push_back(child);
+  holder->list.insert(0, children);
+  holder->list.settle();
   holder->last = node->getLastChild();
   ownBranch(node).list = holder;
   node->hasList_ = true;
   return holder;
 }
 
-// A change before the end of a list that nobody else looks at drops it: keeping it in step would cost its length each
-// time, and the next question about an index makes it again.
-void NodeAccess::forgetList(Node* parent) {
+// A change before the end of a list comes. A list that nobody has asked for an index since changes to it took about the
+// effort of making it goes: the next question makes it again.
+void NodeAccess::tireOfList(Node* parent) {
+  constexpr std::size_t kLeastEffort = 64;
   ChildListHolder* list = listOf(parent);
   if (!list || list->count != 1 || parent->listIsTruth_) return;
+  if (list->list.effort() < kLeastEffort + list->list.size()) return;
   parent->hasList_ = false;
   setLast(parent, list->last);
   delete list;
@@ -414,17 +436,14 @@ void NodeAccess::trustList(Node* parent) {
   parent->listIsTruth_ = true;
 }
 
-std::size_t NodeAccess::indexInList(const Node* child) {
-  const std::vector<Node*>& list = listOf(child->parent_)->list;
-  return static_cast<std::size_t>(std::find(list.begin(), list.end(), child) - list.begin());
-}
+std::size_t NodeAccess::indexInList(const Node* child) { return listOf(child->parent_)->list.find(child); }
 
 // Two children that know one another are neighbours in the list too, so that only the broken places cost a search.
 Node* NodeAccess::childAfterByList(const Node* child) {
   Node* next = child->next_;
   if (next && next->parent_ == child->parent_ && next->prev_ == child) return next;
   if (child == child->parent_->getLastChild()) return nullptr;
-  const std::vector<Node*>& list = listOf(child->parent_)->list;
+  const ChildIndex& list = listOf(child->parent_)->list;
   const std::size_t index = indexInList(child) + 1;
   return index < list.size() ? list[index] : nullptr;
 }
@@ -477,20 +496,44 @@ NodeIterator Node::getChildNodes() const { return NodeIterator(NodeAccess::holde
 int Node::getChildIndex(Node* child) {
   if (!child || child->parent_ != this) return -1;
   if (child == getFirstChild()) return 0;
-  const std::vector<Node*>& list = NodeAccess::childList(this);
+  const ChildIndex& list = NodeAccess::childList(this);
   if (child == getLastChild()) return static_cast<int>(list.size()) - 1;
-  return static_cast<int>(NodeAccess::indexInList(child));
+  const auto index = static_cast<int>(list.find(child));
+  // The effort of the question is no reason to give the list up.
+  NodeAccess::childList(this);
+  return index;
 }
 
 Node* Node::getChildNode(int index) {
   if (!hasChildNodes()) return nullptr;
-  const std::vector<Node*>& list = NodeAccess::childList(this);
+  const ChildIndex& list = NodeAccess::childList(this);
   // KEPT: callers step one past either end and count on getting the last child.
   if (index < 0 || static_cast<std::size_t>(index) >= list.size()) return list.back();
   return list[static_cast<std::size_t>(index)];
 }
 
 // --- insertion -------------------------------------------------------------------------------------------------------
+
+// Whether a node may be a child at all: a document holds a tree and stands in none, and metadata that belongs to an
+// element is held by that.
+bool NodeAccess::isChildKind(Node* node) {
+  if (node->nodeType_ == Node::NODE_META_DATA) return !static_cast<MetaData*>(node)->getElement();
+  return node->nodeType_ != Node::NODE_NONE || !dynamic_cast<Document*>(node);
+}
+
+// Whether `node`, which has no parent, is `parent` or holds it, in a visual too. `top` is the topmost node over
+// `parent`, null until it was asked for.
+bool NodeAccess::isTopAbove(const Node* node, const Node* parent, const Node*& top) {
+  const bool holdsVisual =
+      node->nodeType_ == Node::NODE_META_DATA ||
+      (node->nodeType_ == Node::NODE_ELEMENT && ElementAccess::metaData(static_cast<const Element*>(node)));
+  if (!node->getFirstChild() && !holdsVisual) return node == parent;
+  if (!top) {
+    top = parent;
+    while (const Node* up = above(top)) top = up;
+  }
+  return node == top;
+}
 
 // A call of the library's own brings one node that is known to be no ancestor, and its record is taken care of.
 // `left` and `right` are the nodes that the run is linked to; `ref` and `behindRef` give the place in the list (null:
@@ -501,21 +544,20 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   // A run ends before the first node that has a parent (a stray of replaceChild points into a live list), and before
   // a node that would come to stand below itself.
   if (head->parent_ || head == parent) return head;
+  // So does one before a node of another DOM; one of another document becomes one of this.
   const Node* top = nullptr;
-  auto holdsParent = [&](const Node* node) {
-    if (!node->getFirstChild()) return node == parent;
-    if (!top) {
-      for (top = parent; top->parent_;) top = top->parent_;
-    }
-    return node == top;
+  Document* const document = byHost ? documentAround(parent) : nullptr;
+  auto isTaken = [&](Node* node) {
+    return isChildKind(node) && !isTopAbove(node, parent, top) &&
+           (node->getDocument() == document || adoptNodes(node, document));
   };
-  if (byHost && holdsParent(head)) return head;
+  if (byHost && !isTaken(head)) return head;
 
   if (byHost && parent->getDocument()) parent->getDocument()->recordChange(parent);
 
   Node* end = head;
   while (how != OF_ONE && how != AGAIN && end->next_ && !end->next_->parent_ && end->next_ != head &&
-         !(byHost && holdsParent(end->next_))) {
+         (!byHost || isTaken(end->next_))) {
     end = end->next_;
   }
 
@@ -545,7 +587,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   link(left, head);
   link(end, right);
 
-  if (!(ref ? behindRef && ref == parent->getLastChild() : behindRef)) forgetList(parent);
+  if (!(ref ? behindRef && ref == parent->getLastChild() : behindRef)) tireOfList(parent);
   std::size_t index = 0;
   if (listOf(parent)) {
     const std::size_t size = listOf(parent)->list.size();
@@ -562,8 +604,7 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
       run.push_back(n);
       if (n == end) break;
     }
-    std::vector<Node*>& list = listOf(parent)->list;
-    list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), run.begin(), run.end());
+    listOf(parent)->list.insert(index, run);
   }
   parent->noteChange();
   // What comes may have been edited before, and would not climb any more.
@@ -632,7 +673,7 @@ void NodeAccess::append(Node* parent, Node* child) {
   parent->noteChange();
   child->noteChange();
   attachRestored(parent, child);
-  if (listOf(parent)) listOf(parent)->list.push_back(child);
+  if (listOf(parent)) listOf(parent)->list.append(child);
   if (parent->updateFlags_ & Node::UPDATE_ADDED) {
     child->noteUpdate(Node::UPDATE_ADDED);
     addFlags(child, Node::UPDATE_ADDED);
@@ -657,16 +698,11 @@ void NodeAccess::unlinkChild(Node* parent, Node* child) {
   noteLoss(parent, before, child);
   if (parent->getFirstChild() == child) setFirst(parent, after);
   if (parent->getLastChild() == child) setLast(parent, before);
-  if (after) forgetList(parent);
+  if (after) tireOfList(parent);
   if (listOf(parent)) {
-    std::vector<Node*>& list = listOf(parent)->list;
-    if (!list.empty() && list.back() == child) {
-      list.pop_back();
-    } else if (!list.empty() && list.front() == child) {
-      list.erase(list.begin());
-    } else {
-      list.erase(list.begin() + static_cast<std::ptrdiff_t>(indexInList(child)));
-    }
+    const std::size_t index = indexInList(child);
+    assert(index < listOf(parent)->list.size());
+    listOf(parent)->list.erase(index, 1);
   }
   if (parent->listIsTruth_) {
     // A neighbour that was isolated by hand may still point here.
@@ -709,6 +745,7 @@ Node* Node::removeChild(Node* child) {
   if (!child) return nullptr;
   if (child->parent_ && child->parent_ != this) return child;
   if (getDocument()) getDocument()->recordChange(this);
+  if (MetaData* md = MetaDataAccess::ofVisual(child)) return MetaDataAccess::giveVisualUp(*md);
   if (NodeAccess::movesPlaces(this)) getDocument()->adjustCursorOnRemove(child);
   NodeAccess::detach(child);
   return child;
@@ -718,26 +755,25 @@ Node* NodeAccess::detachRange(Node* parent, Node* first, Node* last) {
   Node* before = childBefore(first);
   Node* after = childAfter(last);
   noteLoss(parent, before, first);
-  if (after) forgetList(parent);
+  if (after) tireOfList(parent);
   if (listOf(parent)) {
-    std::vector<Node*>& list = listOf(parent)->list;
-    const auto from = static_cast<std::ptrdiff_t>(first == list.front() ? 0 : indexInList(first));
-    const auto to = last == list.back() ? static_cast<std::ptrdiff_t>(list.size())
-                                        : static_cast<std::ptrdiff_t>(indexInList(last)) + 1;
+    ChildIndex& list = listOf(parent)->list;
+    const std::size_t from = indexInList(first);
+    const std::size_t to = indexInList(last) + 1;
     if (parent->listIsTruth_) {
       // The links inside the range may be anything; what leaves is a proper run.
       for (auto i = from; i < to; ++i) {
-        setPrev(list[static_cast<std::size_t>(i)], nullptr);
-        setNext(list[static_cast<std::size_t>(i)], nullptr);
+        setPrev(list[i], nullptr);
+        setNext(list[i], nullptr);
       }
       for (auto i = from + 1; i < to; ++i) {
-        Node* left = list[static_cast<std::size_t>(i) - 1];
-        Node* right = list[static_cast<std::size_t>(i)];
+        Node* left = list[i - 1];
+        Node* right = list[i];
         left->next_ = right;
         right->prev_ = left;
       }
     }
-    list.erase(list.begin() + from, list.begin() + to);
+    list.erase(from, to - from);
   }
   setPrev(first, nullptr);
   setNext(last, nullptr);
@@ -783,7 +819,10 @@ Node* Node::replaceChild(Node* oldChild, Node* newChild) {
   Node* prev = oldChild->prev_;
   Node* next = oldChild->next_;
   // CHOICE: a node that hangs in a tree, or an ancestor of this one, is not linked in: its own list would break.
-  const bool linkable = newChild && !newChild->parent_ && !isOffspringOf(newChild) && oldChild->parent_ == this;
+  // Nor is a node of another DOM, or what can be nobody's child.
+  const bool linkable = newChild && !newChild->parent_ && !isOffspringOf(newChild) && oldChild->parent_ == this &&
+                        NodeAccess::isChildKind(newChild) &&
+                        (!documentAround(this) || isOfSameDOM(newChild->getDocument(), documentAround(this)));
   removeChild(oldChild);
   if (!linkable) return oldChild;
   if (prev == newChild) prev = newChild->prev_;

@@ -40,6 +40,8 @@ constexpr unsigned long ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST = 0x8000;
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE = 0x10000;
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE_ATTR = 0x20000;
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE_END = 0x40000;
+// Of a document type declaration: some of what its subset declares was not read; see DocumentType::isCut. A warning.
+constexpr unsigned long ERR_PI_SUBSET_CUT = 0x80000;
 // Not a bit of its own: the two case bits of a begin tag together.
 constexpr unsigned long ERR_ELEMENT_INVALID_CASE_BEGIN = 0x30000;
 // The mask of all bits that call for a repair; a document carries it whole or not at all.
@@ -99,7 +101,8 @@ class ZELDOM40_API Node {
   // Drops one reference (of the whole subtree if `deep`) and deletes nothing, even at zero. Returns the new count.
   virtual int dropRef(bool deep);
   // Drops one reference (of the whole subtree if `deep`); at zero removes the node from its parent and deletes it.
-  // Returns the new count; after 0 the pointer is dead.
+  // Returns the new count; after 0 the pointer is dead. The last reference of a document's root is the document's: it
+  // stays, and 1 is returned (Document::deleteNodes ends a tree).
   virtual int releaseRef(bool deep);
   // The first node below this one whose name equals that of `name`, or null. Model groups and tokens look further,
   // through the elements of `definitions` whose start tag may be omitted, and record the way in `path`; both may be
@@ -119,6 +122,7 @@ class ZELDOM40_API Node {
   // Adds `bits` to the error word. A severe bit gives the document the whole ERR_DOC_SEVERE_PARSE_ERROR mask.
   virtual void setError(unsigned long bits);
   // Raises one UPDATE_* flag here; ancestors learn of it as UPDATE_CHILD_MODIFIED, up to the first that has that flag.
+  // A node keeps the lower 16 bits of flags; bits above are not kept.
   virtual void setUpdateFlag(unsigned long flag);
   virtual unsigned long getUpdateFlag() const;
   // Zeroes the flags of this node and of its subtree. A node without flags counts as clean and is not descended into.
@@ -126,7 +130,8 @@ class ZELDOM40_API Node {
   // A copy with count 0 in no tree, with copies of all descendants if `deep`. The caller gives it its references.
   virtual Node* makeClone(bool deep) const;
 
-  // The document that the node was made for, in its tree or not; null for the objects of a DTD. Not owned.
+  // The document that the node was made for or was last inserted in, in its tree or not; null for the objects of a DTD.
+  // Not owned.
   Document* getDocument() const { return kind_ ? kind_->document : nullptr; }
   void setDocument(Document* document);
   unsigned long getError() const { return error_; }
@@ -143,13 +148,19 @@ class ZELDOM40_API Node {
 
   // Inserts `newNode`, or the detached run of siblings that it heads, as last or first children, or next to `ref`.
   // A null `ref` means last for insertBefore and first for insertAfter; a `ref` that is no child changes nothing.
-  // A node that already has a parent, or that is this node or an ancestor of it, is not inserted.
-  // Returns `newNode`; takes no reference. Cursor and selections are the caller's to adjust.
+  // A node that already has a parent, or that is this node or an ancestor of it (the element of a visual that this node
+  // stands in, too), is not inserted, nor is a Document, or a MetaData that belongs to an element.
+  // A node of another document of this DOM becomes one of this node's document, with its attributes, its metadata and
+  // all below it; that document's cursor and selections leave it. A node of another DOM, or of a document that is gone,
+  // is not inserted: its definitions are that DOM's. Take its source over with Document::createNodes.
+  // A run ends before the first node that is not inserted. Returns `newNode`, whose parent tells; takes no reference.
+  // Cursor and selections are the caller's to adjust.
   Node* insertLast(Node* newNode);
   Node* insertFirst(Node* newNode);
   Node* insertBefore(Node* newNode, Node* ref);
   Node* insertAfter(Node* newNode, Node* ref);
-  // Detaches `child` and returns it; its count stays. A node that is no child is returned untouched.
+  // Detaches `child` and returns it; its count stays. A node that is no child is returned untouched. Of a MetaData that
+  // shows `child` as the visual of an element, the visual is taken; the element has none then.
   Node* removeChild(Node* child);
   // Detaches the children from `first` to `last` (null: the first, the last child; in either order) and returns them
   // as a run linked by getNextSibling. Null if there are no children or one argument is no child.
@@ -254,7 +265,8 @@ class ZELDOM40_API Node {
 
   static const Branch kNoBranch;
 
-  NodeKind* kind_ = nullptr;
+  // Aligns the node: saved states keep a tag in the lowest three bits of its address.
+  alignas(8) NodeKind* kind_ = nullptr;
   Node* parent_ = nullptr;
   Node* next_ = nullptr;
   Node* prev_ = nullptr;

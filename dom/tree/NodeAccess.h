@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "dom/tree/ChildIndex.h"
 #include "dom/tree/Node.h"
 #include "dom/tree/NodeIterator.h"
 #include "dom/tree/NodePool.h"
@@ -14,14 +15,14 @@ class Element;
 
 // A child list by index, shared by its node and the iterators over it.
 struct ChildListHolder {
-  std::vector<Node*> list;
+  ChildIndex list;
   Node* last = nullptr;  // of the node
   int count = 1;
 };
 
 // Sibling and child links are the truth about a tree, so that a leaf costs nothing and moving a run costs nothing. The
-// list by index is made by the first question about indices and kept in step from then on. Two calls (isolate on an
-// attached node, replaceChild) leave links that no longer tell the list; its parent then asks the list
+// list by index is made by the first question about indices and kept in step while such questions come. Two calls
+// (isolate on an attached node, replaceChild) leave links that no longer tell the list; its parent then asks the list
 // (`listIsTruth_`).
 struct NodeAccess {
   // --- plain fields -------------------------------------------------------------------------------------------------
@@ -65,6 +66,11 @@ struct NodeAccess {
   // The next node on the way up: from a MetaData that belongs to an element on to that element.
   static Node* above(const Node* node) {
     return node->nodeType_ == Node::NODE_META_DATA ? aboveMetaData(node) : node->parent_;
+  }
+  // Whether `ancestor` is `node` or holds it, in a visual too.
+  static bool isAtOrAbove(const Node* ancestor, const Node* node) {
+    while (node && node != ancestor) node = above(node);
+    return node != nullptr;
   }
   // The metadata of `element`, which has some, is stale, unless a parse is sorting out its nodes.
   static void makeStale(Element* element);
@@ -152,14 +158,19 @@ struct NodeAccess {
   }
   // One more child for a node whose children are about to be destroyed with it.
   static void hangOnDying(Node* parent, Node* child) {
-    if (ChildListHolder* list = listOf(parent)) list->list.push_back(child);
+    if (ChildListHolder* list = listOf(parent)) list->list.append(child);
     attachRestored(parent, child);
   }
   static void clearFlags(Node* node) { node->updateFlags_ = 0; }
   // Links a clone below its parent clone; the flags are what the insertion calls would have left.
   static void adoptClone(Node* parent, Node* child);
 
-  static const std::vector<Node*>& childList(const Node* node) { return holder(node)->list; }
+  // Asked for because somebody needs an index.
+  static const ChildIndex& childList(const Node* node) {
+    ChildIndex& list = holder(node)->list;
+    list.settle();
+    return list;
+  }
   static NodeIterator makeResults(std::vector<Node*>* results) { return NodeIterator(results); }
 
  private:
@@ -187,13 +198,16 @@ struct NodeAccess {
   static void link(Node* left, Node* right);
   static Node* aboveMetaData(const Node* node);
   static void trustList(Node* parent);
-  static void forgetList(Node* parent);
+  static void tireOfList(Node* parent);
   static Node* insertRun(Node* parent, Node* head, Node* left, Node* right, Node* ref, bool behindRef, Insertion how);
   static void noteLoss(Node* parent, Node* before, Node* child);
   static void unlinkChild(Node* parent, Node* child);
   static bool movesPlaces(const Node* parent);
   static void drain(Node* top, bool removed);
   static void tellRemoved(Node* top, bool alsoTop);
+  static bool isLastOfRoot(const Node* node);
+  static bool isChildKind(Node* node);
+  static bool isTopAbove(const Node* node, const Node* parent, const Node*& top);
   static std::pair<Node*, Node*> takeChildren(Node* node);
   static std::pair<Node*, Node*> takeListedChildren(Node* node);
   static bool ownsMore(const Node* node);

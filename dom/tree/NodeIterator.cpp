@@ -19,7 +19,7 @@ NodeIterator::NodeIterator(ChildListHolder* holder, Node* owner) : owner_(owner)
 
 NodeIterator::NodeIterator(std::vector<Node*>* results) : holder_(new ChildListHolder) {
   if (!results) return;
-  holder_->list.swap(*results);
+  holder_->list = ChildIndex(*results);
   delete results;
 }
 
@@ -38,7 +38,7 @@ NodeIterator& NodeIterator::operator=(const NodeIterator& other) {
 
 NodeIterator::~NodeIterator() { releaseHolder(holder_); }
 
-const std::vector<Node*>* NodeIterator::list() const { return holder_ ? &holder_->list : nullptr; }
+const ChildIndex* NodeIterator::list() const { return holder_ ? &holder_->list : nullptr; }
 
 int NodeIterator::getLength() const { return list() ? static_cast<int>(list()->size()) : -1; }
 

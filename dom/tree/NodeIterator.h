@@ -46,7 +46,7 @@ class ZELDOM40_API NodeIterator {
   // Over results: takes the list over; null gives an empty one.
   explicit NodeIterator(std::vector<Node*>* results);
 
-  const std::vector<Node*>* list() const;
+  const class ChildIndex* list() const;
 
   Node* owner_ = nullptr;
   int position_ = 0;

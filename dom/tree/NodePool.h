@@ -21,6 +21,9 @@ namespace zeldom40 {
 // seen. One thread at a time, like the tree.
 class NodePool {
  public:
+  // The alignment of what it hands out.
+  static constexpr std::size_t kGrain = 8;
+
   static void* allocate(std::size_t size) {
     Chunk* const chunk = size <= kLargest ? withRoom_[classOf(size)] : nullptr;
     if (!chunk) return allocateAnywhere(size);
@@ -54,7 +57,6 @@ class NodePool {
   }
 
  private:
-  static constexpr std::size_t kGrain = 8;
   static constexpr std::size_t kLargest = 256;
   static constexpr std::size_t kClasses = kLargest / kGrain + 1;
   static constexpr std::size_t kChunkSize = 64 * 1024;

@@ -17,7 +17,7 @@ namespace zeldom40 {
 
 // Counted bytes. Raw tags and texts of untouched nodes are slices of it, so that opening and saving a page copies each
 // byte once in and once out.
-class PageBuffer {
+class alignas(8) PageBuffer {
  public:
   // The first `count` entities that a document type was given.
   class Entities : public EntityTable {
@@ -41,9 +41,10 @@ class PageBuffer {
     if (--count_ == 0) delete this;
   }
   std::string_view text() const { return text_; }
-  // Memory for what belongs to the page and goes with it, aligned for pointers.
+  // Memory for what belongs to the page and goes with it, in cells of kGrain bytes and so aligned.
+  static constexpr std::size_t kGrain = 8;
   void* allocate(std::size_t bytes) {
-    constexpr std::size_t kGrain = alignof(void*);
+    static_assert(kGrain >= alignof(void*) && kGrain <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
     bytes = (bytes + kGrain - 1) / kGrain * kGrain;
     if (bytes > room_) addStretch(bytes);
     void* memory = fresh_;

@@ -1,6 +1,7 @@
 // A counted, immutable name that many nodes share: a page with a million <P> holds the letter once.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -48,7 +49,8 @@ class SharedName {
   friend bool operator==(const SharedName& a, std::string_view b) { return a.view() == b; }
 
  private:
-  struct Record {
+  // Saved states keep a tag in the lowest three bits of its address.
+  struct alignas(8) Record {
     std::string text;
     unsigned count;
   };
@@ -57,6 +59,9 @@ class SharedName {
     return empty;
   }
   Record* record_ = nullptr;
+
+ public:
+  static constexpr std::size_t kRecordAlignment = alignof(Record);
 };
 
 }  // namespace zeldom40

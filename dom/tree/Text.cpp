@@ -12,6 +12,7 @@
 #include "dom/source/CharHelpers.h"
 #include "dom/source/CodeConv.h"
 #include "dom/source/MarkedText.h"
+#include "dom/source/TextSource.h"
 #include "dom/tree/Element.h"
 #include "dom/tree/NodeAccess.h"
 #include "dom/tree/TextAccess.h"
@@ -25,9 +26,10 @@ constexpr std::string_view kNoBreak("\x1b\xa0", 2);
 constexpr std::string_view kSectionStart = "<![CDATA[";
 constexpr std::string_view kSectionEnd = "]]>";
 
-// A section cannot hold its own end: each one is split over two sections.
-std::string asCDATASection(std::string_view data) {
-  std::string section(kSectionStart);
+// A section cannot hold its own end: each one is split over two sections. `start` and `end` are the section's own.
+std::string asCDATASection(std::string_view data, std::string_view start = kSectionStart,
+                           std::string_view behind = kSectionEnd) {
+  std::string section(start);
   for (std::size_t at = 0;;) {
     const std::size_t end = data.find(kSectionEnd, at);
     if (end == std::string_view::npos) {
@@ -39,8 +41,15 @@ std::string asCDATASection(std::string_view data) {
     section += kSectionStart;
     at = end + 2;
   }
-  section += kSectionEnd;
+  section += behind;
   return section;
+}
+
+// The same for one that has the source `raw`: the word in its case, and no end where it has none.
+std::string likeCDATASection(std::string_view data, std::string_view raw) {
+  const std::string_view start = raw.substr(0, kSectionStart.size());
+  if (!equalsFolded(start, kSectionStart)) return asCDATASection(data);
+  return asCDATASection(data, start, raw.ends_with(kSectionEnd) ? kSectionEnd : std::string_view());
 }
 
 // Whether the last unit of `text` is a white byte; the last byte of a marked unit may look like one.
@@ -137,18 +146,10 @@ Text* TextAccess::createPlain(NodeKind* kind, Slice raw, std::string data) {
 }
 
 void TextAccess::append(Text* text, const Text* other) {
-  text->noteChange();
-  const bool bothClean = !text->rawDirty_ && !other->rawDirty_;
+  const bool isDirty = text->rawDirty_ || other->rawDirty_;
   text->editData() += other->getData();
-  if (!bothClean) {
-    text->dataChanged();
-    return;
-  }
-  TextStrings& s = text->strings();
-  if (!s.hasRaw) s.raw = text->leaf().raw.in(text->page());
-  s.hasRaw = s.rawOwn = true;
-  text->leaf().raw = {};
-  s.raw += other->rawView();
+  joinSource(text->ownRaw(), other->sourceView(), text->references());
+  text->rawDirty_ = isDirty;
   text->setUpdateFlag(Node::UPDATE_CONTENT_MODIFIED);
 }
 
@@ -234,10 +235,7 @@ void TextAccess::setRaw(Text* text, std::string raw) {
   }
   // The plain form must not follow from a source that is gone.
   text->editData();
-  TextStrings& s = text->strings();
-  s.raw = std::move(raw);
-  s.hasRaw = s.rawOwn = true;
-  text->leaf().raw = {};
+  text->ownRaw() = std::move(raw);
   text->rawDirty_ = false;
 }
 
@@ -272,13 +270,40 @@ void Text::record() {
   if (getDocument()) DocumentAccess::recordChange(getDocument(), this);
 }
 
-// The plain form decides from now on; the source is made anew when asked for, once for a run of edits.
-void Text::dataChanged() {
-  noteChange();
+// The source as a string of the text's own, to be changed; as it stands, also where it is to be made anew.
+std::string& Text::ownRaw() {
   TextStrings& s = strings();
-  s.raw.clear();
+  if (!s.rawOwn) s.raw = leaf().raw.in(page());
   s.hasRaw = s.rawOwn = true;
   leaf().raw = {};
+  return s.raw;
+}
+
+bool Text::keepsSource() const { return DocumentAccess::keepsSource(getDocument()); }
+
+ReferenceTables Text::references() const {
+  const DocumentType* type = getDocument() ? getDocument()->getDocumentTypeObject() : nullptr;
+  return {FrameTables::entities(type), FrameTables::characterNames(type)};
+}
+
+// Sets the plain form and takes the source along.
+void Text::changeData(std::string now) {
+  editData();
+  carryTo(now);
+  strings().data = std::move(now);
+  dataChanged();
+}
+
+// A literal text has no references: its source is made of its plain form alone.
+void Text::carryTo(const std::string& now) {
+  std::string& raw = ownRaw();
+  if (textType_ != TEXT_LITERAL) raw = carrySource(raw, getData(), now, references());
+}
+
+// The source is made anew when asked for, once for a run of edits.
+void Text::dataChanged() {
+  noteChange();
+  ownRaw();
   rawDirty_ = true;
   setUpdateFlag(UPDATE_CONTENT_MODIFIED);
 }
@@ -286,34 +311,42 @@ void Text::dataChanged() {
 void Text::setData(const char* text, bool notify) { setData(std::string(text ? text : ""), notify); }
 
 void Text::setData(const std::string& text, bool notify) {
-  if (notify) record();
-  std::string& data = editData();
-  data = text;
-  if (!notify) return;
-  if (textType_ == TEXT_NORMAL) protectMarkup(data);
-  dataChanged();
+  if (!notify) {
+    editData();
+    // A source that was to be made of the former plain form will be made of this one.
+    if (rawDirty_) carryTo(text);
+    strings().data = text;
+    return;
+  }
+  record();
+  std::string now = text;
+  if (textType_ == TEXT_NORMAL) protectMarkup(now);
+  changeData(std::move(now));
+}
+
+std::string_view Text::sourceView() const {
+  return leaf().strings && leaf().strings->rawOwn ? std::string_view(leaf().strings->raw) : leaf().raw.in(page());
+}
+
+void Text::writeSource() {
+  noteChange();
+  const std::string& data = getData();
+  std::string& raw = ownRaw();
+  const bool keeps = keepsSource();
+  if (textType_ == TEXT_LITERAL) {
+    const Node* parent = getParentNode();
+    const bool isScript = parent && parent->getNodeType() == NODE_ELEMENT &&
+                          (static_cast<const Element*>(parent)->getElementGroup() & GROUP_SCRIPT_DATA);
+    raw = !isScript ? data : keeps ? likeCDATASection(data, raw) : asCDATASection(data);
+  } else if (!keeps) {
+    raw = textType_ == TEXT_NORMAL ? remakeSource(raw, data, references()) : data;
+  }
+  rawDirty_ = false;
 }
 
 std::string_view Text::rawView() const {
-  if (rawDirty_) {
-    auto* self = const_cast<Text*>(this);
-    self->noteChange();
-    const std::string& data = getData();
-    TextStrings& s = strings();
-    const Node* parent = getParentNode();
-    if (textType_ == TEXT_NORMAL) {
-      const DocumentType* type = getDocument() ? getDocument()->getDocumentTypeObject() : nullptr;
-      restoreReferences(data, s.raw, FrameTables::characterNames(type));
-    } else if (textType_ == TEXT_LITERAL && parent && parent->getNodeType() == NODE_ELEMENT &&
-               (static_cast<const Element*>(parent)->getElementGroup() & GROUP_SCRIPT_DATA)) {
-      s.raw = asCDATASection(data);
-    } else {
-      s.raw = data;
-    }
-    s.hasRaw = s.rawOwn = true;
-    self->rawDirty_ = false;
-  }
-  return leaf().strings && leaf().strings->rawOwn ? std::string_view(leaf().strings->raw) : leaf().raw.in(page());
+  if (rawDirty_) const_cast<Text*>(this)->writeSource();
+  return sourceView();
 }
 
 const std::string& Text::getRawData() const {
@@ -333,10 +366,7 @@ void Text::setRawData(const std::string& text) {
     record();
     // The plain form stays, so it must not follow from the source any longer.
     editData();
-    TextStrings& s = strings();
-    s.raw = text;
-    s.hasRaw = s.rawOwn = true;
-    leaf().raw = {};
+    ownRaw() = text;
     rawDirty_ = false;
     setUpdateFlag(UPDATE_CONTENT_MODIFIED);
     return;
@@ -347,7 +377,22 @@ void Text::setRawData(const std::string& text) {
     expandReferences(copy, 0, static_cast<int>(copy.size()),
                      FrameTables::entities(getDocument()->getDocumentTypeObject()));
   }
-  setData(copy, /*notify=*/true);
+  record();
+  protectMarkup(copy);
+  editData() = std::move(copy);
+  // A "<" of a text means itself.
+  std::string markup = {kPairMark, '<'};
+  restoreReferences(markup, markup, references().names);
+  std::string& raw = ownRaw();
+  raw.clear();
+  for (const char c : text) {
+    if (c == '<') {
+      raw += markup;
+    } else {
+      raw += c;
+    }
+  }
+  dataChanged();
 }
 
 // --- edits -----------------------------------------------------------------------------------------------------------
@@ -387,8 +432,7 @@ int Text::insert(int offset, const char* text, bool moveCursor, SpaceMode mode) 
   }
   if (textType_ == TEXT_NORMAL) protectMarkup(copy);
   record();
-  editData().insert(at, copy);
-  dataChanged();
+  changeData(std::string(getData()).insert(at, copy));
   if (moveCursor && getDocument()) getDocument()->setLayoutCursor(this, static_cast<int>(at + copy.size()));
   return static_cast<int>(copy.size());
 }
@@ -397,8 +441,7 @@ int Text::Delete(int offset, int count, bool moveCursor) {
   const std::size_t at = clampOffset(offset);
   if (at > getData().size()) return 0;
   record();
-  editData().erase(at, clampOffset(count));
-  dataChanged();
+  changeData(std::string(getData()).erase(at, clampOffset(count)));
   if (moveCursor && getDocument()) getDocument()->setLayoutCursor(this, static_cast<int>(at));
   return count;
 }
@@ -420,8 +463,7 @@ int Text::deleteChar(int offset, bool backward) {
   }
   if (start >= size) return 0;
   record();
-  editData().erase(start, length);
-  dataChanged();
+  changeData(std::string(getData()).erase(start, length));
   return static_cast<int>(length);
 }
 
@@ -431,10 +473,7 @@ int Text::replace(int offset, int count, const char* text, bool moveCursor) {
   std::string encoded = text ? text : "";
   if (textType_ == TEXT_NORMAL) protectMarkup(encoded);
   record();
-  std::string& data = editData();
-  data.erase(at, clampOffset(count));
-  data.insert(at, encoded);
-  dataChanged();
+  changeData(std::string(getData()).erase(at, clampOffset(count)).insert(at, encoded));
   if (moveCursor && getDocument()) getDocument()->setLayoutCursor(this, static_cast<int>(at + encoded.size()));
   return static_cast<int>(encoded.size());
 }
@@ -442,33 +481,43 @@ int Text::replace(int offset, int count, const char* text, bool moveCursor) {
 int Text::splice(Element* element, int offset, int count, bool moveCursor) {
   Document* document = getDocument();
   Node* parent = getParentNode();
-  // CHOICE: an element that stands in a tree already, or that this text stands in, could not be put here, and the texts
-  // would be lost.
-  if (!element || !document || !parent || element->getParentNode() || isOffspringOf(element)) return -1;
+  // CHOICE: an element that cannot be put here, because it stands in a tree already, holds this text or is of another
+  // DOM, would lose the texts.
+  if (!element || !document || !parent || element->getParentNode()) return -1;
+  parent->insertAfter(element, this);
+  if (element->getParentNode() != parent) return -1;
   const std::string before = getData();
   const std::size_t from = std::min(clampOffset(offset), before.size());
   const std::size_t length = std::min(clampOffset(count), before.size() - from);
 
-  auto createPart = [&](std::string_view data) {
+  auto createPart = [&](std::size_t begin, std::size_t end) {
     Text* part = document->createTextNode(nullptr);
     part->setTextType(getTextType());
-    part->setData(std::string(data), /*notify=*/true);
+    part->setData(before.substr(begin, end - begin), /*notify=*/true);
+    // A cut through a unit makes other characters of its halves.
+    if (getTextType() != TEXT_LITERAL && part->getData() == std::string_view(before).substr(begin, end - begin)) {
+      part->ownRaw() = cutSource(sourceView(), before, begin, end, references());
+    }
+    // Nothing of it is new.
+    if (keepsSource()) part->resetUpdateFlag(UPDATE_CREATED);
     return part;
   };
-  Text* tail = createPart(std::string_view(before).substr(from + length));
-  parent->insertAfter(element, this);
+  Text* tail = createPart(from + length, before.size());
   parent->insertAfter(tail, element);
   Text* middle = nullptr;
   // KEPT: an element that cannot hold this text swallows the middle; the caller asks first.
   if (element->canContain(this, nullptr, nullptr)) {
-    middle = createPart(std::string_view(before).substr(from, length));
+    middle = createPart(from, from + length);
     element->insertLast(middle);
   }
   Node* cursorNode = nullptr;
   int cursorOffset = 0;
   document->getLayoutCursor(&cursorNode, &cursorOffset);
   if (from < before.size()) {
+    std::string head =
+        getTextType() == TEXT_LITERAL ? std::string() : cutSource(sourceView(), before, 0, from, references());
     editData().erase(from);
+    if (getTextType() != TEXT_LITERAL) ownRaw() = std::move(head);
     dataChanged();
   }
   const int taken = static_cast<int>(length);
@@ -500,7 +549,11 @@ int Text::compact() {
   } else {
     change = collapseWhite(collapsed, 0, -1);
   }
-  if (collapsed != getData()) editData() = std::move(collapsed);
+  if (collapsed == getData()) return change;
+  editData();
+  // Elsewhere the source has white space of its own in the place of each run.
+  if (change != 0 && isPlainText()) carryTo(collapsed);
+  strings().data = std::move(collapsed);
   if (change != 0) dataChanged();
   return change;
 }

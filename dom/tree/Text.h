@@ -12,17 +12,20 @@
 namespace zeldom40 {
 
 class Element;
+struct ReferenceTables;
 struct TextStrings;
 
 // Holds two forms: the raw source with entity references, and the plain form that the layout works in, where a
 // character given by a reference is marked by a byte 27 (two bytes in all) or 28 (four bytes in all). One form is
-// authoritative at a time. Offsets are bytes of the plain form unless stated.
+// authoritative at a time. What an edit of the plain form does not touch keeps its meaning in the source: a reference
+// that the library cannot read comes back as it stood, the same characters set by a host come out escaped. Offsets are
+// bytes of the plain form unless stated.
 class ZELDOM40_API Text : public Node {
  public:
   enum TextType {
     TEXT_LITERAL = 0,    // taken literally: script, style, CDATA content
     TEXT_NORMAL = 1,     // entity conversion applies
-    TEXT_FORMATTING = 2  // white space that only formats the source; it has no layout presence
+    TEXT_FORMATTING = 2  // has no layout presence: white space of the source, or the byte order mark before a page
   };
   // How `insert` treats a blank next to white space.
   enum SpaceMode { SPACE_NORMAL = 0, SPACE_KEEP = 1, SPACE_NBSP = 2 };
@@ -47,7 +50,7 @@ class ZELDOM40_API Text : public Node {
   // The source form, made anew if dirty. Lives until the text changes.
   const std::string& getRawData() const;
   // Sets the text from source: for type 1 white space is collapsed (not in preformatted text) and references become
-  // marks; other types keep their plain form.
+  // marks, unknown ones stay as they are; other types keep their plain form.
   void setRawData(const char* text);
   void setRawData(const std::string& text);
 
@@ -62,7 +65,7 @@ class ZELDOM40_API Text : public Node {
   int replace(int offset, int count, const char* text, bool moveCursor);
   // Wraps `count` bytes at `offset` in `element`, the rest moves to a new text behind it. KEPT: if the element cannot
   // contain this text the wrapped bytes are gone; ask canContain first. Returns the clamped count, -1 without an
-  // element, document or parent.
+  // element, document or parent, and for an element that cannot be inserted here.
   int splice(Element* element, int offset, int count, bool moveCursor);
   // Collapses white-space runs; the layout cursor stays at its character. Returns the change in length (0 or negative).
   int compact();
@@ -84,8 +87,15 @@ class ZELDOM40_API Text : public Node {
   Node* cloneSelf() const override;
   TextStrings& strings() const { return ownStrings(); }
   std::string& editData();
+  std::string& ownRaw();
+  bool keepsSource() const;
+  ReferenceTables references() const;
+  void changeData(std::string now);
+  void carryTo(const std::string& now);
   void dataChanged();
+  void writeSource();
   std::string_view rawView() const;
+  std::string_view sourceView() const;
   void record();
 
   std::uint8_t textType_ : 2 = TEXT_NORMAL;

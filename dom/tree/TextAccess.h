@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "dom/source/CharHelpers.h"
 #include "dom/source/PlainText.h"
 #include "dom/tree/Comment.h"
 #include "dom/tree/NodeAccess.h"
@@ -32,6 +33,10 @@ struct TextAccess {
   // A text whose plain form was assembled already, or is another stretch than its raw form.
   static Text* createPlain(NodeKind* kind, Slice raw, std::string data);
   static std::string_view rawData(const Text* text) { return text->rawView(); }
+  // Whether the page begins with it and with a byte order mark. Nothing joins it, stands before it or lays it out.
+  static bool isByteOrderMark(const Text* text) {
+    return text->getTextType() == Text::TEXT_FORMATTING && text->rawView().starts_with(kByteOrderMark);
+  }
   // rawData is the slice.
   static bool isSourceOfPage(const Text* text) {
     return !text->rawDirty_ && !(text->leaf().strings && text->leaf().strings->rawOwn);

@@ -199,6 +199,73 @@ TEST_F(Hosting, ListsErrorsAndRepairs) {
   EXPECT_EQ(sourceOf(document, document->getDocumentElement()), "<HTML><BODY>\n<P>a\n<BLIP>\n</BODY></HTML>");
 }
 
+TEST_F(Hosting, RepairsFindingByFinding) {
+  load(document, "<BODY><P>x<B><I><U></P><P>a</I>b</P></BODY>");
+
+  document->record();
+  int repairs = 0;
+  for (const _dom_error_packet* packet : document->getErrorList()) {
+    if (packet->error & ERR_DOC_SEVERE_PARSE_ERROR) repairs += document->correctError(packet->node);
+  }
+  document->adjustNodes(nullptr, /*full=*/false);
+
+  EXPECT_EQ(repairs, 4);
+  EXPECT_TRUE(document->getErrorList().empty());
+  EXPECT_EQ(sourceOf(document, document->getDocumentElement()), "<BODY><P>x</P><P>ab</P></BODY>");
+  document->undo(1);
+  EXPECT_EQ(document->getErrorList().size(), 4u);
+}
+
+TEST_F(Hosting, PlansRepairsOfAFile) {
+  const std::string page = "<html><body><p>one <b>two</p><table>three</table></body></html>";
+  load(document, page);
+  std::string fixes, quickFix;
+  {
+    const RepairPlanner planner(document);
+    for (const _dom_error_packet* packet : document->getErrorList()) {
+      const RepairPlanner::Plan* plan = planner.planFor(packet->node, packet->error);
+      if (plan && plan->kind == RepairPlanner::SAFE) fixes += plan->reason + "\n";
+      if (plan) quickFix = applyEdits(planner.source(), plan->edits);
+    }
+  }
+  EXPECT_EQ(fixes, "adds </b>\n");
+  EXPECT_EQ(quickFix, page);  // the last error has no repair
+
+  std::string left;
+  const SourceRepair repair(dom, page, {});
+  for (const SourceRepair::Entry& entry : repair.left()) left += entry.name + ": " + entry.reason + "\n";
+  const std::string written = applyEdits(page, repair.edits());
+  EXPECT_EQ(left, "TEXT: it would have to move\n");
+  EXPECT_EQ(written, "<html><body><p>one <b>two</b></p><table>three</table></body></html>");
+}
+
+TEST_F(Hosting, TakesNodesOfAnotherDocument) {
+  load(document, "<BODY><P>a </P></BODY>");
+  Document* other = dom->createDocument("HTML");
+  load(other, "<BODY><B>word</B></BODY>");
+  Node* p = document->getElementsByTagName("P").toFirstNode();
+
+  Node* word = other->getElementsByTagName("B").toFirstNode();
+  Node* copy = word->makeClone(/*deep=*/true);
+  copy->addRef(true);  // a clone has no reference yet
+  p->insertLast(copy);
+  p->insertLast(word->getParentNode()->removeChild(word));  // an edit of the other page
+  dom->deleteDocument(other);
+
+  EXPECT_EQ(word->getDocument(), document);
+  static_cast<Element*>(copy)->setAttribute("ID", "x", /*notify=*/true);
+  EXPECT_EQ(sourceOf(document, p), "<P>a <B id=\"x\">word</B><B>word</B></P>");
+
+  DOM* foreign = DOM::createDOM(nullptr, DOM::JSP_VERSION_0, nullptr, nullptr);
+  Document* theirs = foreign->createDocument("HTML");
+  Element* refused = theirs->createElement("I");
+  p->insertLast(refused);
+  EXPECT_EQ(refused->getParentNode(), nullptr);
+  refused->releaseRef(true);
+  foreign->deleteDocument(theirs);
+  DOM::destroyDOM(foreign);
+}
+
 TEST_F(Hosting, InsertsAFragment) {
   load(document, "<BODY><P>a</P></BODY>");
   const std::string clip = "<ul><li>x<li>y</ul>";

@@ -210,6 +210,24 @@ TEST_F(AdjustTest, NewNodesAreLaidOut) {
   }
 }
 
+TEST_F(AdjustTest, ACursorInTheSourceStaysAtItsLetter) {
+  const std::string words = "some &amp; words that go on and on, behind the limit of a line, and on";
+  for (std::size_t at : {std::size_t{0}, std::size_t{5}, words.find("behind"), words.find("limit") + 2, words.size()}) {
+    load("<BODY><P>a</P><UL><LI></UL></BODY>");
+    Text* added = doc_->createTextNode("");
+    added->setRawData(words);
+    find("LI")->insertLast(added);
+    doc_->setSourceCursor(added, static_cast<int>(at));
+    adjust();
+    EXPECT_NE(added->getRawData(), words) << "nothing was wrapped";
+    Node* node = nullptr;
+    int offset = -1;
+    doc_->getSourceCursor(&node, &offset);
+    ASSERT_EQ(node, added);
+    EXPECT_EQ(added->getRawData().substr(static_cast<std::size_t>(offset)).substr(0, 3), words.substr(at).substr(0, 3));
+  }
+}
+
 TEST_F(AdjustTest, InsertedTextsMoveTheCursorOfTheParent) {
   load("<BODY><P>a</P><P>b</P></BODY>");
   doc_->setLayoutCursor(find("BODY"), 3);
@@ -217,6 +235,18 @@ TEST_F(AdjustTest, InsertedTextsMoveTheCursorOfTheParent) {
   adjust();
   EXPECT_EQ(dumpTree(find("BODY")), "BODY(P(\"a\") ~\"\\r\\n\" P(\"x\") ~\"\\r\\n\" P(\"b\"))");
   expectCursor(find("BODY"), 5);
+}
+
+// The cursor left an element that holds the start; both go, but for what the list of errors holds.
+TEST_F(AdjustTest, AStartThatTheCursorTookAlongIsLeftAlone) {
+  load("<P>x<U><B><I>");
+  doc_->setLayoutCursor(find("I"), 0);
+  adjust();
+  doc_->getErrorList();
+  doc_->setLayoutCursor(text(), 0);
+  EXPECT_TRUE(adjust(find("B"), true));
+  EXPECT_EQ(dumpTree(find("BODY")), "BODY(P(\"x\"))");
+  EXPECT_TRUE(doc_->getErrorList().empty());
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "dom/dtd/DTDFrame.h"
+#include "fuzz/RepairLoops.h"
 #include "tests/host/TestPage.h"
 
 namespace zeldom40 {
@@ -191,6 +193,83 @@ TEST_F(CorrectTest, TakesNoRecordAndLeavesRecordingOn) {
   EXPECT_EQ(doc_->canUndo(), 0);
   doc_->record();
   EXPECT_EQ(doc_->canUndo(), 1);
+}
+
+// --- repairs while a list is open ------------------------------------------------------------------------------------
+
+// The list holds nodes that a repair deletes; they survive out of the page, one below the other.
+TEST_F(CorrectTest, ARepairSparesWhatAnOpenListHolds) {
+  const struct {
+    const char* page;
+    const char* top;
+    const char* body;
+  } cases[] = {
+      {"<U><A><TD>", "A", "BODY(TABLE(TBODY(TR(TD))))"},
+      {"<P>one <B><A><LI>x", "A", "BODY(P(\"one \") UL(LI(\"x\")))"},
+      {"<FONT><A HREF=x><TD>", "A", "BODY(TABLE(TBODY(TR(TD))))"},
+      {"<P>x<B><I><U>", "B", "BODY(P(\"x\"))"},
+  };
+  for (const auto& c : cases) {
+    load(c.page);
+    doc_->getErrorList();
+    doc_->correctError(find(c.top));
+    EXPECT_EQ(dumpTree(find("BODY")), c.body) << c.page;
+    EXPECT_TRUE(doc_->getErrorList().empty()) << c.page;
+  }
+}
+
+TEST_F(CorrectTest, ANodeThatIsNotInThePageIsLeftAlone) {
+  load("<P>x<B><I><U>");
+  const auto& list = doc_->getErrorList();
+  ASSERT_EQ(list.size(), 3u);
+  doc_->record();
+  doc_->correctError(list.front()->node);
+  EXPECT_EQ(source(), "<P>x");
+  for (const _dom_error_packet* packet : list) {
+    EXPECT_EQ(doc_->correctError(packet->node), 0) << packet->node->getName();
+    EXPECT_FALSE(doc_->adjustNodes(packet->node, /*full=*/true)) << packet->node->getName();
+    EXPECT_EQ(packet->node->addRef(false), 2) << packet->node->getName();
+    packet->node->dropRef(false);
+  }
+  // Nor does the call close the edit.
+  EXPECT_EQ(doc_->canUndo(), 1);
+  doc_->record();
+  EXPECT_EQ(doc_->canUndo(), 1);
+  // A fragment is in no page yet.
+  Element* holder = doc_->createTemporaryElement();
+  doc_->createNodes("a</I>", 5, holder, /*adjust=*/false);
+  EXPECT_EQ(doc_->correctError(holder), 0);
+  EXPECT_FALSE(doc_->adjustNodes(holder, /*full=*/true));
+  EXPECT_EQ(dumpTree(holder), "ZELTEMP(\"a\" I)");
+  holder->releaseRef(true);
+}
+
+// A holder of two nodes has two nodes: what stood between them goes with the page.
+TEST_F(CorrectTest, ASurvivorDoesNotHangBelowADeadNode) {
+  load("<P><B>x<I>y<U>z</U></I></B></P>");
+  Node* const b = find("B");
+  Node* const u = find("U");
+  Node* const z = u->getFirstChild();
+  for (Node* held : {b, u, z}) held->addRef(false);
+  doc_->deleteNodes(find("P"));
+  EXPECT_EQ(b->getParentNode(), nullptr);
+  EXPECT_EQ(u->getParentNode(), nullptr);
+  EXPECT_TRUE(u->getUpdateFlag() & Node::UPDATE_REMOVED);
+  // One that is held stays with the one around it that is held too.
+  EXPECT_EQ(z->getParentNode(), u);
+  EXPECT_EQ(dumpTree(b), "B(\"x\" I(\"y\"))");
+  EXPECT_EQ(u->releaseRef(false), 0);
+  EXPECT_EQ(z->getParentNode(), nullptr);
+  for (Node* held : {b, z}) EXPECT_EQ(held->releaseRef(false), 0);
+}
+
+TEST_F(CorrectTest, SmallRandomPagesStandEveryLoopOfRepairs) {
+  dom_->getDocumentType()->getDTDFrame()->readDeferred();
+  fuzz::SmallPage pages(1);
+  for (int i = 0; i < 400; ++i) {
+    const std::string page = pages.next();
+    ASSERT_EQ(fuzz::repairLoopsHold(dom_, page), "") << page;
+  }
 }
 
 // --- adapting --------------------------------------------------------------------------------------------------------

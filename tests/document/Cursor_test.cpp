@@ -142,6 +142,7 @@ TEST_F(CursorTest, SelectionsStandInDocumentOrder) {
       {"P", 2, "I", 0, "I 0 - P 2"},
       {"I", 0, "P", 1, "P 1 - I 0"},
       {"P", 4000000000u, "I", 0, "I 0 - P 4000000000"},
+      {"I", 0, "P", 4000000000u, "I 0 - P 4000000000"},
   };
   loadSpans();
   for (const auto& c : cases) {

@@ -1,4 +1,5 @@
 // The normal form that a page takes when it is read with adjustment.
+#include <functional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -82,6 +83,56 @@ TEST_F(NormalizeTest, ColumnsRunOnWhereARepairJoinsTexts) {
   load("<PRE>ab<SPAN>c</SPAN>\td</PRE></I>");
   doc_->correctError(nullptr);
   EXPECT_EQ(dumpTree(find("PRE"), kDumpPlain), "PRE(\"abc     d\")");
+}
+
+// Whatever is done to a page, it comes out as without the mark, and the mark in front of it.
+TEST_F(NormalizeTest, AByteOrderMarkStandsInFrontAndChangesNothing) {
+  const std::string mark = "\xEF\xBB\xBF";
+  const char* pages[] = {
+      "",
+      "<!DOCTYPE HTML><HTML><HEAD><TITLE>t</TITLE></HEAD><BODY>x</BODY></HTML>",
+      "<P>x<!DOCTYPE HTML>",
+      "<!-- c --><!DOCTYPE HTML><TITLE>t</TITLE><P>x",
+      "<!DOCTYPE HTML><HTML><HEAD></HEAD><B><P>x</B></I><TD>y</HTML>",
+      "x",
+      "<%@ page import=\"a\" %>\r\n<P>x",
+      "<?xml version=\"1.0\"?><P>x",
+      "<UL><UL><LI>x",
+  };
+  const std::function<void()> jobs[] = {
+      [] {},
+      [this] { doc_->adjustNodes(nullptr, /*full=*/true); },
+      [this] {
+        doc_->correctError(nullptr);
+        doc_->adjustNodes(nullptr, /*full=*/true);
+      },
+      [this] {
+        Node* body = find("BODY") ? find("BODY") : doc_->getDocumentElement();
+        body->insertFirst(doc_->createElement("HR"));
+        doc_->getDocumentElement()->insertLast(doc_->createElement("DIV"));
+        doc_->adjustNodes(nullptr, /*full=*/false);
+      },
+  };
+  for (const char* page : pages) {
+    for (const auto& job : jobs) {
+      for (bool cleared : {true, false}) {
+        const auto result = [&](const std::string& text, bool adjust) {
+          doc_->createNodes(text.data(), static_cast<unsigned>(text.size()), nullptr, adjust);
+          EXPECT_TRUE(adjust || source() == text);
+          if (cleared) doc_->clearUpdateFlag();
+          job();
+          return source();
+        };
+        EXPECT_EQ(result(mark + page, true), mark + result(page, true));
+        EXPECT_EQ(result(mark + page, false), mark + result(page, false));
+      }
+    }
+  }
+  EXPECT_EQ(tree(mark + "\r\n<P>x"), "ZELROOT(~\"\\xEF\\xBB\\xBF\\r\\n\" HTML(BODY(P(\"x\"))))");
+  EXPECT_EQ(tree(mark + " x"), "ZELROOT(~\"\\xEF\\xBB\\xBF\" HTML(BODY(\" x\")))");
+  EXPECT_EQ(tree(mark), "ZELROOT(~\"\\xEF\\xBB\\xBF\")");
+  // Elsewhere these bytes are text.
+  EXPECT_EQ(tree("<P>" + mark), "ZELROOT(HTML(BODY(P(\"\\xEF\\xBB\\xBF\"))))");
 }
 
 TEST_F(NormalizeTest, AFragmentHasItsOwnFront) {

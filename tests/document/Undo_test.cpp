@@ -80,6 +80,49 @@ TEST_F(UndoTest, DisabledRecordingSavesNothingUntilTheEditIsClosed) {
   EXPECT_EQ(doc_->canUndo(), 1);
 }
 
+// Whatever took the last saved state away, the next change has one to go back to.
+TEST_F(UndoTest, AnEditBehindADroppedStateIsSavedAgain) {
+  const auto change = [&](const char* words) { text()->setData(words, true); };
+  const struct {
+    const char* rule;
+    std::function<void()> before;
+    unsigned long counted;
+    const char* undone;
+  } cases[] = {
+      {"the history was cleared within an edit", [&] { change("1"), doc_->clearRecord(); }, 2, "1"},
+      {"or within a group",
+       [&] {
+         doc_->suspendRecord(true);
+         edit(1);
+         doc_->suspendRecord(true);
+         doc_->clearRecord();
+       },
+       2, "1"},
+      {"the state of this edit was dropped", [&] { change("1"), doc_->cancelRecord(); }, 1, "1"},
+      {"or the one of the group",
+       [&] {
+         doc_->suspendRecord(true);
+         edit(1);
+         doc_->suspendRecord(true);
+         doc_->cancelRecord();
+       },
+       1, "1"},
+      {"the state of an edit that was closed", [&] { edit(1), doc_->cancelRecord(); }, 1, "1"},
+      {"with a redo list nothing is dropped", [&] { edit(1), edit(2), doc_->undo(1), doc_->cancelRecord(); }, 1, "1"},
+  };
+  for (const auto& c : cases) {
+    open("<HTML><BODY><P ID=p>0</P></BODY></HTML>");
+    const unsigned long count = doc_->getRecordCount();
+    c.before();
+    const int states = doc_->canUndo();
+    change("new");
+    EXPECT_EQ(doc_->canUndo(), states + 1) << c.rule;
+    EXPECT_EQ(doc_->getRecordCount() - count, c.counted) << c.rule;
+    doc_->undo(1);
+    EXPECT_EQ(body(), c.undone) << c.rule;
+  }
+}
+
 TEST_F(UndoTest, StepsBelowOneOnlyMoveTheCount) {
   EXPECT_EQ(doc_->undo(2), 0);
   EXPECT_EQ(doc_->getRecordCount(), 0u);

@@ -1,4 +1,5 @@
 // Metadata pairs: how a page's comments become elements, how they are written, and what makes them stale.
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -268,6 +269,102 @@ TEST_F(MetaDataTest, AVisualThatAHostHoldsOutlivesItsPage) {
       EXPECT_TRUE(visual->hasChildNodes());
       EXPECT_EQ(visual->releaseRef(deep), 0);
     }
+  }
+}
+
+// The way up from a visual leads through its element, so one in the other would have no end.
+TEST_F(MetaDataTest, NoVisualStandsInItself) {
+  const auto made = [&] { return doc_->createElement("ZELX:ATV"); };
+  Element* a = made();
+  Element* b = doc_->createElement("B");
+  Element* inner = doc_->createElement("I");
+  // The element goes into its visual, or into what that holds.
+  ASSERT_TRUE(b->setATV(a));
+  a->insertLast(inner);
+  for (Element* place : {a, inner}) {
+    EXPECT_EQ(place->insertLast(b), b);
+    EXPECT_EQ(b->getParentNode(), nullptr);
+  }
+  Text* text = doc_->createTextNode("text");
+  inner->insertLast(text);
+  EXPECT_EQ(text->splice(b, 0, 1, /*moveCursor=*/false), -1);
+  b->setAttribute("ID", "x", /*notify=*/true);
+  // So does what holds the element.
+  Element* around = doc_->createElement("DIV");
+  around->insertLast(b);
+  inner->insertLast(around);
+  EXPECT_EQ(around->getParentNode(), nullptr);
+  // What holds the element becomes its visual, or that of an element in its visual.
+  Element* top = made();
+  top->insertLast(around);
+  EXPECT_FALSE(b->setATV(top));
+  EXPECT_FALSE(inner->setATV(top));
+  EXPECT_FALSE(b->getMetaData()->setATV(top));
+  EXPECT_FALSE(top->setATV(top));
+  // Metadata that has its visual before it has its element.
+  MetaData* md = doc_->createMetaData();
+  md->setType(MetaData::AuthorTimeVisual);
+  Element* c = made();
+  Element* d = doc_->createElement("B");
+  ASSERT_TRUE(md->setATV(c));
+  c->insertLast(d);
+  d->setMetaData(md);
+  EXPECT_EQ(d->getMetaData(), nullptr);
+  c->insertLast(md);
+  EXPECT_EQ(md->getParentNode(), nullptr);
+  // A visual shows one element.
+  EXPECT_FALSE(d->setATV(a));
+  EXPECT_EQ(b->getATV(), a);
+  md->releaseRef(true);
+  top->releaseRef(true);
+}
+
+TEST_F(MetaDataTest, AVisualThatIsDeletedIsNobodysVisualAnyMore) {
+  using Delete = std::function<void(Element*)>;
+  const struct {
+    const char* rule;
+    Delete drop;
+  } cases[] = {
+      {"setATV", [](Element* e) { e->setATV(nullptr); }},
+      {"deleteNodes", [this](Element* e) { EXPECT_EQ(doc_->deleteNodes(e->getATV()), nullptr); }},
+      {"removeElement", [this](Element* e) { EXPECT_EQ(doc_->removeElement(e->getATV(), true), nullptr); }},
+      {"the last reference", [](Element* e) { e->getATV()->releaseRef(true); }},
+      {"removeChild",
+       [](Element* e) {
+         Element* atv = e->getATV();
+         EXPECT_EQ(atv->getParentNode()->removeChild(atv), atv);
+         EXPECT_EQ(atv->getParentNode(), nullptr);
+         atv->releaseRef(true);
+       }},
+      {"a repair",
+       [this](Element* e) {
+         e->getATV()->setError(ERR_ELEMENT_BEGIN_TAG_MISSING);
+         EXPECT_EQ(doc_->getErrorList().size(), 1u);
+         EXPECT_EQ(doc_->correctError(e->getATV()), 1);
+         EXPECT_TRUE(doc_->getErrorList().empty());
+       }},
+  };
+  for (const auto& c : cases) {
+    load("<BODY><%= x %></BODY>");
+    Element* visual = doc_->createElement("ZELX:ATV");
+    visual->insertLast(doc_->createElement("B"));
+    visual->insertLast(doc_->createTextNode("in the visual"));
+    ASSERT_TRUE(element("JSP:EXPRESSION")->setATV(visual));
+    // An edit in it is closed like any other; the empty element goes.
+    EXPECT_TRUE(doc_->adjustNodes(visual, /*full=*/false));
+    EXPECT_EQ(dumpTree(element("JSP:EXPRESSION")->getATV()), "ZELX:ATV(\"in the visual\")");
+    doc_->setLayoutCursor(visual->getLastChild(), 0);
+    doc_->adjustNodes(nullptr, /*full=*/false);
+    doc_->clearUpdateFlag();
+    doc_->clearRecord();
+    c.drop(element("JSP:EXPRESSION"));
+    EXPECT_EQ(element("JSP:EXPRESSION")->getMetaData(), nullptr) << c.rule;
+    EXPECT_EQ(source(), "<BODY><%= x %></BODY>") << c.rule;
+    if (std::string(c.rule) == "a repair") continue;
+    EXPECT_TRUE(element("JSP:EXPRESSION")->getUpdateFlag() & Node::UPDATE_META_DATA_MODIFIED) << c.rule;
+    EXPECT_EQ(doc_->canUndo(), 1) << c.rule;
+    doc_->undo(1);
+    EXPECT_NE(element("JSP:EXPRESSION")->getATV(), nullptr) << c.rule;
   }
 }
 

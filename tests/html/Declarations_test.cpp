@@ -88,6 +88,86 @@ TEST_F(Declarations, OfEntitiesCountForTheTextBehindThem) {
   EXPECT_FALSE(text(1)->isEmptyText(/*ignoreWhitespaceType=*/true));
 }
 
+TEST_F(Declarations, TellAHostWhatWasCut) {
+  const auto isCut = [this](int n) { return (find("!DOCTYPE", n)->getError() & ERR_PI_SUBSET_CUT) != 0; };
+  load("<!DOCTYPE A SYSTEM b [<!ELEMENT NEW - O (#PCDATA)>]><P>");
+  EXPECT_FALSE(isCut(0));
+  EXPECT_FALSE(dom_->getDocumentType()->isCut());
+  load("<!DOCTYPE A [%none;]><!DOCTYPE A SYSTEM b [%none;<!ELEMENT MORE - O (#PCDATA)>]><P>");
+  EXPECT_FALSE(isCut(0)) << "no subset stands there";
+  EXPECT_TRUE(isCut(1));
+  EXPECT_TRUE(dom_->getDocumentType()->isCut());
+  EXPECT_FALSE(dom_->getDocumentType()->getElementDefinition("MORE"));
+  EXPECT_EQ(doc_->getErrorList().back()->error & ERR_PI_SUBSET_CUT, ERR_PI_SUBSET_CUT);
+  EXPECT_EQ(doc_->getError() & ERR_DOC_SEVERE_PARSE_ERROR, 0u);
+  // The parser reads only so many subsets of one page.
+  std::string many;
+  for (int i = 0; i < 65; ++i) many += "<!DOCTYPE A SYSTEM b [<!ENTITY e 'x'>]>";
+  load(many);
+  EXPECT_FALSE(isCut(63));
+  EXPECT_TRUE(isCut(64));
+}
+
+// One DOM serves many pages: what they declare is bounded, and the pages of every day go on to be read.
+TEST_F(Declarations, OfManyPagesFitIntoOneDOM) {
+  const auto pageOf = [](const std::string& subset, const char* body) {
+    return "<!DOCTYPE HTML SYSTEM a [" + subset + "]>" + body;
+  };
+  const std::string daily = pageOf(
+      "<!ELEMENT (DAILY|P|TABLE) - O (#PCDATA|B|(NEVER))*><!ATTLIST (DAILY|P) kind (a|b) #IMPLIED>"
+      "<!ENTITY daily 'word'><!ENTITY % block 'x'>",
+      "<P KIND=a>&daily;<DAILY KIND=b>x");
+  const auto* frame = dom_->getDocumentType()->getDTDFrame();
+  const auto size = [frame] {
+    return frame->elementList->size() + frame->attributeLists.size() + frame->generalRecords.size() +
+           frame->parameterRecords.size() + static_cast<std::size_t>(frame->names.size());
+  };
+  const std::string expected = tree(daily, kDumpPlain | kDumpErrors);
+  const std::size_t afterOne = size();
+  const long nodesAfterOne = liveNodes::count;
+  for (int i = 0; i < 10000; ++i) load(daily);
+  EXPECT_EQ(size(), afterOne);
+  EXPECT_EQ(liveNodes::count, nodesAfterOne);
+  EXPECT_FALSE(dom_->getDocumentType()->isCut());
+  EXPECT_FALSE(tree(pageOf("<!ELEMENT LATER - O (#PCDATA)>", "<LATER>x")).empty());
+  EXPECT_TRUE(dom_->getDocumentType()->getElementDefinition("LATER"));
+  // Pages that declare something new each time, as much as they can.
+  const std::string filler(2000, 'x');
+  bool wasCut = false;
+  for (int i = 0; i < 10000; ++i) {
+    const std::string n = std::to_string(i);
+    load(pageOf("<!ELEMENT N" + n + " O O (N" + n + "|P)* -(B)><!ATTLIST P a" + n + " (" + filler +
+                    ") #IMPLIED><!ENTITY e" + n + " '" + filler + "'><!ENTITY % e" + n + " '" + filler + "'>",
+                "<P>x"));
+    wasCut = wasCut || (find("!DOCTYPE")->getError() & ERR_PI_SUBSET_CUT) != 0;
+  }
+  EXPECT_TRUE(wasCut);
+  EXPECT_TRUE(dom_->getDocumentType()->isCut());
+  EXPECT_LE(frame->pageShare.bytes, std::size_t{8} << 20);
+  EXPECT_LT(size(), afterOne + 10000);
+  EXPECT_EQ(tree(daily, kDumpPlain | kDumpErrors), expected);
+}
+
+// Elements with exclusions in every order make a set for each tag; they go with the page.
+TEST_F(Declarations, OfExclusionsLeaveNoSetsBehind) {
+  std::string subset;
+  for (int i = 0; i < 300; ++i) {
+    const std::string n = std::to_string(i);
+    subset += "<!ELEMENT E" + n + " - - ANY -(F" + n + ")>";
+  }
+  unsigned state = 1;
+  for (int page = 0; page < 5; ++page) {
+    std::string text = "<!DOCTYPE HTML SYSTEM a [" + subset + "]><P>";
+    for (int i = 0; i < 30000; ++i) {
+      state = state * 1103515245 + 12345;
+      text += i % 50 == 0 ? "<HR>" : "<E" + std::to_string(state / 65536 % 300) + ">";
+    }
+    load(text);
+    const auto* frame = dom_->getDocumentType()->getDTDFrame();
+    EXPECT_LE(frame->contents ? frame->contents->setCount() : 0, 4096u);
+  }
+}
+
 // Each of these once had no end, or ran off the text.
 TEST_F(Declarations, OfHostileSubsetsComeToAnEnd) {
   const std::string deep(3000, '(');

@@ -123,6 +123,9 @@ TEST_F(CodeConvTest, ImportDetectsTheCharset) {
       {"\xe0\xa1\xa4\xab", CodeConv::CHARSET_SJIS, "\xe0\xa1\xa4\xab"},  // right in both counts as Shift-JIS
       {"\xb1 \xa4\xab", CodeConv::CHARSET_SJIS, "\xb1 \xa4\xab"},        // a lone kana decides
       {"\x1b(I1\x1b$B", CodeConv::CHARSET_SJIS, "\x1b(I1\x1b$B"},        // and so does a start with kana
+      // A byte order mark says what it is, and stays.
+      {"\xef\xbb\xbf\xe3\x81\x8b", CodeConv::CHARSET_NONE, "\xef\xbb\xbf\xe3\x81\x8b"},
+      {"\xef\xbb\xbf\xa4\xab", CodeConv::CHARSET_NONE, "\xef\xbb\xbf\xa4\xab"},
   };
   for (const auto& c : cases) {
     CodeConv conv;
@@ -130,9 +133,12 @@ TEST_F(CodeConvTest, ImportDetectsTheCharset) {
     EXPECT_EQ(conv.GetCharset(), c.charset);
     EXPECT_EQ(conv.Export(c.text.c_str(), -1, CodeConv::CHARSET_DEFAULT, CodeConv::NEWLINE_DEFAULT), c.data);
   }
+  CodeConv conv;
+  EXPECT_STREQ(conv.Import("\xef\xbb\xbf\xa4\xab", -1, CodeConv::CHARSET_EUC), "\xef\xbb\xbf\x82\xa9");
+  EXPECT_STREQ(conv.Export("\xef\xbb\xbf\x82\xa9", -1, CodeConv::CHARSET_AUTO, CodeConv::NEWLINE_CRLF),
+               "\xef\xbb\xbf\xa4\xab");
   CodeConv::SetImportCharset(CodeConv::CHARSET_NONE);
   CodeConv::SetExportCharset(CodeConv::CHARSET_EUC);
-  CodeConv conv;
   EXPECT_STREQ(conv.Import("\xa4\xab", -1, CodeConv::CHARSET_DEFAULT), "\xa4\xab");
   EXPECT_EQ(conv.GetCharset(), CodeConv::CHARSET_NONE);
   EXPECT_STREQ(conv.Export("\x82\xa9", -1, CodeConv::CHARSET_DEFAULT, CodeConv::NEWLINE_CRLF), "\xa4\xab");

@@ -3,6 +3,8 @@
 
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -137,12 +139,48 @@ TEST(MarkedTextTest, CutAndStrayMarksGoBackAsTheyStand) {
 }
 
 TEST(MarkedTextTest, ProtectMarkupMarksOnce) {
-  const std::string once = "\x1b<b\x1b>\x1b\"\x1b&\x1c\x1d\x20\x26\x1c<";
+  const std::string once = "\x1b<b\x1b>\x1b\"\x1b&\x1c\x1d\x20\x26\x1c\x1b<";
   std::string text = "<b>\"\x1b&\x1c\x1d\x20\x26\x1c<";
   protectMarkup(text);
   EXPECT_EQ(text, once);
   protectMarkup(text);
   EXPECT_EQ(text, once);
+}
+
+// A byte that looks like a mark hides no markup behind it.
+TEST(MarkedTextTest, OnlyWholeUnitsHideWhatTheyHold) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"\x1c<script>", "\x1c&#60;script&#62;"},
+      {"\x1c\"&<>", "\x1c&#34;&#38;&#60;&#62;"},
+      {"\x1c\x41\x1b<", "\x1c\x41&#60;"},
+      {"\x1b<\x1b", "&#60;\x1b"},
+      {"\x1c\x1d<b>", "&#15458;&#62;"},  // the unit of another character
+      // Marking what stands behind would make a unit of it: the byte itself is marked.
+      {"\x1c\x1c<", "&#28;\x1c&#60;"},
+      {"\x1c<\x1c", "&#28;&#60;\x1c"},
+      {"\x1c<\x1d>", "&#28;&#60;\x1d&#62;"},
+  };
+  for (const auto& [plain, expected] : cases) {
+    std::string text = plain;
+    protectMarkup(text);
+    EXPECT_EQ(restored(text), expected);
+    protectMarkup(text);
+    EXPECT_EQ(restored(text), expected);
+  }
+  // All texts of up to six of these bytes.
+  constexpr std::string_view kBytes = "\x1b\x1c\x1d<x";
+  std::vector<std::string> texts{""};
+  for (std::size_t i = 0; i < texts.size() && texts[i].size() < 6; ++i) {
+    for (char c : kBytes) texts.push_back(texts[i] + c);
+  }
+  for (const std::string& plain : texts) {
+    std::string text = plain;
+    protectMarkup(text);
+    ASSERT_EQ(restored(text).find('<'), std::string::npos) << ::testing::PrintToString(plain);
+    std::string again = text;
+    protectMarkup(again);
+    ASSERT_EQ(again, text) << ::testing::PrintToString(plain);
+  }
 }
 
 TEST(MarkedTextTest, EscapeKeepsOnlyReferencesThatMeanSomething) {

@@ -73,6 +73,7 @@ TEST(Guard, PassesSoundRepairs) {
       "<body><b>T{+</b>+}<p>{+<b>+}U{+</b>+}</p>{-</b>-}",
       "<body>{-<a href=x>\n-}<h2>{+<a href=x>+}<img src=i>{+</a>+}</h2>\n{-</a>-}",
       "<body>{-<a href=x><h2>-}{+<h2><a href=x>+}T{+</a>+}</h2>{-</a>-}",
+      "<body><font size=2>T{+</font>+}<noscript>{+<font size=2>+}U{+</font>+}</noscript>{-</font>-}",
       "<body><p>a<div>b</div>{-</p>-}",
       "<body><% if (x) { %><p>a <i>b{+</i>+}</p><% } %>",
       "<body>{+<ul>+}<li>a</li>{+</ul>+}",

@@ -1,8 +1,11 @@
 // Child lists, links, counts, flags and questions of the node base.
+#include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "dom/tree/ChildIndex.h"
 #include "tests/host/TestPage.h"
 
 namespace zeldom40 {
@@ -453,6 +456,14 @@ TEST_F(NodeTest, FlagsOfFreshNodes) {
   EXPECT_EQ(clone->addRef(true), 1);
   clone->releaseRef(true);
   a->releaseRef(true);
+  // A flag of a host's own fits into 16 bits.
+  Element* own = make("B");
+  own->clearUpdateFlag();
+  own->setUpdateFlag(0x18000);
+  EXPECT_EQ(own->getUpdateFlag(), 0x8000u);
+  own->resetUpdateFlag(0x18000);
+  EXPECT_EQ(own->getUpdateFlag(), 0u);
+  own->releaseRef(true);
 }
 
 TEST_F(NodeTest, SevereErrorsReachTheDocumentAlone) {
@@ -512,6 +523,106 @@ TEST_F(NodeTest, IndicesOutsideGiveTheLastChild) {
   Element* p = family("P", "ABC");
   for (int index : {-1, 2, 3, 1000}) EXPECT_EQ(p->getChildNode(index), p->getLastChild());
   p->releaseRef(true);
+}
+
+// Indices are right and cheap while nodes come and go between the questions; each of these once cost its square.
+TEST_F(NodeTest, IndicesStayCheapBetweenEdits) {
+  constexpr int kMany = 100000;
+  const struct {
+    const char* what;
+    std::function<void(Element*, int)> step;
+  } cases[] = {
+      {"ask anywhere, insert there",
+       [this](Element* p, int i) {
+         Node* child = p->getChildNode(static_cast<int>(i * 7919LL % (i + 1)));
+         p->insertBefore(make("X"), child);
+       }},
+      {"insert in front, ask behind",
+       [this](Element* p, int i) {
+         p->insertFirst(make("X"));
+         EXPECT_EQ(p->getChildNode(i + 1), p->getLastChild());
+       }},
+      {"insert in the middle, ask for its index",
+       [this](Element* p, int i) {
+         Node* added = make("X");
+         p->insertAfter(added, p->getChildNode(i / 2));
+         EXPECT_EQ(p->getChildIndex(added), i == 0 ? 1 : i / 2 + 1);
+       }},
+      {"insert twice and remove",
+       [this](Element* p, int i) {
+         p->insertBefore(make("X"), p->getChildNode(i / 3));
+         p->insertLast(make("X"));
+         p->removeChild(p->getChildNode(i / 3))->releaseRef(false);
+       }},
+      {"ask once, then edit only",
+       [this](Element* p, int i) {
+         if (i == 0) p->getChildNode(0);
+         p->insertFirst(make("X"));
+       }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Element* p = family("P", "A");
+    for (int i = 0; i < kMany; ++i) c.step(p, i);
+    ASSERT_EQ(p->getNumOfChildNodes(), kMany + 1u);
+    int index = 0;
+    bool same = true;
+    for (Node* child = p->getFirstChild(); child; child = child->getNextSibling(), ++index) {
+      same = same && p->getChildNode(index) == child && p->getChildIndex(child) == index;
+    }
+    EXPECT_TRUE(same);
+    p->releaseRef(true);
+  }
+}
+
+// Against a plain vector.
+TEST(ChildIndexTest, IsTheListThatItStandsFor) {
+  std::vector<Node*> expected;
+  ChildIndex list;
+  unsigned state = 7;
+  const auto below = [&state](std::size_t n) {
+    state = state * 1103515245 + 12345;
+    return n ? state / 65536 % n : 0;
+  };
+  std::uintptr_t next = 0;
+  for (int step = 0; step < 20000; ++step) {
+    const std::size_t at = below(expected.size() + 1);
+    const auto where = expected.begin() + static_cast<std::ptrdiff_t>(at);
+    // It grows to some thousands and shrinks again.
+    switch (below(step / 2000 % 2 ? 8 : 5)) {
+      case 0:
+        list.append(reinterpret_cast<Node*>(++next));
+        expected.push_back(reinterpret_cast<Node*>(next));
+        break;
+      case 1: {
+        std::vector<Node*> run(below(20) ? 1 + below(5) : 1500);
+        for (Node*& node : run) node = reinterpret_cast<Node*>(++next);
+        expected.insert(where, run.begin(), run.end());
+        list.insert(at, run);
+        break;
+      }
+      case 2:
+        if (at < expected.size()) {
+          EXPECT_EQ(list[at], expected[at]);
+          EXPECT_EQ(list.find(expected[at]), at);
+        }
+        break;
+      default: {
+        const std::size_t count = std::min(below(40) ? below(7) : below(3000), expected.size() - at);
+        expected.erase(where, where + static_cast<std::ptrdiff_t>(count));
+        list.erase(at, count);
+        break;
+      }
+    }
+    ASSERT_EQ(list.size(), expected.size());
+    if (!expected.empty()) {
+      ASSERT_EQ(list.front(), expected.front());
+      ASSERT_EQ(list.back(), expected.back());
+    }
+    if (step % 500) continue;
+    for (std::size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(list[i], expected[i]);
+    EXPECT_EQ(list.find(reinterpret_cast<Node*>(next + 1)), list.size());
+  }
 }
 
 // --- iterators -------------------------------------------------------------------------------------------------------

@@ -65,6 +65,24 @@ TEST_F(TextTest, TheEditedFormDecides) {
   EXPECT_EQ(t->getRawData(), std::string("a\0b", 3));
 }
 
+// What a host types is text, also behind a byte that looks like a mark of the plain form.
+TEST_F(TextTest, StrayMarksHideNoMarkup) {
+  load("<P>x");
+  Text* t = text();
+  t->setData("\x1c<script>", /*notify=*/true);
+  EXPECT_EQ(t->getRawData(), "\x1c&lt;script&gt;");
+  t->setData("", true);
+  t->insert(0, "\x1c\x1c<b", /*moveCursor=*/false, Text::SPACE_NORMAL);
+  EXPECT_EQ(t->getRawData(), "&#28;\x1c&lt;b");
+  t->setData("a\x1c", true);
+  t->replace(1, 1, "\x1c<i>", false);
+  EXPECT_EQ(t->getRawData(), "a\x1c&lt;i&gt;");
+  // The source of a page may bring the two together.
+  load("<P>\x1c&lt;i>");
+  text()->insert(0, "a", false, Text::SPACE_NORMAL);
+  EXPECT_EQ(text()->getRawData().find('<'), std::string::npos) << text()->getRawData();
+}
+
 TEST_F(TextTest, SourceFormsOfTheTypes) {
   const struct {
     Text::TextType type;

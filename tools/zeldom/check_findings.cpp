@@ -34,6 +34,7 @@ constexpr Rule kRules[] = {
      "The name of an attribute is in the wrong case of letters"},
     {ERR_ELEMENT_INVALID_CASE_END, "ERR_ELEMENT_INVALID_CASE_END",
      "The name of an end tag is in the wrong case of letters"},
+    {ERR_PI_SUBSET_CUT, "ERR_PI_SUBSET_CUT", "Declarations of a document type declaration are left out"},
 };
 
 Element* asElement(Node* node) {
@@ -133,6 +134,8 @@ class Collector {
         return node->getName().empty() ? "this tag is of no known kind" : named + " is no element of HTML 4.0";
       case ERR_PI_DUPLICATED:
         return "a second document type declaration";
+      case ERR_PI_SUBSET_CUT:
+        return "not everything that is declared here was read";
       case ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST:
         return "text may not stand " + holder(node);
       case ERR_ELEMENT_INVALID_CASE:

@@ -37,6 +37,23 @@ std::string line(const SourceMap& map, std::size_t offset, const Entry& entry, s
          entry.reason + (rule ? std::string(" [") + rule->id + "]" : std::string());
 }
 
+// Plans that the guard stops are left out, so that the others are made.
+constexpr int kMostBarred = 12;
+
+SourceRepair repair(const Library& library, const SourceFile& file, const FixOptions& options, GuardMode mode) {
+  SourceRepair::Options how;
+  how.unsafe = options.unsafe;
+  how.guardWide = file.charset == CodeConv::CHARSET_JIS;
+  for (int i = 0;; ++i) {
+    SourceRepair result(library.dom(), file.text, how);
+    std::vector<PlannedEdit> planned;
+    for (const SourceEdit& edit : result.edits()) planned.push_back({edit.offset, edit.length, edit.replacement});
+    const auto fault = compareWrites(file.text, result.text(), mode, planned);
+    if (!fault || i == kMostBarred) return result;
+    how.barred.push_back(fault->offset);
+  }
+}
+
 }  // namespace
 
 ExitCode runFix(const FixOptions& options, const Settings& settings) {
@@ -46,19 +63,19 @@ ExitCode runFix(const FixOptions& options, const Settings& settings) {
   return rewriteFiles(options.rewrite, library, [&](const Library& lib, const Page& page, const SourceFile& file) {
     ChangeResult result;
     result.mode = options.unsafe ? GuardMode::kFixUnsafe : GuardMode::kFix;
-    const SourceRepair repair(lib.dom(), file.text, options.unsafe, file.charset == CodeConv::CHARSET_JIS);
-    result.text = repair.text();
-    result.edits = repair.edits();
-    result.done = summary(repair.settled());
+    const SourceRepair repaired = repair(lib, file, options, result.mode);
+    result.text = repaired.text();
+    result.edits = repaired.edits();
+    result.done = summary(repaired.settled());
     const SourceMap before(page.document());
-    for (const Entry& entry : repair.settled()) {
+    for (const Entry& entry : repaired.settled()) {
       const bool unsafe = entry.kind == RepairPlanner::UNSAFE;
       if (shows || unsafe) result.notes.push_back(line(before, entry.offset, entry, unsafe ? "unsafe" : "safe"));
     }
     // Of a file that is changed the new lines count.
-    const Page repaired(lib, repair.text(), Pairs::kKeep);
-    const SourceMap after(repaired.document());
-    for (const Entry& entry : repair.left()) {
+    const Page again(lib, result.text, Pairs::kKeep);
+    const SourceMap after(again.document());
+    for (const Entry& entry : repaired.left()) {
       if (entry.isHint) continue;
       result.isLeft = true;
       result.notes.push_back(line(shows ? before : after, shows ? entry.offset : entry.now, entry, "left"));

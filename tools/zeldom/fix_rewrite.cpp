@@ -111,6 +111,17 @@ Versions versionsOf(const SourceFile& file, std::string bytes) {
   return versions;
 }
 
+// Each line end as one byte: an import makes those of a file alike.
+std::string withoutLineEnds(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isEnd = text[i] == '\r' || text[i] == '\n';
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+    out += isEnd ? '\n' : text[i];
+  }
+  return out;
+}
+
 // Makes the edits in the file, where the guard lets them pass; if not, says why in `fault`.
 Versions guarded(const Library& library, const SourceFile& file, const ChangeResult& changed, std::string* fault) {
   const TextMap known(library, file);
@@ -128,7 +139,7 @@ Versions guarded(const Library& library, const SourceFile& file, const ChangeRes
   if (const std::optional<GuardFault> found = compareWrites(file.bytes, bytes, changed.mode, planned)) {
     const SourceMap::Position at = map.getPosition(map.fromFile(found->offset));
     *fault = "line " + std::to_string(at.line) + ", column " + std::to_string(at.column) + ": " + found->reason;
-  } else if (importText(file, bytes) != changed.text) {
+  } else if (withoutLineEnds(importText(file, bytes)) != withoutLineEnds(changed.text)) {
     *fault = "the charset cannot hold what would be written";
   }
   return versionsOf(file, std::move(bytes));

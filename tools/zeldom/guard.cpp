@@ -221,7 +221,7 @@ struct Part {
   std::size_t edit = kNone;     // the edit that it belongs to; kNone: it stands in both pages
   std::size_t partner = kNone;  // of a tag: the part that its element begins or ends with
   std::size_t order = 0;        // protected bytes in front of it
-  std::size_t shown = 0;        // visible bytes in front of it
+  std::size_t shown = 0;        // bytes in front of it that show, but for tags around other things
   std::size_t branches = 0;     // server code that may branch in front of it
 };
 
@@ -285,7 +285,7 @@ void measure(Version* version) {
     part.shown = shown;
     part.branches = branches;
     if (isProtected(piece)) order += length;
-    if (piece.is(kVisible)) shown += length;
+    if (piece.is(kVisible) && (piece.kind != PieceKind::kBegin || piece.is(kVoidTag))) shown += length;
     if (piece.is(kMayBranch) || piece.is(kHoldsServer)) ++branches;
     if (!isTag(piece)) continue;
     NameCount& count = version->names[tagName(version->text(part))];
