@@ -411,7 +411,7 @@ class Cutter {
       const std::size_t browser = tagEnd(at, Reading::kBrowser, &unused);
       if (browser == kNone) return stop(at, "a tag without end");
       if (end == kNone) {
-        if (hidesMarkup(gaveUp_)) return stop(at, "a tag inside of a tag");
+        if (hidesMarkup(gaveUp_) || text().find('<', gaveUp_ + 1) < browser) return stop(at, "a tag inside of a tag");
         end = std::max(browser, piece.end);
       } else if (end != browser) {
         return stop(at, "a tag that readers end at different places");
