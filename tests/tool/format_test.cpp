@@ -266,7 +266,11 @@ TEST_F(Format, LeavesAloneWhatHasNoClearEnd) {
                               "<svg>",
                               "<jsp:text>",
                               "<!DOCTYPE x",
-                              "a</"};
+                              "a</",
+                              "<b<script>>",
+                              "<b <!-- >",
+                              "<title><script></title>",
+                              "<noscript><!-- </noscript>"};
   for (const std::string& end : ends) {
     EXPECT_EQ(format("<ul>\n<li>a\n</ul>\n" + end + "\nx\n   <p>y</p>\n"),
               "<ul>\n  <li>a\n</ul>\n" + end + "\nx\n   <p>y</p>\n");

@@ -282,6 +282,7 @@ class Cutter {
             *code = true;
             quotes[++depth] = 0;
           } else if (!quote) {
+            gaveUp_ = i;
             return kNone;
           }
         }
@@ -311,6 +312,37 @@ class Cutter {
       }
     }
     return kNone;
+  }
+
+  std::uint32_t traitsAt(std::size_t at) const {
+    return traitsOf(
+        lowered(text().substr(at, std::min<std::size_t>(text().find_first_of(" \t\r\n\f<>/\"'=", at) - at, 16))));
+  }
+
+  // Whether the "<" at `at` would make something else than markup of what follows.
+  bool hidesMarkup(std::size_t at) const {
+    const char next = charAt(at + 1);
+    return next == '!' || next == '?' || next == '%' || (isLetter(next) && (traitsAt(at + 1) & kKeptName));
+  }
+
+  // Whether all that hides markup ends within its bytes, so that readers who take a stretch of the page for markup and
+  // readers who do not go on alike behind it.
+  bool isClosed(std::size_t from, std::size_t to) const {
+    for (std::size_t i = text().find('<', from); i < to; i = text().find('<', i + 1)) {
+      if (!hidesMarkup(i)) continue;
+      std::size_t end = kNone;
+      if (startsAt(i, "<!--")) {
+        end = text().substr(0, to).find("-->", i + 4);
+      } else if (isLetter(charAt(i + 1))) {
+        const std::size_t nameEnd = text().find_first_of(" \t\r\n\f<>/\"'=", i + 1);
+        end = text().substr(0, to).find("</" + std::string(text().substr(i + 1, nameEnd - i - 1)), i);
+      } else {
+        end = text().substr(0, to).find(charAt(i + 1) == '!' ? ">" : charAt(i + 1) == '%' ? "%>" : "?>", i + 2);
+      }
+      if (end == kNone) return false;
+      i = end;
+    }
+    return true;
   }
 
   // --- pieces --------------------------------------------------------------------------------------------------------
@@ -379,6 +411,7 @@ class Cutter {
       const std::size_t browser = tagEnd(at, Reading::kBrowser, &unused);
       if (browser == kNone) return stop(at, "a tag without end");
       if (end == kNone) {
+        if (hidesMarkup(gaveUp_) || text().find('<', gaveUp_ + 1) < browser) return stop(at, "a tag inside of a tag");
         end = std::max(browser, piece.end);
       } else if (end != browser) {
         return stop(at, "a tag that readers end at different places");
@@ -419,6 +452,10 @@ class Cutter {
     // Inside a comment in a script a second script may begin, which takes the end tag for itself.
     if (name == "script" && contains(inside, "<!--") && contains(lowered(inside), "<script")) {
       return stop(from, "a script that readers end at different places");
+    }
+    // Not all readers take the content of these for text.
+    if (name != "script" && name != "style" && name != "textarea" && name != "xmp" && !isClosed(from, stopAt)) {
+      return stop(from, "content that readers end at different places");
     }
     if (name == "style") sheet_ += std::string(inside) + "\n";
     if (stopAt > from) {
@@ -492,7 +529,8 @@ class Cutter {
   const SourceMap& map_;
   const std::size_t limit_;
   LayoutPage page_;
-  std::size_t at_ = 0;  // all before is in tokens, or is white space
+  std::size_t at_ = 0;      // all before is in tokens, or is white space
+  std::size_t gaveUp_ = 0;  // where the last tag without end broke off
   Node* inPair_ = nullptr;
   std::unordered_map<std::string, std::uint32_t> numbers_;
   std::vector<std::uint32_t> traits_;  // of each name
