@@ -118,6 +118,17 @@ TEST_F(Hosting, Edits) {
   EXPECT_EQ(sourceOf(document, document->getDocumentElement()), edited);
 }
 
+TEST_F(Hosting, KeepsWhatItDoesNotEdit) {
+  dom->setRewriting(DOM::Rewriting::KEEP);  // before the first edit
+  load(document, "<p  class='x'>it&#x27;s\n \"old\"</p >\n");
+  auto* p = static_cast<Element*>(document->getElementsByTagName("P").toFirstNode());
+  p->setAttribute("ALIGN", "right", /*notify=*/true);
+  static_cast<Text*>(p->getFirstChild())->insert(-1, "!", /*moveCursor=*/false, Text::SPACE_NORMAL);
+  document->adjustNodes(nullptr, /*full=*/false);
+  EXPECT_EQ(sourceOf(document, document->getDocumentElement()),
+            "<p  class='x' align=\"right\">it&#x27;s\n \"old\"!</p >\n");
+}
+
 TEST_F(Hosting, LooksOnlyAtWhatChanged) {
   Node* root = load(document, "<P>a<P>b<P>c");
   std::string seen;
