@@ -80,9 +80,12 @@ class RepairPage {
   bool isVerbatim(std::size_t offset) const;
   // A begin tag in which no other tag begins, as far as its reader could tell.
   bool isPlainTag(SourceMap::Range tag) const;
-  // Whether a begin tag that is none of those begins in the stretch: it may have swallowed what stood behind it.
+  // Whether a begin tag that is none of those begins in the stretch, which may have swallowed what stood behind it, or
+  // a declaration, which ends what stands before.
   bool hasOddTag(std::size_t begin, std::size_t end) const;
-  // The page says that it is HTML 5, where an anchor may stand around blocks.
+  // Whether an element that the DTD does not know begins or ends in the stretch: nobody can tell what it holds.
+  bool hasUnknownTag(std::size_t begin, std::size_t end) const;
+  // The page says that it is HTML 5, or is a fragment of which nobody knows, where an anchor may stand around blocks.
   bool isHtml5() const { return isHtml5_; }
   bool isHalf() const { return isHalf_; }
   // The page opens HTML or BODY and does not close them: another file may go on where it ends.
@@ -115,7 +118,8 @@ class RepairPage {
   std::vector<SourceMap::Range> verbatim_;  // sorted
   std::vector<int> previous_;               // sibling before each item
   int head_ = kNone;
-  std::vector<std::size_t> oddTags_;  // where they begin, sorted
+  std::vector<std::size_t> oddTags_;  // where they begin, sorted; declarations too
+  std::vector<std::size_t> unknownTags_;
   bool isHalf_ = false;
   bool isHtml5_ = false;
   bool isOpenAtEnd_ = false;

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <map>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "dom/document/DOM.h"
@@ -30,6 +32,7 @@ constexpr int kMostPassed = 8;
 constexpr std::size_t kDeclarations = 1024;
 
 constexpr char kOddTag[] = "a tag before it is broken, which may hold the other tag";
+constexpr char kUnknownTag[] = "an element before it is not known, which may hold the other tag";
 constexpr char kHalfPage[] = "its other tag may stand in another file";
 constexpr char kServerBetween[] = ", though server code stands in between";
 constexpr char kWideBetween[] = ", though text that other programs may take for server code stands in between";
@@ -44,6 +47,10 @@ bool isOneOf(int id, const int (&ids)[N]) {
   return std::find(ids, ids + N, id) != ids + N;
 }
 
+bool isHeading(int id) {
+  constexpr int kHeadings[] = {ID_H1, ID_H2, ID_H3, ID_H4, ID_H5, ID_H6};
+  return isOneOf(id, kHeadings);
+}
 bool isCell(int id) { return id == ID_TD || id == ID_TH; }
 bool isList(int id) { return id == ID_UL || id == ID_OL || id == ID_DIR || id == ID_MENU; }
 bool isRowHolder(int id) { return id == ID_TABLE || id == ID_TBODY || id == ID_THEAD || id == ID_TFOOT; }
@@ -189,6 +196,10 @@ struct RepairPlanner::Data {
   }
   int skipped(int index, bool forward) const;
   bool isBetweenWords(int index) const;
+  bool isBesideBlock(int index) const;
+  int strayHeading(int index) const;
+  void exchangeEnd(int index, int stray);
+  bool reopen(int index);
   std::string name(int index) const { return "<" + page[index].node->getName() + ">"; }
   std::string endTag(int index) const { return "</" + page.writtenName(index) + ">"; }
   void edit(std::size_t offset, std::size_t length, std::string replacement, int rank = 0) {
@@ -202,6 +213,9 @@ struct RepairPlanner::Data {
   void finish(Kind kind, std::string reason);
   void giveUp(std::string reason) {
     edits.clear();
+    for (const std::size_t claimed : claims) {
+      if (!isClaimed.empty()) isClaimed[claimed] = false;
+    }
     claims.resize(1);
     finish(UNREPAIRED, std::move(reason));
   }
@@ -228,11 +242,13 @@ struct RepairPlanner::Data {
   std::vector<int> outermost;
   std::vector<int> scope;
   std::vector<Plan> plans;
-  std::vector<std::vector<PlannedEdit>> planned;  // of each plan
-  std::vector<std::size_t> planOf;                // of each finding
+  std::vector<std::vector<PlannedEdit>> planned;        // of each plan
+  std::vector<std::size_t> planOf;                      // of each finding
+  std::unordered_map<int, std::string_view> obstacles;  // to carry an element into blocks, by the outermost one
   // The plan that is being made.
   std::vector<PlannedEdit> edits;
-  std::vector<std::size_t> claims;
+  std::vector<std::size_t> claims;  // what it settles, the first one what it is made for
+  std::vector<bool> isClaimed;      // by the plan that is being made
 };
 
 // --- what there is ---------------------------------------------------------------------------------------------------
@@ -297,7 +313,10 @@ int RepairPlanner::Data::skipped(int index, bool forward) const {
 void RepairPlanner::Data::claim(int index, unsigned long bits) {
   const std::size_t finding = findingOf(index, bits);
   if (finding == kNoPlan || isSettled(finding)) return;
-  if (std::find(claims.begin(), claims.end(), finding) == claims.end()) claims.push_back(finding);
+  if (isClaimed.empty()) isClaimed.assign(findings.size(), false);
+  if (finding == claims.front() || isClaimed[finding]) return;
+  isClaimed[finding] = true;
+  claims.push_back(finding);
 }
 
 void RepairPlanner::Data::finish(Kind kind, std::string reason) {
@@ -383,15 +402,19 @@ void RepairPlanner::Data::planStrayEnd(int index) {
   const std::string tag(page.at(item.all));
   // Browsers show a line break.
   if (id == ID_BR) {
-    const bool isXml = page.source().find("XHTML 1") < kDeclarations;
+    const bool isXml =
+        std::string_view(page.source()).substr(0, kDeclarations).find("XHTML 1") != std::string_view::npos;
     edit(item.all.begin, item.all.length(), "<" + tag.substr(2, 2) + (isXml ? " />" : ">"));
     return finish(SAFE, "writes " + tag + " as a begin tag, as browsers read it");
   }
   if (isBetweenWords(index)) return giveUp("two words would become one");
+  if (id == ID_P && !isBesideBlock(index)) return giveUp("browsers show a new paragraph there");
+  if (isHeading(id) && isHeading(page.id(item.parent))) return giveUp("a heading of another level stands open");
   const int around = scope[static_cast<std::size_t>(index)];
   const bool isPart = isCell(id) || isRowHolder(id) || id == ID_TR;
   const std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
   if (page.hasOddTag(from, item.all.begin)) return giveUp(kOddTag);
+  if (page.hasUnknownTag(from, item.all.begin)) return giveUp(kUnknownTag);
   removeTag(item.all);
   finishAcross(from, item.all.begin, "drops " + tag);
 }
@@ -405,6 +428,17 @@ bool RepairPlanner::Data::isBetweenWords(int index) const {
   return page.trimBack(all.begin, 0) == all.begin && page.skipSpace(all.end, page.source().size()) == all.end;
 }
 
+// Something begins or ends a line there anyway: the holder, or a block.
+bool RepairPlanner::Data::isBesideBlock(int index) const {
+  for (const bool forward : {false, true}) {
+    const int sibling = skipped(index, forward);
+    if (sibling == kNone ? page[page[index].parent].isInline : page[sibling].isInline || !page[sibling].isElement)
+      continue;
+    return true;
+  }
+  return false;
+}
+
 void RepairPlanner::Data::planMissingEnd(int index) {
   const RepairPage::Item& item = page[index];
   const int id = page.id(index);
@@ -412,6 +446,10 @@ void RepairPlanner::Data::planMissingEnd(int index) {
   if ((item.error & ERR_ELEMENT_PARSE_ERROR) || !page.isPlainTag(item.begin)) return giveUp("its begin tag is broken");
   if (!item.isCarriable && !isOneOf(id, kClosable)) return giveUp("where it ends is not told by the page");
   const auto* element = static_cast<const Element*>(item.node);
+  if (isHeading(id)) {
+    if (const int stray = strayHeading(index); stray != kNone) return exchangeEnd(index, stray);
+  }
+  if (item.isCarriable && reopen(index)) return;
   std::size_t offset = item.end.begin;
   const int block = item.isCarriable ? misplacedIn[static_cast<std::size_t>(index)] : kNone;
   if (block != kNone) {
@@ -432,12 +470,58 @@ void RepairPlanner::Data::planMissingEnd(int index) {
     }
   }
   if (page.hasOddTag(item.begin.end, offset)) return giveUp(kOddTag);
+  if (page.hasUnknownTag(item.begin.end, offset)) return giveUp(kUnknownTag);
   insertEndTag(index, offset);
   const std::string reason = "adds " + endTag(index);
   if (page.isOpenAtEnd() && page.skipSpace(offset, page.source().size()) == page.source().size()) {
     return finish(UNSAFE, reason + ", though the page goes on in another file as it seems");
   }
   finishAcross(item.begin.end, offset, reason);
+}
+
+// The end tag of a heading of another level, which browsers take for that of this one; kNone if there is none. A block
+// before it tells that the heading ended long ago.
+int RepairPlanner::Data::strayHeading(int index) const {
+  for (int i = index + 1; i < page[index].behind; i = page[i].behind) {
+    if (isHeading(page.id(i)) && (page[i].error & ERR_ELEMENT_BEGIN_TAG_MISSING)) return i;
+    if (page[i].isElement && !page[i].isInline) return kNone;
+  }
+  return kNone;
+}
+
+void RepairPlanner::Data::exchangeEnd(int index, int stray) {
+  const Range tag = page[stray].all;
+  claim(stray, ERR_ELEMENT_BEGIN_TAG_MISSING);
+  edit(tag.begin, tag.length(), endTag(index));
+  finishAcross(page[index].begin.end, tag.begin, "writes " + std::string(page.at(tag)) + " as " + endTag(index));
+}
+
+// Elements that cross: what stands between the end of the outer one and the end tag of this one belongs to it still.
+bool RepairPlanner::Data::reopen(int index) {
+  const RepairPage::Item& item = page[index];
+  const int outer = item.parent;
+  if (outer == kNone || !page[outer].isCarriable || page[outer].end.isEmpty() || item.behind != page[outer].behind)
+    return false;
+  int stray = page.nextSibling(outer);
+  for (int i = 0; i < kMostPassed && stray != kNone && page[stray].isInline; ++i) stray = page.nextSibling(stray);
+  const bool isEnd =
+      stray != kNone && page.id(stray) == page.id(index) && (page[stray].error & ERR_ELEMENT_BEGIN_TAG_MISSING);
+  if (!isEnd) return false;
+  const std::size_t begin = page.skipSpace(page[outer].all.end, page[stray].all.begin);
+  if (begin == page[stray].all.begin) return false;
+  const std::string tag(page.at(item.begin));
+  const bool isBare = page.attributes(index).empty() && !page.hasServerCode(item.begin.begin + 1, item.begin.end);
+  if (!isBare && !page.isPlainTag(item.begin)) return false;
+  claim(stray, ERR_ELEMENT_BEGIN_TAG_MISSING);
+  insertEndTag(index, item.end.begin);
+  edit(begin, 0, tag, item.depth + 1);
+  const std::string reason = "ends " + name(index) + " with " + name(outer) + " and begins it again behind";
+  if (isBare) {
+    finishAcross(item.begin.end, page[stray].all.begin, reason);
+  } else {
+    finish(UNSAFE, reason);
+  }
+  return true;
 }
 
 // --- what is misplaced -----------------------------------------------------------------------------------------------
@@ -468,9 +552,15 @@ bool RepairPlanner::Data::endBeforeInner(int index) {
 bool RepairPlanner::Data::carry(int index) {
   const int top = outermost[static_cast<std::size_t>(index)];
   if (top == kNone || page[index].isInline) return false;
-  CarryPlan carried = carryIntoBlocks(page, top, misplacedIn);
-  if (!carried.obstacle.empty()) {
-    giveUp(std::string(carried.obstacle));
+  // What stops one of the blocks stops all of them.
+  std::string_view& obstacle = obstacles[top];
+  CarryPlan carried;
+  if (obstacle.empty()) {
+    carried = carryIntoBlocks(page, top, misplacedIn);
+    obstacle = carried.obstacle;
+  }
+  if (!obstacle.empty()) {
+    giveUp(std::string(obstacle));
     return true;
   }
   edits = std::move(carried.edits);
@@ -489,6 +579,8 @@ bool RepairPlanner::Data::carry(int index) {
   }
   if (page.isHalf() && !keepsEndTags) {
     giveUp(kHalfPage);
+  } else if (carried.mayLookOtherwise) {
+    finish(UNSAFE, reason + ", though its style may not fit there");
   } else {
     finishAcross(begin, end, reason);
   }
@@ -600,8 +692,7 @@ bool RepairPlanner::Data::moveBeforeTable(int index) {
   int table = item.parent;
   for (int i = 0; i < kMostPassed && table != kNone && page.id(table) != ID_TABLE; ++i) table = page[table].parent;
   if (table == kNone || page.id(table) != ID_TABLE || page[table].begin.isEmpty()) return false;
-  const std::size_t begin = page.skipSpace(item.all.begin, item.all.end);
-  const Range range = {begin, page.trimBack(item.all.end, begin)};
+  const Range range = item.all;
   edit(range.begin, range.length(), {});
   edit(page[table].begin.begin, 0, std::string(page.at(range)), index);
   finish(UNSAFE, "moves it before the table");

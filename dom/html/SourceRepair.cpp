@@ -23,7 +23,7 @@ int logarithm(std::size_t n) {
 // The largest part of the plans that a few checks show to be sound: who is next to something new goes first, and what
 // is left is halved.
 RepairPlanner::Verdict sound(const RepairPlanner& planner, std::vector<std::size_t> plans, std::vector<bool>& failed) {
-  const int rounds = logarithm(plans.size()) + 2;
+  const int rounds = std::max(logarithm(plans.size()), 1);
   for (int round = 0; round < 2 * rounds && !plans.empty(); ++round) {
     RepairPlanner::Verdict verdict = planner.verify(plans);
     if (verdict.isSound) return verdict;
@@ -44,7 +44,8 @@ SourceRepair::SourceRepair(DOM* dom, const std::string& source, Options options)
   }
 }
 
-void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted) const {
+void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted,
+                              std::vector<bool>& isBarred) const {
   for (const std::size_t barred : options_.barred) {
     const auto distance = [&](std::size_t plan) {
       const std::size_t begin = edited_.toOriginal(plans[plan].edits.front().offset);
@@ -54,7 +55,9 @@ void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std
     };
     const auto nearest = std::min_element(wanted.begin(), wanted.end(),
                                           [&](std::size_t a, std::size_t b) { return distance(a) < distance(b); });
-    if (nearest != wanted.end()) wanted.erase(nearest);
+    if (nearest == wanted.end()) return;
+    isBarred[*nearest] = true;
+    wanted.erase(nearest);
   }
 }
 
@@ -68,8 +71,9 @@ bool SourceRepair::pass(DOM* dom) {
     if (plans[i].kind == RepairPlanner::SAFE || (options_.unsafe && plans[i].kind == RepairPlanner::UNSAFE))
       wanted.push_back(i);
   }
-  dropBarred(plans, wanted);
   std::vector<bool> failed(plans.size(), false);
+  std::vector<bool> barred(plans.size(), false);
+  dropBarred(plans, wanted, barred);
   RepairPlanner::Verdict verdict;
   if (planner.source() == edited_.text()) verdict = sound(planner, std::move(wanted), failed);
   left_.clear();
@@ -83,8 +87,11 @@ bool SourceRepair::pass(DOM* dom) {
       entry.name = finding.node->getName();
       entry.now = finding.offset == SourceMap::NOWHERE ? 0 : finding.offset;
       entry.offset = edited_.toOriginal(entry.now);
-      entry.kind = failed[i] ? RepairPlanner::UNREPAIRED : plan.kind;
-      entry.reason = failed[i] ? "a repair would make another error" : plan.reason;
+      const bool isOut = failed[i] || barred[i];
+      entry.kind = isOut ? RepairPlanner::UNREPAIRED : plan.kind;
+      entry.reason = barred[i]   ? "another reader of the page sees something else there"
+                     : failed[i] ? "a repair would make another error"
+                                 : plan.reason;
       entry.isHint =
           planner.isHalfPage() && (finding.error & (ERR_ELEMENT_BEGIN_TAG_MISSING | ERR_ELEMENT_END_TAG_MISSING));
       (done ? settled_ : left_).push_back(std::move(entry));

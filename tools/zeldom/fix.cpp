@@ -50,7 +50,8 @@ SourceRepair repair(const Library& library, const SourceFile& file, const FixOpt
     for (const SourceEdit& edit : result.edits()) planned.push_back({edit.offset, edit.length, edit.replacement});
     const auto fault = compareWrites(file.text, result.text(), mode, planned);
     if (!fault || i == kMostBarred) return result;
-    how.barred.push_back(fault->offset);
+    // More of them each time: a page may have a thousand of one kind.
+    how.barred.insert(how.barred.end(), std::size_t{1} << i, fault->offset);
   }
 }
 
@@ -78,7 +79,8 @@ ExitCode runFix(const FixOptions& options, const Settings& settings) {
     for (const Entry& entry : repaired.left()) {
       if (entry.isHint) continue;
       result.isLeft = true;
-      result.notes.push_back(line(shows ? before : after, shows ? entry.offset : entry.now, entry, "left"));
+      result.notes.push_back(line(shows ? before : after, shows ? entry.offset : entry.now, entry,
+                                  entry.kind == RepairPlanner::UNSAFE ? "left, unsafe" : "left"));
     }
     return result;
   });

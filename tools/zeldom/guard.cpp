@@ -662,7 +662,8 @@ using Things = std::map<std::string, std::size_t, std::less<>>;
 void gather(std::string_view text, Things* all) {
   for (const Piece& piece : cutPage(text)) {
     const std::string_view bytes = bytesOf(text, piece);
-    if (piece.kind == PieceKind::kWord || piece.kind == PieceKind::kServer || piece.kind == PieceKind::kRaw) {
+    if (piece.kind == PieceKind::kWord || piece.kind == PieceKind::kServer || piece.kind == PieceKind::kRaw ||
+        piece.kind == PieceKind::kComment || piece.kind == PieceKind::kDeclaration) {
       // The name of an action may be put right.
       const bool isTagOfServer =
           piece.kind == PieceKind::kServer && bytes.size() > 1 && bytes[1] != '%' && bytes[1] != '?';
