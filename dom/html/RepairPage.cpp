@@ -28,6 +28,16 @@ constexpr std::string_view kVerbatim[] = {"PRE", "TEXTAREA", "SCRIPT", "STYLE", 
 constexpr std::string_view kNewer[] = {"SECTION", "ARTICLE", "NAV",   "HEADER", "FOOTER", "MAIN",
                                        "ASIDE",   "FIGURE",  "VIDEO", "AUDIO",  "CANVAS", "TEMPLATE"};
 
+// Elements of newer pages that hold others; the DTD, which does not know them, sees their tags one by one.
+constexpr std::string_view kContainers[] = {"FIGCAPTION", "DETAILS", "SUMMARY", "DIALOG", "HGROUP",
+                                            "SVG",        "MATH",    "PICTURE", "SLOT",   "SEARCH"};
+
+bool isNewContainer(std::string_view name) {
+  return std::find(std::begin(kNewer), std::end(kNewer), name) != std::end(kNewer) ||
+         std::find(std::begin(kContainers), std::end(kContainers), name) != std::end(kContainers) ||
+         name.find('-') != std::string_view::npos;
+}
+
 bool hasWord(std::string_view text, std::string_view upper) {
   const auto same = [](char a, char b) { return upperByte(a) == b; };
   return std::search(text.begin(), text.end(), upper.begin(), upper.end(), same) != text.end();
@@ -57,15 +67,23 @@ constexpr std::string_view kIncludes[] = {
 
 bool isOpener(char c) { return c == '<' || c == '$' || c == '#' || c == '{' || c == '[' || c == '@'; }
 
-// Words that begin a line of code in engines which mark it by a `#` or `@`.
-constexpr std::string_view kDirectives[] = {"if",      "else",  "end",     "foreach", "for",   "parse",
-                                            "include", "macro", "section", "extends", "yield", "while"};
+// Words that begin a line of code in engines which mark it by a `#` or `@`; most take an argument in parentheses.
+constexpr std::string_view kDirectives[] = {"if",    "foreach", "for",     "parse", "include",
+                                            "macro", "section", "extends", "yield", "while"};
+constexpr std::string_view kPlainDirectives[] = {"else", "end"};
 
 bool isDirective(std::string_view text) {
-  return std::any_of(std::begin(kDirectives), std::end(kDirectives), [&](std::string_view word) {
+  const auto follows = [&](std::string_view word) {
     return text.substr(1, word.size()) == word &&
            (text.size() == word.size() + 1 || !isNameByte(text[word.size() + 1]));
-  });
+  };
+  const auto takesArgument = [&](std::string_view word) {
+    std::size_t at = word.size() + 1;
+    while (at < text.size() && at < word.size() + 4 && text[at] == ' ') ++at;
+    return follows(word) && at < text.size() && text[at] == '(';
+  };
+  return std::any_of(std::begin(kDirectives), std::end(kDirectives), takesArgument) ||
+         std::any_of(std::begin(kPlainDirectives), std::end(kPlainDirectives), follows);
 }
 
 bool opensServerCode(std::string_view text, bool inScript) {
@@ -266,7 +284,7 @@ void RepairPage::judgeWhole() {
       isHtml5_ = isHtml5_ || (startsFolded(type, "<!doctype html") && !hasWord(type, "PUBLIC"));
     }
     if (item.isUnknown && item.all.isKnown()) {
-      unknownTags_.push_back(item.all.begin);
+      if (isNewContainer(item.node->getName())) unknownTags_.push_back(item.all.begin);
       const std::string& name = item.node->getName();
       isHtml5_ = isHtml5_ || std::find(std::begin(kNewer), std::end(kNewer), name) != std::end(kNewer);
     }

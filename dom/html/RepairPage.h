@@ -83,7 +83,7 @@ class RepairPage {
   // Whether a begin tag that is none of those begins in the stretch, which may have swallowed what stood behind it, or
   // a declaration, which ends what stands before.
   bool hasOddTag(std::size_t begin, std::size_t end) const;
-  // Whether an element that the DTD does not know begins or ends in the stretch: nobody can tell what it holds.
+  // Whether a container of newer pages, which the DTD does not know, begins or ends in the stretch.
   bool hasUnknownTag(std::size_t begin, std::size_t end) const;
   // The page says that it is HTML 5, or is a fragment of which nobody knows, where an anchor may stand around blocks.
   bool isHtml5() const { return isHtml5_; }

@@ -32,7 +32,7 @@ constexpr int kMostPassed = 8;
 constexpr std::size_t kDeclarations = 1024;
 
 constexpr char kOddTag[] = "a tag before it is broken, which may hold the other tag";
-constexpr char kUnknownTag[] = "an element before it is not known, which may hold the other tag";
+constexpr char kUnknownTag[] = "an element of newer pages may hold the other tag";
 constexpr char kHalfPage[] = "its other tag may stand in another file";
 constexpr char kServerBetween[] = ", though server code stands in between";
 constexpr char kWideBetween[] = ", though text that other programs may take for server code stands in between";
@@ -41,6 +41,8 @@ constexpr char kWideBetween[] = ", though text that other programs may take for 
 constexpr int kClosable[] = {ID_DIV, ID_CENTER, ID_BLOCKQUOTE, ID_TABLE,   ID_UL,      ID_OL,
                              ID_DL,  ID_DIR,    ID_MENU,       ID_H1,      ID_H2,      ID_H3,
                              ID_H4,  ID_H5,     ID_H6,         ID_ADDRESS, ID_CAPTION, ID_FIELDSET};
+
+constexpr int kVoid[] = {ID_HR, ID_IMG, ID_INPUT, ID_META, ID_LINK, ID_COL, ID_AREA, ID_PARAM, ID_BASE, ID_BASEFONT};
 
 template <std::size_t N>
 bool isOneOf(int id, const int (&ids)[N]) {
@@ -412,7 +414,10 @@ void RepairPlanner::Data::planStrayEnd(int index) {
   if (isHeading(id) && isHeading(page.id(item.parent))) return giveUp("a heading of another level stands open");
   const int around = scope[static_cast<std::size_t>(index)];
   const bool isPart = isCell(id) || isRowHolder(id) || id == ID_TR;
-  const std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
+  std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
+  // What never has content has its end tag right behind it.
+  const int before = page.previousSibling(index);
+  if (isOneOf(id, kVoid) && before != kNone && page.id(before) == id) from = page[before].all.end;
   if (page.hasOddTag(from, item.all.begin)) return giveUp(kOddTag);
   if (page.hasUnknownTag(from, item.all.begin)) return giveUp(kUnknownTag);
   removeTag(item.all);
