@@ -1,5 +1,6 @@
 // Repairs a page's source pass by pass.
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "dom/html/ParsedPage.h"
@@ -48,10 +49,13 @@ void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std
                               std::vector<bool>& isBarred) const {
   for (const std::size_t barred : options_.barred) {
     const auto distance = [&](std::size_t plan) {
-      const std::size_t begin = edited_.toOriginal(plans[plan].edits.front().offset);
-      const SourceEdit& last = plans[plan].edits.back();
-      const std::size_t end = edited_.toOriginal(last.offset + last.length);
-      return barred < begin ? begin - barred : barred > end ? barred - end : 0;
+      std::size_t least = std::numeric_limits<std::size_t>::max();
+      for (const SourceEdit& edit : plans[plan].edits) {
+        const std::size_t begin = edited_.toOriginal(edit.offset);
+        const std::size_t end = edited_.toOriginal(edit.offset + edit.length);
+        least = std::min(least, barred < begin ? begin - barred : barred > end ? barred - end : 0);
+      }
+      return least;
     };
     const auto nearest = std::min_element(wanted.begin(), wanted.end(),
                                           [&](std::size_t a, std::size_t b) { return distance(a) < distance(b); });
