@@ -173,10 +173,11 @@ TEST_F(Repair, ATagWithoutEndStays) {
 // The line is that of the file as it is afterwards; what half a page leaves open is a hint, and no repair.
 TEST_F(Repair, WhatIsDoneAndLeftIsTold) {
   write("a", kBegin + "<P>one <B><% x %></P>\n<TABLE>x</TABLE><P>two</I> three\n" + kEnd);
-  EXPECT_EQ(run("fix --dry-run a").err,
-            "a:2:8: left, unsafe: <B>: adds </B>, though server code stands in between [ERR_ELEMENT_END_TAG_MISSING]\n"
-            "a:3:8: left, unsafe: text: moves it before the table [ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]\n"
-            "a:3:23: left, unsafe: <I>: drops </I>, though server code stands in between [ERR_ELEMENT_BEGIN_TAG_MISSING]\n");
+  EXPECT_EQ(
+      run("fix --dry-run a").err,
+      "a:2:8: left, unsafe: <B>: adds </B>, though server code stands in between [ERR_ELEMENT_END_TAG_MISSING]\n"
+      "a:3:8: left, unsafe: text: moves it before the table [ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]\n"
+      "a:3:23: left, unsafe: <I>: drops </I>, though server code stands in between [ERR_ELEMENT_BEGIN_TAG_MISSING]\n");
   const Result unsafe = run("fix --unsafe -i a");
   EXPECT_NE(unsafe.err.find("a:2:8: unsafe: <B>: adds </B>"), std::string::npos) << unsafe.err;
   EXPECT_EQ(unsafe.out, "a: 3 repairs (3 unsafe), 2 lines changed\n");
