@@ -446,10 +446,11 @@ class RepairCheck {
     for (std::size_t edit = 0; edit < planned_.size(); ++edit) {
       const std::vector<const Part*> out = partsOf(old_, edit, &i), in = partsOf(new_, edit, &j);
       std::size_t next = 0;
+      std::optional<bool> breaks;
       for (const Part* part : in) {
         if (next < out.size() && old_.text(*out[next]) == new_.text(*part)) {
           ++next;
-        } else if (!mayCome(*part) && !isBreak(edit, *part)) {
+        } else if (!mayCome(*part) && !(isBreak(*part) && (breaks ? *breaks : *(breaks = mayBreak(edit))))) {
           return changed(part->piece, planned_[edit].offset);
         }
       }
@@ -460,7 +461,7 @@ class RepairCheck {
   }
 
   // Every browser reads the end tag of BR as a begin tag, so each may be written as one.
-  bool isBreak(std::size_t edit, const Part& part) const {
+  bool mayBreak(std::size_t edit) const {
     const auto count = [](std::string_view text, std::string_view tag) {
       const std::string all = folded(text);
       std::size_t times = 0;
@@ -468,9 +469,9 @@ class RepairCheck {
       return times;
     };
     const std::string_view was = old_.bytes.substr(planned_[edit].offset, planned_[edit].length);
-    return part.piece.is(kBareTag) && tagName(new_.text(part)) == "br" &&
-           count(planned_[edit].replacement, "<br") <= count(was, "</br") + count(was, "<br");
+    return count(planned_[edit].replacement, "<br") <= count(was, "</br") + count(was, "<br");
   }
+  bool isBreak(const Part& part) const { return part.piece.is(kBareTag) && tagName(new_.text(part)) == "br"; }
 
   // The parts of an edit but for white space, end tags and inline begin tags, which other checks know. `at` is where
   // to look.
