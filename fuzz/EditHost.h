@@ -58,6 +58,7 @@ class EditHost {
   EditHost(DOM* dom, Choices& choices, const char* documentTypeName = "HTML")
       : choices_(choices), pages_(choices.below(1u << 24), *dom->getDocumentType()), dom_(dom) {
     document_ = dom_->createDocument(documentTypeName);
+    dom_->setRewriting(choices_.chance(2) ? DOM::Rewriting::KEEP : DOM::Rewriting::STANDARD);
     load();
     openOther();
   }

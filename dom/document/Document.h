@@ -97,7 +97,8 @@ class ZELDOM40_API Document : public Node {
   // parent is returned untouched, else null. The visual of an element goes with its children, as by setATV(nullptr).
   Element* removeElement(Element* element, bool mergeTexts);
   // True for a text without data, and for a text-level element that holds nothing but such; the place of the cursor
-  // and of a single selection counts as content unless `ignoreCursor` (for the node itself).
+  // and of a single selection counts as content unless `ignoreCursor` (for the node itself). Under DOM::Rewriting::KEEP
+  // what the page has without content counts as content.
   bool isEmptyNode(Node* node, bool ignoreCursor);
   // The answer of a node, which a document never is: no.
   using Node::canContain;

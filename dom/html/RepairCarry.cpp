@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "dom/source/CharHelpers.h"
 #include "dom/tree/ElementAccess.h"
 
 namespace zeldom40 {
@@ -53,6 +54,7 @@ class Carrier {
     plan_.edits.push_back({offset, 0, std::string(text), rank});
   }
   void remove(SourceMap::Range tag);
+  bool hasHandler(int index) const;
   std::string endTag(int index) const {
     const RepairPage::Item& item = page_[index];
     return item.end.isEmpty() ? "</" + page_.writtenName(index) + ">" : std::string(page_.at(item.end));
@@ -93,7 +95,6 @@ CarryPlan Carrier::plan() {
   }
   if (!plan_.obstacle.empty()) return plan_;
   plan_.keepsEndTags = keepsEndTags_;
-  plan_.isAcrossServerCode = page_.hasServerCode(top.begin.end, top.end.begin);
   return plan_;
 }
 
@@ -164,10 +165,21 @@ void Carrier::leave(int index) {
   }
   const auto* element = static_cast<const Element*>(item.node);
   const bool isNamed = ElementAccess::hasAttribute(element, "ID") || ElementAccess::hasAttribute(element, "NAME");
+  const bool isStyled = ElementAccess::hasAttribute(element, "CLASS") || ElementAccess::hasAttribute(element, "STYLE");
+  plan_.mayLookOtherwise = plan_.mayLookOtherwise || (isStyled && page_.id(index) == ID_SPAN);
+  if (spanning.times > 1 && hasHandler(index)) fail("what it does would be done twice");
   if (spanning.times == 0) fail("it holds no text that could take the tag in");
   if (isNamed && spanning.times > 1) fail("it has a name, which may not be doubled");
   keepsEndTags_ = keepsEndTags_ && spanning.times == 1;
   around_.pop_back();
+}
+
+bool Carrier::hasHandler(int index) const {
+  const std::vector<SourceMap::Range> attributes = page_.attributes(index);
+  return std::any_of(attributes.begin(), attributes.end(), [&](const SourceMap::Range& range) {
+    const std::string_view text = page_.at(range);
+    return text.size() > 2 && upperByte(text[0]) == 'O' && upperByte(text[1]) == 'N';
+  });
 }
 
 void Carrier::remove(SourceMap::Range tag) {

@@ -12,9 +12,9 @@ namespace zeldom40 {
 struct CarryPlan {
   std::string_view obstacle;  // why there is no plan; empty: there is one
   std::vector<PlannedEdit> edits;
-  std::vector<int> settled;   // the misplaced blocks
-  bool keepsEndTags = false;  // as many end tags of each name come as go
-  bool isAcrossServerCode = false;
+  std::vector<int> settled;       // the misplaced blocks
+  bool keepsEndTags = false;      // as many end tags of each name come as go
+  bool mayLookOtherwise = false;  // a style sheet may speak of the elements
 };
 
 // `misplacedIn` gives for each item the first misplaced block below it that only inline elements stand around, kNone if

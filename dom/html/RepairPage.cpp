@@ -28,6 +28,16 @@ constexpr std::string_view kVerbatim[] = {"PRE", "TEXTAREA", "SCRIPT", "STYLE", 
 constexpr std::string_view kNewer[] = {"SECTION", "ARTICLE", "NAV",   "HEADER", "FOOTER", "MAIN",
                                        "ASIDE",   "FIGURE",  "VIDEO", "AUDIO",  "CANVAS", "TEMPLATE"};
 
+// Elements of newer pages that hold others; the DTD, which does not know them, sees their tags one by one.
+constexpr std::string_view kContainers[] = {"FIGCAPTION", "DETAILS", "SUMMARY", "DIALOG", "HGROUP",
+                                            "SVG",        "MATH",    "PICTURE", "SLOT",   "SEARCH"};
+
+bool isNewContainer(std::string_view name) {
+  return std::find(std::begin(kNewer), std::end(kNewer), name) != std::end(kNewer) ||
+         std::find(std::begin(kContainers), std::end(kContainers), name) != std::end(kContainers) ||
+         name.find('-') != std::string_view::npos;
+}
+
 bool hasWord(std::string_view text, std::string_view upper) {
   const auto same = [](char a, char b) { return upperByte(a) == b; };
   return std::search(text.begin(), text.end(), upper.begin(), upper.end(), same) != text.end();
@@ -46,11 +56,60 @@ bool startsFolded(std::string_view text, std::string_view word) {
                                                   [](char a, char b) { return upperByte(a) == upperByte(b); });
 }
 
+// An instruction that includes a file does so in its first bytes.
+constexpr std::size_t kLongestInclude = 512;
+
 // Constructs that bring another file into the page, behind their "<" or "{"; the prefix of a tag library is passed
 // over where the entry begins with a colon.
 constexpr std::string_view kIncludes[] = {
     "!--#include", "jsp:include", "jsp:directive.include", "tiles:", "c:import", "decorator:", "sitemesh:", ":include",
     ":insert",     ":decorate",   ":composition"};
+
+bool isOpener(char c) { return c == '<' || c == '$' || c == '#' || c == '{' || c == '[' || c == '@'; }
+
+// Words that begin a line of code in engines which mark it by a `#` or `@`; most take an argument in parentheses.
+constexpr std::string_view kDirectives[] = {"if",    "foreach", "for",     "parse", "include",
+                                            "macro", "section", "extends", "yield", "while"};
+constexpr std::string_view kPlainDirectives[] = {"else", "end"};
+
+bool isDirective(std::string_view text) {
+  const auto follows = [&](std::string_view word) {
+    return text.substr(1, word.size()) == word &&
+           (text.size() == word.size() + 1 || !isNameByte(text[word.size() + 1]));
+  };
+  const auto takesArgument = [&](std::string_view word) {
+    std::size_t at = word.size() + 1;
+    while (at < text.size() && at < word.size() + 4 && text[at] == ' ') ++at;
+    return follows(word) && at < text.size() && text[at] == '(';
+  };
+  return std::any_of(std::begin(kDirectives), std::end(kDirectives), takesArgument) ||
+         std::any_of(std::begin(kPlainDirectives), std::end(kPlainDirectives), follows);
+}
+
+bool opensServerCode(std::string_view text, bool inScript) {
+  const char next = text.size() > 1 ? text[1] : '\0';
+  switch (text[0]) {
+    case '$':
+      return next == '{' && !inScript;
+    case '#':
+    case '@':
+      return !inScript && ((next == '{' && text[0] == '#') || isDirective(text));
+    case '{':
+      return !inScript && (next == '{' || next == '%');
+    case '[':
+      return !inScript && next == '%';
+    default:
+      break;
+  }
+  if (next == '%') return true;
+  if (next == '?') return !startsFolded(text, "<?xml ");
+  if (next == '!') return startsFolded(text, "<!--#") || startsFolded(text, "<!--[if") || startsFolded(text, "<![");
+  const std::size_t name = next == '/' ? 2 : 1;
+  if (name < text.size() && (text[name] == '#' || text[name] == '@')) return true;
+  std::size_t at = name;
+  while (at < text.size() && isNameByte(text[at]) && text[at] != ':') ++at;
+  return at > name && isLetterByte(text[name]) && at < text.size() && text[at] == ':';
+}
 
 bool isInclude(std::string_view text) {
   if (text.substr(0, 3) == "<%@") {
@@ -63,10 +122,13 @@ bool isInclude(std::string_view text) {
     while (i < text.size() && (isSpaceByte(text[i]) || text[i] == '-')) ++i;
     const std::string_view rest = text.substr(i);
     return startsFolded(rest, "include") || startsFolded(rest, "extends") || startsFolded(rest, "block") ||
-           rest[0] == '>';
+           rest.substr(0, 1) == ">";
   }
+  if (text[0] == '#') return isDirective(text) && (text.substr(1, 5) == "parse" || text.substr(1, 7) == "include");
+  if (text.substr(0, 2) == "[%")
+    return startsFolded(text.substr(2, 16), " include") || startsFolded(text.substr(2, 16), " wrapper");
   if (text.substr(0, 2) == "<?") {
-    const std::string_view code = text.substr(0, text.find("?>"));
+    const std::string_view code = text.substr(0, std::min(kLongestInclude, text.substr(0, kLongestInclude).find("?>")));
     return code.find("include") != std::string_view::npos || code.find("require") != std::string_view::npos;
   }
   const std::string_view name = text.substr(1);
@@ -107,6 +169,7 @@ void RepairPage::readTree(Document& document) {
     item.parent = open.empty() ? kNone : open.back();
     item.depth = static_cast<int>(open.size());
     item.behind = index + 1;
+    item.id = -1;
     item.all = map.getRange(n);
     item.isElement = n->getNodeType() == Node::NODE_ELEMENT;
     item.isInline = n->getNodeType() == Node::NODE_TEXT;
@@ -117,6 +180,9 @@ void RepairPage::readTree(Document& document) {
       ElementAccess::gatherAttributeErrors(element);
       const ElementDefinition* definition = element->getElementDefinition();
       item.isUnknown = !definition;
+      const bool isEndTag = (n->getError() & ERR_ELEMENT_BEGIN_TAG_MISSING) != 0;
+      if (definition || isEndTag)
+        item.id = definition ? element->getElementID() : GetHTML40ElementID(n->getName().c_str());
       item.isCarriable = isCarriableName(element->getName());
       if (definition) {
         auto known = inlines.find(definition);
@@ -136,46 +202,35 @@ void RepairPage::readTree(Document& document) {
   for (const int index : open) items_[static_cast<std::size_t>(index)].behind = count();
 }
 
-// A `<%`, `<?`, SSI, `${`, `#{`, `{{`, `{%` or tag with a prefix, and the conditional comments of browsers.
+// A `<%`, `<?`, SSI, `${`, `#{`, `{{`, `{%`, tag with a prefix or directive of another engine, the conditional comments
+// of browsers, and scripts that write markup.
 void RepairPage::findServerCode(bool guardWide) {
   const std::string_view text = source_;
   // In scripts braces are of the script.
   std::vector<Range> scripts;
   for (int i = 0; i < count(); ++i) {
-    const Item& item = items_[static_cast<std::size_t>(i)];
-    if ((id(i) == ID_SCRIPT || id(i) == ID_STYLE) && item.begin.isKnown())
-      scripts.push_back({item.begin.end, item.end.begin});
+    const Item& item = (*this)[i];
+    if ((id(i) != ID_SCRIPT && id(i) != ID_STYLE) || !item.begin.isKnown()) continue;
+    scripts.push_back({item.begin.end, item.end.begin});
+    const std::string_view code = at(scripts.back());
+    if (code.find("document.write") != std::string_view::npos) server_.push_back(item.begin.begin);
   }
   std::size_t script = 0;
-  const auto inScript = [&](std::size_t at) {
-    while (script < scripts.size() && scripts[script].end <= at) ++script;
-    return script < scripts.size() && scripts[script].begin <= at;
-  };
   for (std::size_t i = 0; i < text.size(); ++i) {
     const bool isWide = guardWide && (text[i] & 0x80);
-    if (!isWide && text[i] != '<' && text[i] != '$' && text[i] != '#' && text[i] != '{') continue;
-    const char next = i + 1 < text.size() ? text[i + 1] : '\0';
-    bool found = isWide;
-    if (isWide) {
-      // nothing more to ask
-    } else if (text[i] != '<') {
-      const bool opens = text[i] == '{' ? next == '{' || next == '%' : next == '{';
-      found = opens && !inScript(i);
-    } else if (next == '%' || next == '?') {
-      found = next == '%' || !startsFolded(text.substr(i), "<?xml ");
-    } else if (next == '!') {
-      found = startsFolded(text.substr(i), "<!--#") || startsFolded(text.substr(i), "<!--[if") ||
-              startsFolded(text.substr(i), "<![");
-    } else {
-      std::size_t at = i + (next == '/' ? 2 : 1);
-      const std::size_t name = at;
-      while (at < text.size() && isNameByte(text[at]) && text[at] != ':') ++at;
-      found = at > name && isLetterByte(text[name]) && at < text.size() && text[at] == ':';
-    }
-    if (!found) continue;
+    if (!isWide && !isOpener(text[i])) continue;
+    while (script < scripts.size() && scripts[script].end <= i) ++script;
+    const bool inScript = script < scripts.size() && scripts[script].begin <= i;
+    if (!isWide && !opensServerCode(text.substr(i), inScript)) continue;
     server_.push_back(i);
     isHalf_ = isHalf_ || isInclude(text.substr(i));
   }
+  std::sort(server_.begin(), server_.end());
+}
+
+bool RepairPage::hasUnknownTag(std::size_t begin, std::size_t end) const {
+  const auto found = std::lower_bound(unknownTags_.begin(), unknownTags_.end(), begin);
+  return found != unknownTags_.end() && *found < end;
 }
 
 bool RepairPage::hasOddTag(std::size_t begin, std::size_t end) const {
@@ -218,7 +273,6 @@ bool RepairPage::isPlainTag(Range tag) const {
 
 void RepairPage::judgeWhole() {
   bool isWhole = false;
-  bool opens = false;
   bool closes = false;
   for (int i = 0; i < count(); ++i) {
     const Item& item = items_[static_cast<std::size_t>(i)];
@@ -226,9 +280,11 @@ void RepairPage::judgeWhole() {
       const bool isType = startsFolded(at(item.all), "<!doctype");
       isWhole = isWhole || isType;
       const std::string type(at(item.all));
+      oddTags_.push_back(item.all.begin);
       isHtml5_ = isHtml5_ || (startsFolded(type, "<!doctype html") && !hasWord(type, "PUBLIC"));
     }
-    if (item.isUnknown) {
+    if (item.isUnknown && item.all.isKnown()) {
+      if (isNewContainer(item.node->getName())) unknownTags_.push_back(item.all.begin);
       const std::string& name = item.node->getName();
       isHtml5_ = isHtml5_ || std::find(std::begin(kNewer), std::end(kNewer), name) != std::end(kNewer);
     }
@@ -237,16 +293,18 @@ void RepairPage::judgeWhole() {
     }
     if (!item.isElement || !item.begin.isKnown()) continue;
     const bool page = id(i) == ID_HTML || id(i) == ID_BODY;
-    if (!page && id(i) != ID_HEAD && id(i) != ID_TITLE) continue;
+    const bool isTitle = id(i) == ID_TITLE && item.parent != kNone && id(item.parent) == ID_HEAD;
+    if (!page && id(i) != ID_HEAD && !isTitle) continue;
     if (!item.begin.isEmpty() && !(item.error & ERR_ELEMENT_BEGIN_TAG_MISSING)) {
       isWhole = true;
-      opens = opens || page;
     }
     closes = closes || (page && !item.end.isEmpty());
     if (id(i) == ID_HEAD && head_ == kNone && !item.begin.isEmpty()) head_ = i;
   }
   isHalf_ = isHalf_ || !isWhole;
-  isOpenAtEnd_ = opens && !closes;
+  isOpenAtEnd_ = isWhole && !closes;
+  // Of a fragment nobody knows the language.
+  isHtml5_ = isHtml5_ || isHalf_;
 }
 
 int RepairPage::find(const Node* node) const {
@@ -261,11 +319,6 @@ int RepairPage::nextSibling(int index) const {
 }
 
 int RepairPage::previousSibling(int index) const { return previous_[static_cast<std::size_t>(index)]; }
-
-int RepairPage::id(int index) const {
-  const Item& item = (*this)[index];
-  return item.isElement && !item.isUnknown ? static_cast<const Element*>(item.node)->getElementID() : -1;
-}
 
 bool RepairPage::isBlank(int index) const {
   const Item& item = (*this)[index];

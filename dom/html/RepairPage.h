@@ -36,6 +36,7 @@ class RepairPage {
     int behind;  // the first index that is not below the node
     int depth;
     unsigned long error;
+    int id;                  // -1 for a text and for what has no identifier; an end tag alone has that of its name
     SourceMap::Range all;    // NOWHERE: generated content, which has no place
     SourceMap::Range begin;  // the begin tag; empty if it is implied; NOWHERE for what is no element
     SourceMap::Range end;    // the end tag in the same way
@@ -57,8 +58,7 @@ class RepairPage {
   int find(const Node* node) const;
   int nextSibling(int index) const;
   int previousSibling(int index) const;
-  // -1 for a text and for what has no identifier.
-  int id(int index) const;
+  int id(int index) const { return (*this)[index].id; }
   std::string_view at(SourceMap::Range range) const {
     return std::string_view(source_).substr(range.begin, range.length());
   }
@@ -80,9 +80,12 @@ class RepairPage {
   bool isVerbatim(std::size_t offset) const;
   // A begin tag in which no other tag begins, as far as its reader could tell.
   bool isPlainTag(SourceMap::Range tag) const;
-  // Whether a begin tag that is none of those begins in the stretch: it may have swallowed what stood behind it.
+  // Whether a begin tag that is none of those begins in the stretch, which may have swallowed what stood behind it, or
+  // a declaration, which ends what stands before.
   bool hasOddTag(std::size_t begin, std::size_t end) const;
-  // The page says that it is HTML 5, where an anchor may stand around blocks.
+  // Whether a container of newer pages, which the DTD does not know, begins or ends in the stretch.
+  bool hasUnknownTag(std::size_t begin, std::size_t end) const;
+  // The page says that it is HTML 5, or is a fragment of which nobody knows, where an anchor may stand around blocks.
   bool isHtml5() const { return isHtml5_; }
   bool isHalf() const { return isHalf_; }
   // The page opens HTML or BODY and does not close them: another file may go on where it ends.
@@ -115,7 +118,8 @@ class RepairPage {
   std::vector<SourceMap::Range> verbatim_;  // sorted
   std::vector<int> previous_;               // sibling before each item
   int head_ = kNone;
-  std::vector<std::size_t> oddTags_;  // where they begin, sorted
+  std::vector<std::size_t> oddTags_;  // where they begin, sorted; declarations too
+  std::vector<std::size_t> unknownTags_;
   bool isHalf_ = false;
   bool isHtml5_ = false;
   bool isOpenAtEnd_ = false;

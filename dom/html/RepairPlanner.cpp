@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <map>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "dom/document/DOM.h"
@@ -30,19 +32,27 @@ constexpr int kMostPassed = 8;
 constexpr std::size_t kDeclarations = 1024;
 
 constexpr char kOddTag[] = "a tag before it is broken, which may hold the other tag";
+constexpr char kUnknownTag[] = "an element of newer pages may hold the other tag";
 constexpr char kHalfPage[] = "its other tag may stand in another file";
 constexpr char kServerBetween[] = ", though server code stands in between";
+constexpr char kWideBetween[] = ", though text that other programs may take for server code stands in between";
 
 // Their end tag may be added and dropped: what they hold ends where the page shows it to end.
 constexpr int kClosable[] = {ID_DIV, ID_CENTER, ID_BLOCKQUOTE, ID_TABLE,   ID_UL,      ID_OL,
                              ID_DL,  ID_DIR,    ID_MENU,       ID_H1,      ID_H2,      ID_H3,
                              ID_H4,  ID_H5,     ID_H6,         ID_ADDRESS, ID_CAPTION, ID_FIELDSET};
 
+constexpr int kVoid[] = {ID_HR, ID_IMG, ID_INPUT, ID_META, ID_LINK, ID_COL, ID_AREA, ID_PARAM, ID_BASE, ID_BASEFONT};
+
 template <std::size_t N>
 bool isOneOf(int id, const int (&ids)[N]) {
   return std::find(ids, ids + N, id) != ids + N;
 }
 
+bool isHeading(int id) {
+  constexpr int kHeadings[] = {ID_H1, ID_H2, ID_H3, ID_H4, ID_H5, ID_H6};
+  return isOneOf(id, kHeadings);
+}
 bool isCell(int id) { return id == ID_TD || id == ID_TH; }
 bool isList(int id) { return id == ID_UL || id == ID_OL || id == ID_DIR || id == ID_MENU; }
 bool isRowHolder(int id) { return id == ID_TABLE || id == ID_TBODY || id == ID_THEAD || id == ID_TFOOT; }
@@ -152,7 +162,7 @@ class OffsetMap {
 
 struct RepairPlanner::Data {
   Data(Document& document, bool guardWide)
-      : dom(document.getDOM()), page(document, guardWide), findings(listFindings(page)) {
+      : dom(document.getDOM()), page(document, guardWide), findings(listFindings(page)), isWideGuarded(guardWide) {
     indexFindings();
     lookAround();
     planOf.assign(findings.size(), kNoPlan);
@@ -188,6 +198,10 @@ struct RepairPlanner::Data {
   }
   int skipped(int index, bool forward) const;
   bool isBetweenWords(int index) const;
+  bool isBesideBlock(int index) const;
+  int strayHeading(int index) const;
+  void exchangeEnd(int index, int stray);
+  bool reopen(int index);
   std::string name(int index) const { return "<" + page[index].node->getName() + ">"; }
   std::string endTag(int index) const { return "</" + page.writtenName(index) + ">"; }
   void edit(std::size_t offset, std::size_t length, std::string replacement, int rank = 0) {
@@ -201,12 +215,16 @@ struct RepairPlanner::Data {
   void finish(Kind kind, std::string reason);
   void giveUp(std::string reason) {
     edits.clear();
+    for (const std::size_t claimed : claims) {
+      if (!isClaimed.empty()) isClaimed[claimed] = false;
+    }
     claims.resize(1);
     finish(UNREPAIRED, std::move(reason));
   }
   // What is safe unless server code stands in that stretch.
   void finishAcross(std::size_t begin, std::size_t end, std::string reason) {
-    if (page.hasServerCode(begin, end)) return finish(UNSAFE, std::move(reason) + kServerBetween);
+    if (page.hasServerCode(begin, end))
+      return finish(UNSAFE, std::move(reason) + (isWideGuarded ? kWideBetween : kServerBetween));
     finish(SAFE, std::move(reason));
   }
 
@@ -215,6 +233,7 @@ struct RepairPlanner::Data {
   DOM* dom;
   RepairPage page;
   std::vector<Finding> findings;
+  bool isWideGuarded;
   std::vector<std::size_t> firstOf;  // finding of each item; those of one item stand together
   std::vector<int> itemOf;           // of each finding
   // Of each item: the first misplaced block below it that only inline elements stand around; of an anchor the first
@@ -225,15 +244,16 @@ struct RepairPlanner::Data {
   std::vector<int> outermost;
   std::vector<int> scope;
   std::vector<Plan> plans;
-  std::vector<std::vector<PlannedEdit>> planned;  // of each plan
-  std::vector<std::size_t> planOf;                // of each finding
+  std::vector<std::vector<PlannedEdit>> planned;        // of each plan
+  std::vector<std::size_t> planOf;                      // of each finding
+  std::unordered_map<int, std::string_view> obstacles;  // to carry an element into blocks, by the outermost one
   // The plan that is being made.
   std::vector<PlannedEdit> edits;
-  std::vector<std::size_t> claims;
+  std::vector<std::size_t> claims;  // what it settles, the first one what it is made for
+  std::vector<bool> isClaimed;      // by the plan that is being made
 };
 
-// --- what there is
-// ----------------------------------------------------------------------------------------------------
+// --- what there is ---------------------------------------------------------------------------------------------------
 
 void RepairPlanner::Data::indexFindings() {
   std::size_t next = 0;
@@ -289,14 +309,16 @@ int RepairPlanner::Data::skipped(int index, bool forward) const {
   return kNone;
 }
 
-// --- the plan that is being made
-// --------------------------------------------------------------------------------------
+// --- the plan that is being made -------------------------------------------------------------------------------------
 
 // The plan settles that error of the node too, if it has it and nothing else settles it.
 void RepairPlanner::Data::claim(int index, unsigned long bits) {
   const std::size_t finding = findingOf(index, bits);
   if (finding == kNoPlan || isSettled(finding)) return;
-  if (std::find(claims.begin(), claims.end(), finding) == claims.end()) claims.push_back(finding);
+  if (isClaimed.empty()) isClaimed.assign(findings.size(), false);
+  if (finding == claims.front() || isClaimed[finding]) return;
+  isClaimed[finding] = true;
+  claims.push_back(finding);
 }
 
 void RepairPlanner::Data::finish(Kind kind, std::string reason) {
@@ -369,8 +391,7 @@ void RepairPlanner::Data::plan(std::size_t finding) {
   }
 }
 
-// --- end tags
-// ---------------------------------------------------------------------------------------------------------
+// --- end tags --------------------------------------------------------------------------------------------------------
 
 void RepairPlanner::Data::planStrayEnd(int index) {
   const RepairPage::Item& item = page[index];
@@ -383,15 +404,22 @@ void RepairPlanner::Data::planStrayEnd(int index) {
   const std::string tag(page.at(item.all));
   // Browsers show a line break.
   if (id == ID_BR) {
-    const bool isXml = page.source().find("XHTML 1") < kDeclarations;
+    const bool isXml =
+        std::string_view(page.source()).substr(0, kDeclarations).find("XHTML 1") != std::string_view::npos;
     edit(item.all.begin, item.all.length(), "<" + tag.substr(2, 2) + (isXml ? " />" : ">"));
     return finish(SAFE, "writes " + tag + " as a begin tag, as browsers read it");
   }
   if (isBetweenWords(index)) return giveUp("two words would become one");
+  if (id == ID_P && !isBesideBlock(index)) return giveUp("browsers show a new paragraph there");
+  if (isHeading(id) && isHeading(page.id(item.parent))) return giveUp("a heading of another level stands open");
   const int around = scope[static_cast<std::size_t>(index)];
   const bool isPart = isCell(id) || isRowHolder(id) || id == ID_TR;
-  const std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
+  std::size_t from = around == kNone || isPart || !page[around].begin.isKnown() ? 0 : page[around].begin.end;
+  // What never has content has its end tag right behind it.
+  const int before = page.previousSibling(index);
+  if (isOneOf(id, kVoid) && before != kNone && page.id(before) == id) from = page[before].all.end;
   if (page.hasOddTag(from, item.all.begin)) return giveUp(kOddTag);
+  if (page.hasUnknownTag(from, item.all.begin)) return giveUp(kUnknownTag);
   removeTag(item.all);
   finishAcross(from, item.all.begin, "drops " + tag);
 }
@@ -405,6 +433,17 @@ bool RepairPlanner::Data::isBetweenWords(int index) const {
   return page.trimBack(all.begin, 0) == all.begin && page.skipSpace(all.end, page.source().size()) == all.end;
 }
 
+// Something begins or ends a line there anyway: the holder, or a block.
+bool RepairPlanner::Data::isBesideBlock(int index) const {
+  for (const bool forward : {false, true}) {
+    const int sibling = skipped(index, forward);
+    if (sibling == kNone ? page[page[index].parent].isInline : page[sibling].isInline || !page[sibling].isElement)
+      continue;
+    return true;
+  }
+  return false;
+}
+
 void RepairPlanner::Data::planMissingEnd(int index) {
   const RepairPage::Item& item = page[index];
   const int id = page.id(index);
@@ -412,6 +451,10 @@ void RepairPlanner::Data::planMissingEnd(int index) {
   if ((item.error & ERR_ELEMENT_PARSE_ERROR) || !page.isPlainTag(item.begin)) return giveUp("its begin tag is broken");
   if (!item.isCarriable && !isOneOf(id, kClosable)) return giveUp("where it ends is not told by the page");
   const auto* element = static_cast<const Element*>(item.node);
+  if (isHeading(id)) {
+    if (const int stray = strayHeading(index); stray != kNone) return exchangeEnd(index, stray);
+  }
+  if (item.isCarriable && reopen(index)) return;
   std::size_t offset = item.end.begin;
   const int block = item.isCarriable ? misplacedIn[static_cast<std::size_t>(index)] : kNone;
   if (block != kNone) {
@@ -432,6 +475,7 @@ void RepairPlanner::Data::planMissingEnd(int index) {
     }
   }
   if (page.hasOddTag(item.begin.end, offset)) return giveUp(kOddTag);
+  if (page.hasUnknownTag(item.begin.end, offset)) return giveUp(kUnknownTag);
   insertEndTag(index, offset);
   const std::string reason = "adds " + endTag(index);
   if (page.isOpenAtEnd() && page.skipSpace(offset, page.source().size()) == page.source().size()) {
@@ -440,8 +484,52 @@ void RepairPlanner::Data::planMissingEnd(int index) {
   finishAcross(item.begin.end, offset, reason);
 }
 
-// --- what is misplaced
-// ------------------------------------------------------------------------------------------------
+// The end tag of a heading of another level, which browsers take for that of this one; kNone if there is none. A block
+// before it tells that the heading ended long ago.
+int RepairPlanner::Data::strayHeading(int index) const {
+  for (int i = index + 1; i < page[index].behind; i = page[i].behind) {
+    if (isHeading(page.id(i)) && (page[i].error & ERR_ELEMENT_BEGIN_TAG_MISSING)) return i;
+    if (page[i].isElement && !page[i].isInline) return kNone;
+  }
+  return kNone;
+}
+
+void RepairPlanner::Data::exchangeEnd(int index, int stray) {
+  const Range tag = page[stray].all;
+  claim(stray, ERR_ELEMENT_BEGIN_TAG_MISSING);
+  edit(tag.begin, tag.length(), endTag(index));
+  finishAcross(page[index].begin.end, tag.begin, "writes " + std::string(page.at(tag)) + " as " + endTag(index));
+}
+
+// Elements that cross: what stands between the end of the outer one and the end tag of this one belongs to it still.
+bool RepairPlanner::Data::reopen(int index) {
+  const RepairPage::Item& item = page[index];
+  const int outer = item.parent;
+  if (outer == kNone || !page[outer].isCarriable || page[outer].end.isEmpty() || item.behind != page[outer].behind)
+    return false;
+  int stray = page.nextSibling(outer);
+  for (int i = 0; i < kMostPassed && stray != kNone && page[stray].isInline; ++i) stray = page.nextSibling(stray);
+  const bool isEnd =
+      stray != kNone && page.id(stray) == page.id(index) && (page[stray].error & ERR_ELEMENT_BEGIN_TAG_MISSING);
+  if (!isEnd) return false;
+  const std::size_t begin = page.skipSpace(page[outer].all.end, page[stray].all.begin);
+  if (begin == page[stray].all.begin) return false;
+  const std::string tag(page.at(item.begin));
+  const bool isBare = page.attributes(index).empty() && !page.hasServerCode(item.begin.begin + 1, item.begin.end);
+  if (!isBare && !page.isPlainTag(item.begin)) return false;
+  claim(stray, ERR_ELEMENT_BEGIN_TAG_MISSING);
+  insertEndTag(index, item.end.begin);
+  edit(begin, 0, tag, item.depth + 1);
+  const std::string reason = "ends " + name(index) + " with " + name(outer) + " and begins it again behind";
+  if (isBare) {
+    finishAcross(item.begin.end, page[stray].all.begin, reason);
+  } else {
+    finish(UNSAFE, reason);
+  }
+  return true;
+}
+
+// --- what is misplaced -----------------------------------------------------------------------------------------------
 
 void RepairPlanner::Data::planMisplaced(int index) {
   const RepairPage::Item& item = page[index];
@@ -469,9 +557,15 @@ bool RepairPlanner::Data::endBeforeInner(int index) {
 bool RepairPlanner::Data::carry(int index) {
   const int top = outermost[static_cast<std::size_t>(index)];
   if (top == kNone || page[index].isInline) return false;
-  CarryPlan carried = carryIntoBlocks(page, top, misplacedIn);
-  if (!carried.obstacle.empty()) {
-    giveUp(std::string(carried.obstacle));
+  // What stops one of the blocks stops all of them.
+  std::string_view& obstacle = obstacles[top];
+  CarryPlan carried;
+  if (obstacle.empty()) {
+    carried = carryIntoBlocks(page, top, misplacedIn);
+    obstacle = carried.obstacle;
+  }
+  if (!obstacle.empty()) {
+    giveUp(std::string(obstacle));
     return true;
   }
   edits = std::move(carried.edits);
@@ -490,6 +584,8 @@ bool RepairPlanner::Data::carry(int index) {
   }
   if (page.isHalf() && !keepsEndTags) {
     giveUp(kHalfPage);
+  } else if (carried.mayLookOtherwise) {
+    finish(UNSAFE, reason + ", though its style may not fit there");
   } else {
     finishAcross(begin, end, reason);
   }
@@ -500,7 +596,9 @@ bool RepairPlanner::Data::carry(int index) {
 bool RepairPlanner::Data::wrapCells(int index) {
   const int table = page[index].parent;
   if (!isCell(page.id(index)) || !isRowHolder(page.id(table))) return false;
-  if (page.isHalf() || page[table].begin.isEmpty()) {
+  // The body of a table may be implied; a table that another file begins is not this one's to mend.
+  const int own = page[table].begin.isEmpty() ? page[table].parent : table;
+  if (page.isHalf() || own == kNone || page[own].begin.isEmpty()) {
     giveUp(kHalfPage);
     return true;
   }
@@ -528,8 +626,8 @@ bool RepairPlanner::Data::wrapCells(int index) {
     claim(stray, ERR_ELEMENT_BEGIN_TAG_MISSING);
     end = page[stray].all.begin;
   } else if (!page[last].end.isEmpty()) {
-    const bool own = line != SourceMap::NOWHERE && page.lineEnd(end) != SourceMap::NOWHERE;
-    edit(end, 0, (own ? std::string(page.newlineNear(line)) + page.indentOf(like) : std::string()) + "</" + tag + ">",
+    const bool alone = line != SourceMap::NOWHERE && page.lineEnd(end) != SourceMap::NOWHERE;
+    edit(end, 0, (alone ? std::string(page.newlineNear(line)) + page.indentOf(like) : std::string()) + "</" + tag + ">",
          -first.depth);
   }
   finishAcross(page[table].begin.end, std::max(end, page[table].end.begin), "puts a row around the cells");
@@ -580,8 +678,66 @@ bool RepairPlanner::Data::wrapItems(int index) {
   return true;
 }
 
-// --- tags that are written otherwise
-// ----------------------------------------------------------------------------------
+// --- what has to move ------------------------------------------------------------------------------------------------
+
+// Unsafe in any case: a reader meets things in another order.
+void RepairPlanner::Data::planMove(int index) {
+  const RepairPage::Item& item = page[index];
+  const int parent = item.parent;
+  const bool isWhole = !item.isElement || (!item.isUnknown && !(item.error & kTagErrors));
+  if (isWhole && parent != kNone && !page.isHalf() && (moveBeforeTable(index) || moveToHead(index) || takeIn(index)))
+    return;
+  if (parent == kNone || !page[parent].isElement) return giveUp("it would have to move");
+  giveUp((item.isElement ? name(index) : std::string("the text")) + " would have to leave " + name(parent));
+}
+
+bool RepairPlanner::Data::moveBeforeTable(int index) {
+  const RepairPage::Item& item = page[index];
+  if (!item.isInline || !(isRowHolder(page.id(item.parent)) || page.id(item.parent) == ID_TR)) return false;
+  int table = item.parent;
+  for (int i = 0; i < kMostPassed && table != kNone && page.id(table) != ID_TABLE; ++i) table = page[table].parent;
+  if (table == kNone || page.id(table) != ID_TABLE || page[table].begin.isEmpty()) return false;
+  const Range range = item.all;
+  edit(range.begin, range.length(), {});
+  edit(page[table].begin.begin, 0, std::string(page.at(range)), index);
+  finish(UNSAFE, "moves it before the table");
+  return true;
+}
+
+// What only the head may hold goes to its end.
+bool RepairPlanner::Data::moveToHead(int index) {
+  const int id = page.id(index);
+  if (id != ID_META && id != ID_LINK && id != ID_BASE) return false;
+  const int head = page.head();
+  if (head == kNone || page[head].end.isEmpty() || page[index].all.begin < page[head].all.end) return false;
+  const std::size_t end = page[head].end.begin;
+  const bool own = page.lineBegin(end) != SourceMap::NOWHERE;
+  removeTag(page[index].all);
+  edit(end, 0, std::string(page.at(page[index].all)) + (own ? std::string(page.newlineNear(end)) : std::string()),
+       index);
+  finish(UNSAFE, "moves it to the head");
+  return true;
+}
+
+// Between items stands what belongs to the item before.
+bool RepairPlanner::Data::takeIn(int index) {
+  if (!page[index].isInline || !isList(page.id(page[index].parent))) return false;
+  const int item = skipped(index, /*forward=*/false);
+  if (item == kNone || page.id(item) != ID_LI || page[item].end.isEmpty() || (page[item].error & kTagErrors))
+    return false;
+  int last = index;
+  for (int next = index; next != kNone && page[next].isInline; next = page.nextSibling(next)) {
+    claim(next, kPlacing | ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST);
+    if (!page.isBlank(next)) last = next;
+  }
+  const std::size_t end = page.trimBack(page[last].all.end, page[last].all.begin);
+  edit(page[item].end.begin, page[item].end.length(), {});
+  edit(end, 0, std::string(page.at(page[item].end)), -page[index].depth);
+  finish(UNSAFE, "lets the item before take it in");
+  return true;
+}
+
+// --- tags that are written otherwise ---------------------------------------------------------------------------------
 
 // The tag with what could be read of it.
 void RepairPlanner::Data::planBrokenTag(int index) {
@@ -606,13 +762,16 @@ void RepairPlanner::Data::planCase(int index) {
   const ElementDefinition* definition = element->getElementDefinition();
   if (!definition) return giveUp("the element is not known");
   const std::string& name = definition->getName();
-  const auto writeName = [&](Range tag, std::size_t behind) {
-    const Range written = {tag.begin + behind, std::min(tag.begin + behind + name.size(), tag.end)};
-    if (tag.isKnown() && tag.length() > behind && page.at(written) != name) edit(written.begin, written.length(), name);
+  const auto rename = [&](Range tag, std::size_t behind, const std::vector<std::pair<Range, std::string>>& attributes) {
+    if (!tag.isKnown() || tag.length() < behind + name.size()) return;
+    std::vector<SourceEdit> inTag = {{behind, name.size(), name}};
+    for (const auto& [range, declared] : attributes)
+      inTag.push_back({range.begin - tag.begin, range.length(), declared});
+    std::string written = applyEdits(page.at(tag), inTag);
+    if (written != page.at(tag)) edit(tag.begin, tag.length(), std::move(written));
   };
-  writeName(item.begin, 1);
-  writeName(item.end, 2);
-  for (const auto& [range, declared] : page.misspelt(index)) edit(range.begin, range.length(), declared);
+  rename(item.begin, 1, page.misspelt(index));
+  rename(item.end, 2, {});
   claim(index, ERR_ELEMENT_INVALID_CASE);
   claim(index, ERR_ELEMENT_INVALID_CASE_ATTR);
   claim(index, ERR_ELEMENT_INVALID_CASE_END);
@@ -620,8 +779,7 @@ void RepairPlanner::Data::planCase(int index) {
   finish(UNSAFE, "writes the names of the tag as they are declared");
 }
 
-// --- the planner
-// ------------------------------------------------------------------------------------------------------
+// --- the planner -----------------------------------------------------------------------------------------------------
 
 RepairPlanner::RepairPlanner(Document* document, bool guardWide) {
   if (document && document->getDocumentElement()) data_ = std::make_unique<Data>(*document, guardWide);
@@ -646,8 +804,7 @@ const RepairPlanner::Plan* RepairPlanner::planFor(const Node* node, unsigned lon
   return &data_->plans[data_->planOf[finding]];
 }
 
-// --- plans together
-// ---------------------------------------------------------------------------------------------------
+// --- plans together --------------------------------------------------------------------------------------------------
 
 RepairPlanner::Verdict RepairPlanner::verify(const std::vector<std::size_t>& plans) const {
   Verdict verdict;

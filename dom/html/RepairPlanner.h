@@ -19,10 +19,11 @@ namespace zeldom40 {
 // of an error as a quick fix.
 //
 // SAFE is a plan that adds or removes end tags, or adds begin tags without attributes; the one exception is an inline
-// element around blocks, which goes into the blocks with its attributes. Text, server code, comments, scripts,
-// declarations and begin tags stay, in their order, and nothing between the two tags of a pair that is made or taken
-// apart is server code. UNSAFE is all else that the planner knows to do. In half a page, which other files may complete
-// (see isHalfPage), a missing tag is no error of the file: there is no plan for it.
+// element around blocks, which goes into the blocks with its attributes. A page may look otherwise where an element
+// ends that had no end tag. Text, server code, comments, scripts, declarations and begin tags stay, in their order, and
+// nothing between the two tags of a pair that is made or taken apart is server code. UNSAFE is all else that the
+// planner knows to do. In half a page, which other files may complete (see isHalfPage), a missing tag is no error of
+// the file: there is no plan for it.
 class ZELDOM40_API RepairPlanner {
  public:
   enum Kind { SAFE, UNSAFE, UNREPAIRED };
@@ -115,7 +116,8 @@ class ZELDOM40_API SourceRepair {
 
  private:
   bool pass(DOM* dom);
-  void dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted) const;
+  void dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted,
+                  std::vector<bool>& isBarred) const;
 
   Options options_;
   EditedText edited_;

@@ -1,5 +1,6 @@
 // Repairs a page's source pass by pass.
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "dom/html/ParsedPage.h"
@@ -23,7 +24,7 @@ int logarithm(std::size_t n) {
 // The largest part of the plans that a few checks show to be sound: who is next to something new goes first, and what
 // is left is halved.
 RepairPlanner::Verdict sound(const RepairPlanner& planner, std::vector<std::size_t> plans, std::vector<bool>& failed) {
-  const int rounds = logarithm(plans.size()) + 2;
+  const int rounds = std::max(logarithm(plans.size()), 1);
   for (int round = 0; round < 2 * rounds && !plans.empty(); ++round) {
     RepairPlanner::Verdict verdict = planner.verify(plans);
     if (verdict.isSound) return verdict;
@@ -44,17 +45,23 @@ SourceRepair::SourceRepair(DOM* dom, const std::string& source, Options options)
   }
 }
 
-void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted) const {
+void SourceRepair::dropBarred(const std::vector<RepairPlanner::Plan>& plans, std::vector<std::size_t>& wanted,
+                              std::vector<bool>& isBarred) const {
   for (const std::size_t barred : options_.barred) {
     const auto distance = [&](std::size_t plan) {
-      const std::size_t begin = edited_.toOriginal(plans[plan].edits.front().offset);
-      const SourceEdit& last = plans[plan].edits.back();
-      const std::size_t end = edited_.toOriginal(last.offset + last.length);
-      return barred < begin ? begin - barred : barred > end ? barred - end : 0;
+      std::size_t least = std::numeric_limits<std::size_t>::max();
+      for (const SourceEdit& edit : plans[plan].edits) {
+        const std::size_t begin = edited_.toOriginal(edit.offset);
+        const std::size_t end = edited_.toOriginal(edit.offset + edit.length);
+        least = std::min(least, barred < begin ? begin - barred : barred > end ? barred - end : 0);
+      }
+      return least;
     };
     const auto nearest = std::min_element(wanted.begin(), wanted.end(),
                                           [&](std::size_t a, std::size_t b) { return distance(a) < distance(b); });
-    if (nearest != wanted.end()) wanted.erase(nearest);
+    if (nearest == wanted.end()) return;
+    isBarred[*nearest] = true;
+    wanted.erase(nearest);
   }
 }
 
@@ -68,8 +75,9 @@ bool SourceRepair::pass(DOM* dom) {
     if (plans[i].kind == RepairPlanner::SAFE || (options_.unsafe && plans[i].kind == RepairPlanner::UNSAFE))
       wanted.push_back(i);
   }
-  dropBarred(plans, wanted);
   std::vector<bool> failed(plans.size(), false);
+  std::vector<bool> barred(plans.size(), false);
+  dropBarred(plans, wanted, barred);
   RepairPlanner::Verdict verdict;
   if (planner.source() == edited_.text()) verdict = sound(planner, std::move(wanted), failed);
   left_.clear();
@@ -83,8 +91,11 @@ bool SourceRepair::pass(DOM* dom) {
       entry.name = finding.node->getName();
       entry.now = finding.offset == SourceMap::NOWHERE ? 0 : finding.offset;
       entry.offset = edited_.toOriginal(entry.now);
-      entry.kind = failed[i] ? RepairPlanner::UNREPAIRED : plan.kind;
-      entry.reason = failed[i] ? "a repair would make another error" : plan.reason;
+      const bool isOut = failed[i] || barred[i];
+      entry.kind = isOut ? RepairPlanner::UNREPAIRED : plan.kind;
+      entry.reason = barred[i]   ? "another reader of the page sees something else there"
+                     : failed[i] ? "a repair would make another error"
+                                 : plan.reason;
       entry.isHint =
           planner.isHalfPage() && (finding.error & (ERR_ELEMENT_BEGIN_TAG_MISSING | ERR_ELEMENT_END_TAG_MISSING));
       (done ? settled_ : left_).push_back(std::move(entry));

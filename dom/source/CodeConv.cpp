@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "dom/source/ByteBuffer.h"
+#include "dom/source/CharHelpers.h"
 
 namespace zeldom40 {
 

@@ -524,15 +524,24 @@ bool NodeAccess::isChildKind(Node* node) {
 // Whether `node`, which has no parent, is `parent` or holds it, in a visual too. `top` is the topmost node over
 // `parent`, null until it was asked for.
 bool NodeAccess::isTopAbove(const Node* node, const Node* parent, const Node*& top) {
-  const bool holdsVisual =
-      node->nodeType_ == Node::NODE_META_DATA ||
-      (node->nodeType_ == Node::NODE_ELEMENT && ElementAccess::metaData(static_cast<const Element*>(node)));
-  if (!node->getFirstChild() && !holdsVisual) return node == parent;
+  if (!holdsNodes(node)) return node == parent;
   if (!top) {
     top = parent;
     while (const Node* up = above(top)) top = up;
   }
   return node == top;
+}
+
+// Whether a node is known to be of its parent's document with all that it holds. A parent without a document is not
+// asked what stands around it: to climb for each node of such a tree would cost the square of its depth.
+bool NodeAccess::isOfDocument(const Node* node, const Node* parent) {
+  return node->getDocument() ? node->getDocument() == parent->getDocument() : !holdsNodes(node);
+}
+
+// Children, or a visual.
+bool NodeAccess::holdsNodes(const Node* node) {
+  return node->getFirstChild() || node->nodeType_ == Node::NODE_META_DATA ||
+         (node->nodeType_ == Node::NODE_ELEMENT && ElementAccess::metaData(static_cast<const Element*>(node)));
 }
 
 // A call of the library's own brings one node that is known to be no ancestor, and its record is taken care of.
@@ -546,10 +555,9 @@ Node* NodeAccess::insertRun(Node* parent, Node* head, Node* left, Node* right, N
   if (head->parent_ || head == parent) return head;
   // So does one before a node of another DOM; one of another document becomes one of this.
   const Node* top = nullptr;
-  Document* const document = byHost ? documentAround(parent) : nullptr;
   auto isTaken = [&](Node* node) {
     return isChildKind(node) && !isTopAbove(node, parent, top) &&
-           (node->getDocument() == document || adoptNodes(node, document));
+           (isOfDocument(node, parent) || adoptNodes(node, documentAround(parent)));
   };
   if (byHost && !isTaken(head)) return head;
 

@@ -208,6 +208,8 @@ struct NodeAccess {
   static bool isLastOfRoot(const Node* node);
   static bool isChildKind(Node* node);
   static bool isTopAbove(const Node* node, const Node* parent, const Node*& top);
+  static bool isOfDocument(const Node* node, const Node* parent);
+  static bool holdsNodes(const Node* node);
   static std::pair<Node*, Node*> takeChildren(Node* node);
   static std::pair<Node*, Node*> takeListedChildren(Node* node);
   static bool ownsMore(const Node* node);

@@ -107,8 +107,7 @@ TEST_F(NormalizeTest, AByteOrderMarkStandsInFrontAndChangesNothing) {
         doc_->adjustNodes(nullptr, /*full=*/true);
       },
       [this] {
-        Node* body = find("BODY") ? find("BODY") : doc_->getDocumentElement();
-        body->insertFirst(doc_->createElement("HR"));
+        if (Node* body = find("BODY")) body->insertFirst(doc_->createElement("HR"));
         doc_->getDocumentElement()->insertLast(doc_->createElement("DIV"));
         doc_->adjustNodes(nullptr, /*full=*/false);
       },

@@ -51,9 +51,7 @@ TEST_F(RepairPlans, TagsComeAndGoAndNothingElse) {
       {"<p>one <b>two</p>", "<p>one <b>two</b></p>"},
       {"<P>one <Font size=1>two <i>three \n</P>", "<P>one <Font size=1>two <i>three</i></Font> \n</P>"},
       {"<h3><a name=x>T</h3><p>u", "<h3><a name=x>T</a></h3><p>u"},
-      {"  <div>\n    <p>x\n  <p>y", "  <div>\n    <p>x\n  <p>y</div>"},
-      {"  <div>\n    <p>x\n", "  <div>\n    <p>x\n  </div>\n"},
-      {"<div>\r\n<p>x\r\n", "<div>\r\n<p>x\r\n</div>\r\n"},
+      {"  <div>\n    <p>x", "  <div>\n    <p>x\n  </div>"},
       {"<a name=x><h2>T</h2>", "<a name=x></a><h2>T</h2>"},
       {"<dl><dt><kbd>-x\n<dd>y</dl>", "<dl><dt><kbd>-x</kbd>\n<dd>y</dl>"},
       // one that ends nothing
@@ -63,7 +61,10 @@ TEST_F(RepairPlans, TagsComeAndGoAndNothingElse) {
       {"a</br>b<BR></BR>", "a<br>b<BR><BR>"},
       {"<p>one</i>two</p>", "<p>one</i>two</p>"},
       // elements that cross
-      {"<p><b>one <i>two</b> three</i></p>", "<p><b>one <i>two</i></b> three</p>"},
+      {"<p><b>one <i>two</b> three</i></p>", "<p><b>one <i>two</i></b> <i>three</i></p>"},
+      {"<p><b>one <i>two</b></i></p>", "<p><b>one <i>two</i></b></p>"},
+      {"<h1>A</h3>\n<p>one</p>", "<h1>A</h1>\n<p>one</p>"},
+      {"<h2>A</h3><ul><li>x</ul>", "<h2>A</h2><ul><li>x</ul>"},
       {"<a name=a>one<a href=b>two</a></a>", "<a name=a>one</a><a href=b>two</a>"},
       // an inline element around blocks
       {"<b><p>T</p><p>U</p></b>", "<p><b>T</b></p><p><b>U</b></p>"},
@@ -84,6 +85,11 @@ TEST_F(RepairPlans, TagsComeAndGoAndNothingElse) {
       // what would have to move, and what nobody points at
       {"<table>one<tr><td>two</table>", "<table>one<tr><td>two</table>"},
       {"<pre>a <b>b</pre>", "<pre>a <b>b</pre>"},
+      {"one </p>\ntwo", "one </p>\ntwo"},
+      {"<nav><ul><li>a</nav><p>x", "<nav><ul><li>a</nav><p>x"},
+      {"<script>document.write('<div>')</script>x</div>", "<script>document.write('<div>')</script>x</div>"},
+      {"#if ($a)<div class=x>#else<div>#end y</div></div>", "#if ($a)<div class=x>#else<div>#end y</div></div>"},
+      {"<a href=1 onclick='f()'><p>one</p><p>two</p></a>", "<a href=1 onclick='f()'><p>one</p><p>two</p></a>"},
       {"<i></i><ul></ul>a&b<p align=left align=right>", "<i></i><ul></ul>a&b<p align=left align=right>"},
   };
   for (const Case& each : cases) EXPECT_EQ(body(each.before), each.after) << each.before;
@@ -103,6 +109,9 @@ TEST_F(RepairPlans, ServerCodeInBetweenMakesARepairUnsafe) {
     EXPECT_EQ(body(each.before), each.before);
     EXPECT_EQ(body(each.before, /*unsafe=*/true), each.after);
   }
+  EXPECT_EQ(repaired("<html><body>x<div>\n<p>y\n</body></html>"), "<html><body>x<div>\n<p>y\n</div></body></html>");
+  EXPECT_EQ(repaired("<html><body>\r\n<div>\r\n<p>x\r\n</body></html>"),
+            "<html><body>\r\n<div>\r\n<p>x\r\n</div>\r\n</body></html>");
   // It stands in the tag alone, or beside the pair.
   EXPECT_EQ(body("<% x %><h3><a href=\"<%= u %>\">T</h3>"), "<% x %><h3><a href=\"<%= u %>\">T</a></h3>");
 }
@@ -116,7 +125,10 @@ TEST_F(RepairPlans, TagsOfHalfAPageMayBeInAnotherFile) {
       {"<html><body><!--#include file='top.html'-->a</div>", nullptr},
       {"<html><body><jsp:include page='x'/></div>", nullptr},
       // a move within the file
-      {"<a href=x><h2>T</h2></a>", "<h2><a href=x>T</a></h2>"},
+      {"<b><p>T</p></b>", "<p><b>T</b></p>"},
+      {"<a href=x><h2>T</h2></a>", nullptr},
+      {"<div id=page>\n<svg><title>Logo</title></svg>\n", nullptr},
+      {"<!DOCTYPE html PUBLIC 'x'><title>x</title>\n<div id=page>\n", nullptr},
       // the page is whole, but goes on elsewhere as it seems
       {"<html><body><div id=page>\n<h1>T</h1>\n", nullptr},
   };
@@ -151,7 +163,7 @@ TEST_F(RepairPlans, AnErrorKnowsItsPlan) {
     EXPECT_EQ(missing->kind, RepairPlanner::SAFE);
     EXPECT_EQ(applyEdits(page, missing->edits),
               kBegin + "<p>one <b>two</b></p><p>three</i> four</p><table>x</table>" + kEnd);
-    EXPECT_EQ(plans[ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]->kind, RepairPlanner::UNREPAIRED);
+    EXPECT_EQ(plans[ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]->kind, RepairPlanner::UNSAFE);
     EXPECT_EQ(planner.planFor(document->getDocumentElement(), ERR_ELEMENT_UNKNOWN), nullptr);
     EXPECT_EQ(planner.planFor(nullptr, ~0ul), nullptr);
     // Alone, together, and with indices that are none.
@@ -191,8 +203,9 @@ TEST_F(RepairPlans, HostilePagesAreRepairedInLinearTime) {
     for (int i = 0; i < count; ++i) all += piece;
     return all;
   };
-  for (const char* piece : {"</i> ", "<b>", "<b><p>", "<a>", "<a name=x><h2>", "<table><td>", "<ul><ul>", "<div>",
-                            "<li>", "<% ", "<font <?", "</br>", "<pre></pre", "${", "<b><div>x</b>"}) {
+  for (const char* piece :
+       {"</i> ", "<b>", "<b><p>", "<a>", "<a name=x><h2>", "<table><td>", "<ul><ul>", "<div>", "<li>", "<% ",
+        "<font <?", "</br>", "<pre></pre", "${", "<?", "{{", "{%", "#if", "<b><div>x</b>"}) {
     for (const bool whole : {false, true}) {
       const std::string page = (whole ? kBegin : std::string()) + times(piece, 3000);
       const SourceRepair repair(dom_, page, {});

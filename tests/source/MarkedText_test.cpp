@@ -131,11 +131,13 @@ TEST(MarkedTextTest, OnlyReferencesThatBeginInTheRangeExpand) {
 }
 
 TEST(MarkedTextTest, CutAndStrayMarksGoBackAsTheyStand) {
-  for (const std::string& mark : {"\x1b"s, "\x1c"s, "\x1c\x1d"s, "\x1c\x1c "s, "\x1c\x1b\x20"s, "\x1c\x41\x1b\x42"s,
-                                  "\x1c\x1b\x20\x41"s, "\0"s}) {
+  for (const std::string& mark : {"\x1b"s, "\x1c"s, "\x1c\x1d"s, "\x1c\x1c "s, "\x1c\x41\x42\x43"s, "\0"s}) {
     EXPECT_EQ(restored("a" + mark), "a" + mark);
     EXPECT_EQ(escaped("a" + mark, true), "a" + mark);
   }
+  // What stands behind one counts by itself.
+  EXPECT_EQ(restored("\x1c\x41\x1b\x42"), "\x1c\x41&#66;");
+  EXPECT_EQ(restored("\x1c\x1b\x20\x41"), "\x1c&#32;\x41");
 }
 
 TEST(MarkedTextTest, ProtectMarkupMarksOnce) {

@@ -56,9 +56,9 @@ TEST_F(Dynamic, PairsTellTheStateAndThePlaceInTheFile) {
 TEST_F(Dynamic, WhatIsBrokenBesidePairsIsRepairedAndTheyStay) {
   const std::string before =
       "<HTML><HEAD><TITLE>t</TITLE></HEAD><BODY>\n" + pair("DynamicData", kLoop, "stale") + kLoop + "\n";
-  write("a", before + "<P>one</I></P>\n</BODY></HTML>\n");
-  EXPECT_EQ(run("fix a").out, before + "<P>one</P>\n</BODY></HTML>\n");
-  EXPECT_EQ(run("check a").out.substr(0, 6), "a:5:7:");
+  write("a", before + "<P><I>one</P>\n</BODY></HTML>\n");
+  EXPECT_EQ(run("fix a").out, before + "<P><I>one</I></P>\n</BODY></HTML>\n");
+  EXPECT_EQ(run("check a").out.substr(0, 6), "a:5:4:");
 }
 
 TEST_F(Dynamic, RuntimeKeepsBytesThatAreNotDynamic) {

@@ -116,9 +116,8 @@ TEST_F(Repair, LinesThatNoRepairTouchedKeepTheirBytes) {
   };
   const Case cases[] = {
       {"line ends", kBegin + "<P>one</I></P>\r\n<P>t\0o</P>\r"s + kEnd + "\x1a",
-       kBegin + "<P>one</P>\n<P>t\0o</P>\r"s + kEnd + "\x1a"},
-      {"ISO-2022-JP", kBegin + oldEscapes + "<P>\x1b$B" + kanji + "\x1b(B</I></P>\n" + kEnd,
-       kBegin + oldEscapes + "<P>\x1b$B" + kanji + "\x1b(B</P>\n" + kEnd},
+       kBegin + "<P>one</P>\r\n<P>t\0o</P>\r"s + kEnd + "\x1a"},
+      {"ISO-2022-JP", kBegin + "<P>one</I></P>\n" + oldEscapes + kEnd, kBegin + "<P>one</P>\n" + oldEscapes + kEnd},
       {"EUC", euc + "<P>\xA4\xA2\x8E\xB1</I></P>\n" + kEnd, euc + "<P>\xA4\xA2\x8E\xB1</P>\n" + kEnd},
       {"unknown bytes", kBegin + "<P>\xA4\xFF\x80</I></P>\n\xC3\n" + kEnd,
        kBegin + "<P>\xA4\xFF\x80</P>\n\xC3\n" + kEnd},
@@ -159,14 +158,35 @@ TEST_F(Repair, InPlaceLosesNothingWhenTheWriteFails) {
   }
 }
 
-// A repair writes a tag anew: one that has no end holds the rest of the page.
-TEST_F(Repair, InPlaceRefusesWhatWouldDropTheRestOfThePage) {
+// A tag that has no end holds the rest of the page; a repair would drop it.
+TEST_F(Repair, ATagWithoutEndStays) {
   const std::string page = kBegin + "<P>one <A href=\"x>two</A>\n<P>three\n" + kEnd;
   write("a", page);
-  const Result result = run("fix -i a");
-  EXPECT_EQ(result.code, 1);
-  EXPECT_NE(result.err.find("line 2, column 8"), std::string::npos) << result.err;
-  EXPECT_EQ(readFile(path("a")), page);
+  for (const char* command : {"fix -i a", "fix -i --unsafe a"}) {
+    const Result result = run(command);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_NE(result.err.find("a:2:8: left: <A>: "), std::string::npos) << result.err;
+    EXPECT_EQ(readFile(path("a")), page);
+  }
+}
+
+// The line is that of the file as it is afterwards; what half a page leaves open is a hint, and no repair.
+TEST_F(Repair, WhatIsDoneAndLeftIsTold) {
+  write("a", kBegin + "<P>one <B><% x %></P>\n<TABLE>x</TABLE><P>two</I> three\n" + kEnd);
+  EXPECT_EQ(
+      run("fix --dry-run a").err,
+      "a:2:8: left, unsafe: <B>: adds </B>, though server code stands in between [ERR_ELEMENT_END_TAG_MISSING]\n"
+      "a:3:8: left, unsafe: text: moves it before the table [ERR_TEXT_ONLY_WHITESPACES_CAN_EXIST]\n"
+      "a:3:23: left, unsafe: <I>: drops </I>, though server code stands in between [ERR_ELEMENT_BEGIN_TAG_MISSING]\n");
+  const Result unsafe = run("fix --unsafe -i a");
+  EXPECT_NE(unsafe.err.find("a:2:8: unsafe: <B>: adds </B>"), std::string::npos) << unsafe.err;
+  EXPECT_EQ(unsafe.out, "a: 3 repairs (3 unsafe), 2 lines changed\n");
+  EXPECT_EQ(readFile(path("a")), kBegin + "<P>one <B><% x %></B></P>\nx<TABLE></TABLE><P>two three\n" + kEnd);
+  write("top", "<div id=page>\n<h1>T</h1>\n");
+  EXPECT_EQ(run("check top").out, "top:1:1: hint: <DIV> has no end tag [ERR_ELEMENT_END_TAG_MISSING]\n");
+  EXPECT_EQ(run("check top").code, 0);
+  EXPECT_EQ(run("fix --diff top").out, "");
+  EXPECT_EQ(run("fix --unsafe -i top").code, 0);
 }
 
 }  // namespace

@@ -72,8 +72,8 @@ TEST_F(TextTest, StrayMarksHideNoMarkup) {
   t->setData("\x1c<script>", /*notify=*/true);
   EXPECT_EQ(t->getRawData(), "\x1c&lt;script&gt;");
   t->setData("", true);
-  t->insert(0, "\x1c\x1c<b", /*moveCursor=*/false, Text::SPACE_NORMAL);
-  EXPECT_EQ(t->getRawData(), "&#28;\x1c&lt;b");
+  t->insert(0, "\x1c\x1c<", /*moveCursor=*/false, Text::SPACE_NORMAL);
+  EXPECT_EQ(t->getRawData(), "&#28;\x1c&lt;");
   t->setData("a\x1c", true);
   t->replace(1, 1, "\x1c<i>", false);
   EXPECT_EQ(t->getRawData(), "a\x1c&lt;i&gt;");

@@ -315,15 +315,19 @@ bool isDirective(std::string_view page, std::size_t at, std::string_view name) {
   return word != kNone && sameButForCase(page.substr(word, name.size()), name);
 }
 
+std::string folded(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return lower;
+}
+
 // Whether other files are part of the page.
 bool includesFiles(std::string_view page) {
   for (std::size_t i = page.find("<%@"); i != kNone; i = page.find("<%@", i + 3)) {
     if (isDirective(page, i, "include")) return true;
   }
-  std::string folded(page);
-  for (char& c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return contains(folded, {"<jsp:include", "<jsp:directive.include", "<!--#include", "<tiles:", "<c:import",
-                           "<decorator:", "<sitemesh:"});
+  return contains(folded(page), {"<jsp:include", "<jsp:directive.include", "<!--#include", "<tiles:", "<c:import",
+                                 "<decorator:", "<sitemesh:"});
 }
 
 class RepairCheck {
@@ -445,7 +449,7 @@ class RepairCheck {
       for (const Part* part : in) {
         if (next < out.size() && old_.text(*out[next]) == new_.text(*part)) {
           ++next;
-        } else if (!mayCome(*part)) {
+        } else if (!mayCome(*part) && !isBreak(edit, *part)) {
           return changed(part->piece, planned_[edit].offset);
         }
       }
@@ -453,6 +457,19 @@ class RepairCheck {
       if (isLonely(edit)) return fault(planned_[edit].offset, "white space would change where no repair is");
     }
     return std::nullopt;
+  }
+
+  // Every browser reads the end tag of BR as a begin tag, so each may be written as one.
+  bool isBreak(std::size_t edit, const Part& part) const {
+    const auto count = [](std::string_view text, std::string_view tag) {
+      const std::string all = folded(text);
+      std::size_t times = 0;
+      for (std::size_t i = all.find(tag); i != kNone; i = all.find(tag, i + 1)) ++times;
+      return times;
+    };
+    const std::string_view was = old_.bytes.substr(planned_[edit].offset, planned_[edit].length);
+    return part.piece.is(kBareTag) && tagName(new_.text(part)) == "br" &&
+           count(planned_[edit].replacement, "<br") <= count(was, "</br") + count(was, "<br");
   }
 
   // The parts of an edit but for white space, end tags and inline begin tags, which other checks know. `at` is where
@@ -647,8 +664,12 @@ using Things = std::map<std::string, std::size_t, std::less<>>;
 void gather(std::string_view text, Things* all) {
   for (const Piece& piece : cutPage(text)) {
     const std::string_view bytes = bytesOf(text, piece);
-    if (piece.kind == PieceKind::kWord || piece.kind == PieceKind::kServer || piece.kind == PieceKind::kRaw) {
-      ++(*all)[std::string(bytes)];
+    if (piece.kind == PieceKind::kWord || piece.kind == PieceKind::kServer || piece.kind == PieceKind::kRaw ||
+        piece.kind == PieceKind::kComment || piece.kind == PieceKind::kDeclaration) {
+      // The name of an action may be put right.
+      const bool isTagOfServer =
+          piece.kind == PieceKind::kServer && bytes.size() > 1 && bytes[1] != '%' && bytes[1] != '?';
+      ++(*all)[isTagOfServer ? folded(bytes) : std::string(bytes)];
     } else if (piece.is(kHoldsServer)) {
       for (const std::string_view code : serverCodeOf(bytes)) ++(*all)[std::string(code)];
     }
