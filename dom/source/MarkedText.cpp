@@ -96,12 +96,14 @@ WideUnit readWideUnit(std::string_view unit) {
   return {high + low, form == kQuadMark, true};
 }
 
-// The length of the unit at `i`, of those that the conversions make; 1 for any other byte, also for a mark byte that
-// opens none: what stands behind it may be markup.
+}  // namespace
+
 size_t unitAt(std::string_view text, size_t i) {
   if (text[i] == kPairMark) return i + 1 < text.size() ? 2 : 1;
   return text[i] == kQuadMark && readWideUnit(text.substr(i, 4)).valid ? 4 : 1;
 }
+
+namespace {
 
 // Whether the mark byte at `i`, which opens no unit, would open one when the markup behind it is marked.
 bool wouldOpenUnit(std::string_view text, size_t i) {

@@ -34,6 +34,10 @@ class CharacterNames {
 
 // In all of these a null table is an empty one, and time is linear in the text.
 
+// The length of the unit at `i`, of those that the conversions below make; 1 for any other byte, also for a mark byte
+// that opens none: what stands behind it may be markup. Needs `i < text.size()`.
+size_t unitAt(std::string_view text, size_t i);
+
 // Reads the decimal digits at `offset`, which is behind the "&#". Returns the code, 1 to 65534, with the digits and a
 // following ";" counted in `*length`; 0, with `*length` 0, for no digit, more than five, or another code.
 // Hexadecimal references are not read. `length` may be null.

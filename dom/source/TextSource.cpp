@@ -47,7 +47,7 @@ class PieceWalk {
   const Cut& at() const { return at_; }
   // Whether no unit of the marked form is cut here.
   bool isBetweenUnits() {
-    while (unit_ < at_.plain) unit_ += markedLength(plain_, unit_);
+    while (unit_ < at_.plain) unit_ += unitAt(plain_, unit_);
     return unit_ == at_.plain;
   }
   // Whether an "&" stands here for itself and opens what other readers may take for a reference.
@@ -148,16 +148,16 @@ Touched findTouched(std::string_view before, std::string_view after) {
   const auto same = static_cast<std::size_t>(differ.first - before.begin());
   Touched found;
   std::size_t step = 0;
-  while (found.from < same && found.from + (step = markedLength(before, found.from)) <= same) {
+  while (found.from < same && found.from + (step = unitAt(before, found.from)) <= same) {
     // The last unit of one form may be cut by its end, and be a longer one in the other.
-    if (markedLength(after, found.from) != step) break;
+    if (unitAt(after, found.from) != step) break;
     found.from += step;
   }
   std::size_t suffix = 0;
   const std::size_t most = std::min(before.size(), after.size()) - found.from;
   while (suffix < most && before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix]) ++suffix;
   found.oldEnd = found.newEnd = found.from;
-  const auto advance = [](std::string_view text, std::size_t& at) { at += markedLength(text, at); };
+  const auto advance = [](std::string_view text, std::size_t& at) { at += unitAt(text, at); };
   while (found.oldEnd < before.size() - suffix) advance(before, found.oldEnd);
   while (found.newEnd < after.size() - suffix) advance(after, found.newEnd);
   while (before.size() - found.oldEnd != after.size() - found.newEnd) {
@@ -247,8 +247,9 @@ void joinSource(std::string& raw, std::string_view behind, const ReferenceTables
   constexpr std::size_t kLongest = 64;
   if (!raw.empty() && !behind.empty()) {
     const std::size_t from = raw.size() - std::min(raw.size(), kLongest);
-    const std::size_t at = raw.find_last_of("&<");
-    if (at != std::string::npos && at >= from && reachesOver(std::string_view(raw).substr(at), {}, behind)) {
+    const std::size_t last = std::string_view(raw).substr(from).find_last_of("&<");
+    const std::size_t at = last == std::string_view::npos ? raw.size() : from + last;
+    if (at < raw.size() && reachesOver(std::string_view(raw).substr(at), {}, behind)) {
       std::string meaning;
       if (raw[at] == '&' && at + readReference(raw, at, tables.entities, meaning) == raw.size()) {
         raw += ';';
